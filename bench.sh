@@ -1,0 +1,148 @@
+#!/usr/bin/env bash
+# Times the engine beside the tools that people use today, in one run on this machine's disk: medians of
+# five runs of each (BENCH_RUNS), ratios, and how often each asks for a flush. Installs what is missing.
+#   bench.sh          three workloads: a large file, many small ones, some of middle size
+#   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
+# The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
+# Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
+set -euo pipefail
+cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
+# shellcheck source=scripts/packages.sh
+source scripts/packages.sh
+need_packages build bench
+
+runs=${BENCH_RUNS:-5}
+dir=${BENCH_DIR:-$PWD/build/bench}
+engine=$PWD/build/native-release/tests/bench/engine_bench
+cmake --preset native-release -Wno-dev >/dev/null
+cmake --build --preset native-release --parallel "$(nproc)" --target engine_bench >/dev/null
+
+[[ ! -e $dir/work ]] || { echo "$dir/work is there already, and would be destroyed" >&2; exit 1; }
+mkdir -p -- "$dir"
+trap 'rm -rf -- "$dir/work" "$dir/fio-seconds"' EXIT
+
+# --- The workloads: each makes $dir/work anew and waits until it is on the device ---
+
+# files COUNT BYTES FOLDERS
+files() {
+  perl -e '
+    my ($top, $count, $bytes, $folders) = @ARGV;
+    open(my $random, "<:raw", "/dev/urandom") or die;
+    for my $folder (0 .. $folders - 1) {
+      mkdir "$top/folder$folder" or die;
+      for my $file (1 .. $count / $folders) {
+        read($random, my $data, $bytes) == $bytes or die;
+        open(my $out, ">:raw", "$top/folder$folder/file$file") or die;
+        print $out $data;
+        close($out) or die;
+      }
+    }' "$dir/work" "$@"
+}
+make_large() { files 1 $((256 << 20)) 1; }
+make_small() { files 2000 4096 20; }
+make_middle() { files 100 $((1 << 20)) 1; }
+make_work() {
+  rm -rf -- "$dir/work"
+  mkdir -- "$dir/work"
+  "make_$1" "${@:2}"
+  sync -f -- "$dir/work"
+}
+
+# --- The tools: each destroys $dir/work, or as much of it as it can ---
+
+run_engine() { "$engine" folder "$dir/work" 3 --quiet; }
+run_plain() { "$engine" folder "$dir/work" 3 --quiet --one-at-a-time; }
+run_shred() { find "$dir/work" -type f -exec shred -n 9 -u {} +; }
+# As many passes as ours, nine, for wipe and scrub. srm knows 38 passes, two, and this: a single one.
+run_wipe() { wipe -rfqs -Q 9 "$dir/work" >/dev/null 2>&1; }
+run_srm() { srm -rll "$dir/work" >/dev/null 2>&1; }
+run_scrub() {
+  local file
+  find "$dir/work" -type f -print0 | while IFS= read -r -d '' file; do
+    scrub -Sfr -p bsi "$file" >/dev/null 2>&1
+  done
+}
+# The same bytes in the same blocks with one flush a pass, and nothing of names or of reading back.
+run_fio() {
+  local pass
+  for pass in 1 2 3 4 5 6 7 8 9; do
+    fio --name="$pass" --filename="$(find "$dir/work" -type f)" --rw=write --bs=1M --size=256M --direct=1 \
+      --ioengine=io_uring --iodepth=4 --end_fsync=1 --overwrite=1 --allow_file_create=0 --refill_buffers=0 \
+      --output-format=json 2>/dev/null | perl -MJSON::PP -0777 -ne '
+        print decode_json($_)->{jobs}[0]{write}{runtime} / 1000 + 0, "\n"'
+  done | awk '{ sum += $1 } END { printf "%.3f\n", sum }' >"$dir/fio-seconds"
+}
+
+# seconds TOOL WORKLOAD: of one run.
+seconds() {
+  local started ended
+  make_work "$2"
+  started=$(date +%s%N)
+  "run_$1"
+  ended=$(date +%s%N)
+  if [[ $1 == fio ]]; then
+    # Its own starting up, nine times, is no part of it.
+    cat -- "$dir/fio-seconds"
+    rm -- "$dir/fio-seconds"
+  else
+    awk "BEGIN { printf \"%.3f\\n\", ($ended - $started) / 1e9 }"
+  fi
+}
+
+# flushes TOOL WORKLOAD: how many calls for a flush.
+flushes() {
+  local trace
+  trace=$(mktemp)
+  make_work "$2"
+  strace -f -qq -c -e trace=fsync,fdatasync,syncfs,sync -o "$trace" "$BASH" -c \
+    "$(declare -f "run_$1"); dir=$(printf %q "$dir") engine=$(printf %q "$engine"); run_$1" || true
+  awk '$NF ~ /^(fsync|fdatasync|syncfs|sync)$/ { sum += $4 } END { print sum + 0 }' "$trace"
+  rm -- "$trace"
+}
+
+median() { sort -n | awk '{ all[NR] = $1 } END { print all[int((NR + 1) / 2)] }'; }
+
+# compare TITLE WORKLOAD TOOL...: the tools take turns, so that a noisy moment meets all of them.
+compare() {
+  local title=$1 workload=$2 tool run all own
+  shift 2
+  local -A times=()
+  for ((run = 1; run <= runs; ++run)); do
+    for tool in "$@"; do times[$tool]+="$(seconds "$tool" "$workload") "; done
+  done
+  own=$(tr ' ' '\n' <<<"${times[engine]% }" | median)
+  printf '\n%s\n  %-8s %10s %8s %9s   %s\n' "$title" "" "median s" "ratio" "flushes" "all runs"
+  for tool in "$@"; do
+    all=${times[$tool]% }
+    awk -v tool="$tool" -v t="$(tr ' ' '\n' <<<"$all" | median)" -v own="$own" -v all="$all" \
+      -v flushes="$(flushes "$tool" "$workload")" \
+      'BEGIN { printf "  %-8s %10.3f %8.2f %9d   %s\n", tool, t, t / own, flushes, all }'
+  done
+}
+
+linear() {
+  local count
+  for count in 10000 100000; do
+    make_work files_of "$count"
+    printf '%6d files of 4 KiB: ' "$count"
+    "$engine" folder "$dir/work" 3
+  done
+}
+make_files_of() { files "$1" 4096 $(($1 / 100)); }
+
+echo "$(df --output=fstype,source "$dir" | tail -1), $(nproc) processors, load $(cut -d' ' -f1-3 /proc/loadavg)," \
+  "medians of $runs; ratio: time against the engine's"
+if [[ ${1:-} == linear ]]; then
+  linear
+  exit
+fi
+# wipe takes half a minute and more for each run of the large file and of the middle ones.
+compare "One file of 256 MiB" large engine plain shred scrub fio
+compare "2,000 files of 4 KiB in 20 folders" small engine plain shred wipe srm
+compare "100 files of 1 MiB" middle engine plain shred srm scrub
+echo
+make_work large
+echo "Memory, large file: $("$engine" folder "$dir/work" 3)"
+make_work small
+echo "Memory, small files: $("$engine" folder "$dir/work" 3)"
+"$engine" random | sed 's/^/Random data, /'

@@ -1,0 +1,12 @@
+# What stands in the program's folder: `cmake --install BUILD --component program --prefix FOLDER`.
+# The target `program` builds it.
+add_custom_target(program)
+
+foreach(target IN ITEMS Zeroquill ZQExMan)
+  if(TARGET ${target})
+    add_dependencies(program ${target})
+    install(TARGETS ${target} RUNTIME DESTINATION . COMPONENT program)
+  endif()
+endforeach()
+
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT program)

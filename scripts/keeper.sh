@@ -1,0 +1,122 @@
+#!/usr/bin/env bash
+# The first process of a cage (see cage.sh, which copies it into the prefix and starts it there).
+# `enter` stands in new name spaces: it builds the cage's root and goes on as `stay` in it. `stay`
+# runs the X server and Wine's server until nobody needs them. When it ends, so does all in the cage.
+set -euo pipefail
+mode=$1 prefix=$2 screen=$3
+
+enter() {
+  # Before /proc is our own, it still shows the number by which those outside know this process.
+  read -r pid _ </proc/self/stat
+  mount --make-rprivate /
+  root=$prefix/cage/root
+  mkdir -p -- "$root"
+  mount -t tmpfs -o mode=755 cage "$root"
+
+  for folder in /usr /etc /bin /sbin /lib /lib32 /lib64 /libx32 /var/cache/fontconfig; do
+    if [[ -L $folder ]]; then
+      ln -s -- "$(readlink -- "$folder")" "$root$folder"
+    elif [[ -d $folder ]]; then
+      mkdir -p -- "$root$folder"
+      mount --rbind -- "$folder" "$root$folder"
+      mount -o remount,bind,ro -- "$root$folder"
+    fi
+  done
+
+  mkdir -p -- "$root"/{proc,tmp,dev/shm,var/lib,var/tmp}
+  mount -t proc proc "$root/proc"
+  mount -t tmpfs -o mode=1777 cage "$root/dev/shm"
+  mount -t tmpfs -o mode=1777 cage "$root/tmp"
+  for device in null zero full random urandom tty; do
+    : >"$root/dev/$device"
+    mount --bind "/dev/$device" "$root/dev/$device"
+  done
+  ln -s /proc/self/fd "$root/dev/fd"
+
+  # Behind /tmp, which the prefix may well lie in.
+  mkdir -p -- "$root$prefix"
+  mount --bind -- "$prefix" "$root$prefix"
+  if [[ -s $prefix/cage/drives ]]; then
+    while read -r letter what; do
+      if [[ $what == /* ]]; then
+        # Given back by the kernel with this name space, as is the loop device.
+        mount -o loop,nosuid,nodev,noexec -- "$what" "$root$prefix/drive_$letter"
+      else
+        mount -t tmpfs -o "size=$what,mode=755" small "$root$prefix/drive_$letter"
+      fi
+    done <"$prefix/cage/drives"
+  fi
+  if [[ $screen == host && -d /tmp/.X11-unix ]]; then
+    mkdir -p -- "$root/tmp/.X11-unix"
+    mount --bind /tmp/.X11-unix "$root/tmp/.X11-unix"
+  fi
+  mount -o remount,bind,ro -- "$root"
+  echo namespaces >"$prefix/cage/wall"
+  echo "$pid" >"$prefix/cage/pid"
+  exec chroot "$root" /bin/bash "$prefix/cage/keeper.sh" keep "$prefix" "$screen"
+}
+
+leave() {
+  trap - TERM EXIT
+  rm -f -- "$prefix"/cage/{pid,ready}
+  wineserver -k 2>/dev/null || true
+  [[ -n ${xvfb:-} ]] && kill "$xvfb" 2>/dev/null
+  exit 0
+}
+
+keep() {
+  cd -- "$prefix"
+  export HOME=$prefix/home USER=user LOGNAME=user LC_ALL=C.UTF-8 TMPDIR=$prefix/tmp
+  export WINEPREFIX=$prefix WINEARCH=win64 WINEDEBUG=-all
+  trap leave TERM EXIT
+
+  if [[ $screen == host ]]; then
+    echo "${DISPLAY:-}" >"$prefix/cage/display"
+  else
+    if [[ $(<"$prefix/cage/wall") == namespaces ]]; then
+      mkdir -p /tmp/.X11-unix
+      chmod 1777 /tmp/.X11-unix
+    fi
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -dpi 96 -nolisten tcp 3>"$prefix/cage/display.new" &
+    xvfb=$!
+    until [[ -s $prefix/cage/display.new ]]; do
+      kill -0 "$xvfb"
+      sleep 0.02
+    done
+    echo ":$(<"$prefix/cage/display.new")" >"$prefix/cage/display"
+  fi
+
+  wineserver --foreground --persistent &
+  server=$!
+  # Wine starts its services and its desktop with the first program that wants them, and they would
+  # keep that program's output open: so let it be this one. A prefix that is being made has none yet.
+  if [[ -f $prefix/system.reg ]]; then
+    DISPLAY=$(<"$prefix/cage/display") WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=" \
+      wine rundll32.exe user32.dll,GetDesktopWindow || true
+  fi
+  : >"$prefix/cage/ready"
+
+  # Users of the cage hold cage/in-use shared. Thirty times in a row nobody: leave, holding it
+  # ourselves so that a newcomer waits until this cage is gone and then starts the next.
+  exec 9>"$prefix/cage/in-use"
+  idle=0
+  while ((idle < 30)) && kill -0 "$server" 2>/dev/null; do
+    if flock --exclusive --nonblock 9; then
+      idle=$((idle + 1))
+      ((idle < 30)) && flock --unlock 9
+    else
+      idle=0
+    fi
+    sleep 1 9>&-
+  done
+}
+
+case $mode in
+  enter) enter ;;
+  keep) keep ;;
+  stay)
+    echo drives >"$prefix/cage/wall"
+    echo $$ >"$prefix/cage/pid"
+    keep
+    ;;
+esac

@@ -1,0 +1,94 @@
+#!/usr/bin/env bash
+# Installs what the project needs from Debian's archive, in sets: `build`, `run`, `test`, `forensic`, `bench`. Source it
+# and call `need_packages`, or run it: scripts/packages.sh SET...
+# When nothing is missing it neither asks for rights nor touches the network.
+
+# The set's packages, one a line.
+packages_of() {
+  case $1 in
+    build)
+      printf '%s\n' cmake ninja-build g++ g++-mingw-w64-x86-64-posix mingw-w64-tools \
+        libcli11-dev
+      ;;
+    run)
+      # Wine's own fonts bring Tahoma; the others stand in for Verdana and Arial.
+      printf '%s\n' wine wine64 fonts-wine fonts-dejavu-core fonts-liberation2 xvfb xauth util-linux
+      ;;
+    test)
+      printf '%s\n' googletest clang libclang-rt-dev clang-format cppcheck shellcheck \
+        imagemagick icoutils librsvg2-bin
+      ;;
+    forensic)
+      # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
+      printf '%s\n' e2fsprogs dosfstools ntfs-3g xfsprogs btrfs-progs user-mode-linux procps perl-base \
+        sleuthkit testdisk secure-delete wipe
+      ;;
+    bench)
+      printf '%s\n' googletest wipe secure-delete scrub fio strace perl
+      ;;
+    *)
+      echo "packages.sh: there is no set '$1' (build, run, test, forensic, bench)" >&2
+      return 2
+      ;;
+  esac
+}
+
+# The packages of the sets that are not installed, one a line.
+missing_packages() {
+  local set package status
+  for set in "$@"; do
+    for package in $(packages_of "$set"); do
+      status=$(dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null || true)
+      [[ $status == installed ]] || echo "$package"
+    done
+  done
+}
+
+# need_packages SET...: installs what is missing of the sets. Fails with a list where it can't.
+need_packages() {
+  local set
+  for set in "$@"; do packages_of "$set" >/dev/null || return; done
+
+  if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
+    # Not a Debian: whoever has the tools already may go on, all others are told what is wanted.
+    local -A tools=(
+      [build]="cmake ninja g++ x86_64-w64-mingw32-g++-posix x86_64-w64-mingw32-windres"
+      [run]="wine wineserver Xvfb unshare nsenter"
+      [test]="clang++ clang-format"
+      [bench]="wipe srm scrub fio strace perl")
+    local tool absent=""
+    for set in "$@"; do
+      for tool in ${tools[$set]}; do
+        command -v "$tool" >/dev/null || absent+=" $tool"
+      done
+    done
+    [[ -z $absent ]] && return 0
+    echo "This system has no apt-get, so install by hand what gives these programs:$absent" >&2
+    echo "In Debian 12 they come from:" >&2
+    for set in "$@"; do packages_of "$set" | paste -sd ' ' | sed 's/^/  /' >&2; done
+    return 1
+  fi
+
+  local -a missing as_root=()
+  mapfile -t missing < <(missing_packages "$@")
+  ((${#missing[@]} == 0)) && return 0
+
+  echo "Installing from Debian's archive: ${missing[*]}"
+  if ((EUID != 0)); then
+    if ! command -v sudo >/dev/null; then
+      echo "These packages are missing, and there is neither root nor sudo to install them." >&2
+      echo "As root: apt-get install --no-install-recommends ${missing[*]}" >&2
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  "${as_root[@]}" apt-get update --quiet &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install --quiet --yes --no-install-recommends "${missing[@]}"
+}
+
+if [[ ${BASH_SOURCE[0]} == "$0" ]]; then
+  set -euo pipefail
+  (($# > 0)) || { echo "usage: packages.sh SET...   (build, run, test, forensic, bench)" >&2; exit 2; }
+  need_packages "$@"
+fi

@@ -1,0 +1,151 @@
+#!/usr/bin/env bash
+# Makes, checks and ends the private Wine prefixes that the tests and the demonstration run in.
+#   prefix.sh create NAME [--dpi N] [--managed] [--drive LETTER:SIZE]... [--image LETTER:FILE]...
+#                                     prints the prefix's folder
+#   prefix.sh verify NAME-OR-FOLDER   0 if nothing in it leads to this machine's files
+#   prefix.sh stop NAME | --all       ends what runs in it
+set -euo pipefail
+# shellcheck source=scripts/cage.sh
+source "$(dirname -- "${BASH_SOURCE[0]}")/cage.sh"
+
+usage() {
+  sed -n '2,6s/^# //p' "${BASH_SOURCE[0]}" >&2
+  exit 2
+}
+
+# The registry of a prefix, as a file that regedit reads.
+registry() {
+  local dpi managed
+  printf -v dpi '%08x' "$1"
+  managed=$2
+  cat <<REG
+Windows Registry Editor Version 5.00
+
+[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]
+"Managed"="$managed"
+
+[HKEY_CURRENT_USER\\Control Panel\\Desktop]
+"LogPixels"=dword:$dpi
+"FontSmoothing"="2"
+"FontSmoothingType"=dword:00000001
+
+[HKEY_CURRENT_USER\\Software\\Wine\\Fonts]
+"LogPixels"=dword:$dpi
+
+[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]
+"Verdana"="DejaVu Sans"
+
+[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion\\AeDebug]
+"Debugger"="none"
+"Auto"="1"
+
+[HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]
+"ShowCrashDialog"=dword:00000000
+REG
+}
+
+create() {
+  local name=$1 dpi=96 managed=N drive prefix wanted
+  local -a drives=()
+  shift
+  while (($# > 0)); do
+    case $1 in
+      --dpi) dpi=$2; shift 2 ;;
+      --managed) managed=Y; shift ;;
+      --drive)
+        [[ $2 =~ ^[d-y]:[0-9]+[kM]$ ]] || { cage_say "a small drive is given as d:8M, not '$2'"; exit 2; }
+        drives+=("$2")
+        shift 2
+        ;;
+      --image)
+        # The file system in a file, for as long as the cage is up. Never a device: that could be a disk.
+        [[ $2 =~ ^[d-y]:/ && -f ${2#*:} && ! -L ${2#*:} ]] ||
+          { cage_say "an image is given as d:/path/of/a/file, not '$2'"; exit 2; }
+        ((EUID == 0)) || { cage_say "mounting the image ${2#*:} needs root"; exit 2; }
+        drives+=("$2")
+        shift 2
+        ;;
+      *) usage ;;
+    esac
+  done
+  prefix=$(cage_path "$name")
+  # Raise the number when a prefix is made otherwise than before.
+  wanted="2 dpi=$dpi managed=$managed drives=${drives[*]}"
+
+  mkdir -p -- "$cage_base"
+  exec {lock}>"$cage_base/.$name.lock"
+  flock "$lock"
+  if [[ -f $prefix/cage/made-by-prefix.sh && $(<"$prefix/cage/made-by-prefix.sh") == "$wanted" ]]; then
+    cage_verify "$prefix" || exit 1
+    echo "$prefix"
+    return
+  fi
+
+  # Not there, or half made, or made otherwise: from the beginning.
+  if [[ -e $prefix ]]; then
+    cage_down "$prefix"
+    rm -rf -- "$prefix"
+  fi
+  # Wine links z: to / only when it makes dosdevices itself.
+  mkdir -p -- "$prefix"/{cage,home,tmp,drive_c,dosdevices}
+  ln -s ../drive_c "$prefix/dosdevices/c:"
+  for drive in "${drives[@]}"; do
+    mkdir -- "$prefix/drive_${drive%%:*}"
+    ln -s "../drive_${drive%%:*}" "$prefix/dosdevices/${drive%%:*}:"
+    echo "${drive%%:*} ${drive#*:}" >>"$prefix/cage/drives"
+  done
+
+  (
+    cage_up "$prefix"
+    registry "$dpi" "$managed" >"$prefix/drive_c/settings.reg"
+    cage_exec "$prefix" "$prefix/drive_c" wine wineboot --init >/dev/null 2>&1
+    cage_exec "$prefix" "$prefix/drive_c" wine regedit /S 'C:\settings.reg' >/dev/null 2>&1
+    rm -- "$prefix/drive_c/settings.reg"
+  )
+  # Debian's Wine doesn't look where its own fonts are: Tahoma, and the signs on the captions' buttons.
+  local fonts=/usr/share/wine/fonts
+  if [[ -d $fonts ]]; then
+    mkdir -p -- "$prefix/drive_c/windows/Fonts"
+    cp -- "$fonts"/*.ttf "$fonts"/*.fon "$prefix/drive_c/windows/Fonts/"
+  fi
+  # Down, so that the registry is on disc and its fonts and screen are read anew.
+  cage_down "$prefix"
+
+  # Users' folders that Wine made links into the home folder, and all devices it found.
+  local link
+  while IFS= read -r -d '' link; do
+    rm -- "$link"
+    mkdir -- "$link"
+  done < <(find "$prefix/drive_c/users" -type l -print0)
+  find "$prefix/dosdevices" -type l ! -name 'c:' -print0 | while IFS= read -r -d '' link; do
+    [[ -d $prefix/drive_${link: -2:1} ]] || rm -- "$link"
+  done
+  for folder in Desktop Documents Downloads Music Pictures Videos Templates; do
+    mkdir -p -- "$prefix/drive_c/users/user/$folder"
+  done
+
+  echo "$wanted" >"$prefix/cage/made-by-prefix.sh"
+  if ! cage_verify "$prefix"; then
+    rm -- "$prefix/cage/made-by-prefix.sh"
+    exit 1
+  fi
+  echo "$prefix"
+}
+
+(($# >= 2)) || usage
+case $1 in
+  create) create "${@:2}" ;;
+  verify)
+    if [[ $2 == */* ]]; then cage_verify "$2"; else cage_verify "$(cage_path "$2")"; fi
+    ;;
+  stop)
+    if [[ $2 == --all ]]; then
+      for prefix in "$cage_base"/*/; do
+        [[ -d $prefix ]] && cage_down "${prefix%/}"
+      done
+    else
+      cage_down "$(cage_path "$2")"
+    fi
+    ;;
+  *) usage ;;
+esac

@@ -1,0 +1,88 @@
+// WinMain: puts the program together and runs it.
+#include <windows.h>
+#include <commctrl.h>
+#include <ole2.h>
+
+#include <exception>
+#include <memory>
+
+#include "ancillary/frmAbout.h"
+#include "ancillary/frmOpen.h"
+#include "ancillary/frmWelcome.h"
+#include "controls/MessageLoop.h"
+#include "core/frmMain.h"
+#include "jobs/frmEdit.h"
+#include "jobs/frmFolder.h"
+#include "jobs/frmNew.h"
+#include "jobs/frmOpenJob.h"
+#include "jobs/frmSave.h"
+#include "platform/win32/RunTimeErrorReport.h"
+#include "platform/win32/Win32Files.h"
+#include "platform/win32/Win32MessageBoxes.h"
+#include "platform/win32/Win32Process.h"
+#include "platform/win32/Win32Regional.h"
+#include "platform/win32/Win32Registry.h"
+#include "wipe/frmStatus.h"
+
+namespace zq {
+namespace {
+
+// Everything that lives as long as the process. The process ends by ExitProcess, from the main window.
+struct Program {
+  AppState state;
+  Win32Files files;
+  Win32MessageBoxes messageBoxes;
+  Win32Process process{&PumpMessages};
+  Win32Regional regional;
+  Win32Registry registry;
+  Platform platform{files, messageBoxes, process, regional, registry};
+};
+
+void TellForms(Program& program) {
+  Default<frmOpen>::SetFactory([&program] {
+    return std::make_unique<frmOpen>(program.platform, [] { Default<frmMain>::Touch().Show(); });
+  });
+  Default<frmMain>::SetFactory(
+      [&program] { return std::make_unique<frmMain>(program.state, program.platform); });
+  Default<frmStatus>::SetFactory([&program] {
+    return std::make_unique<frmStatus>(program.state, program.platform, Default<frmMain>::Touch().Driver());
+  });
+  Default<frmFolder>::SetFactory([&program] {
+    return std::make_unique<frmFolder>(program.state, program.platform, Default<frmMain>::Touch().Jobs());
+  });
+  Default<frmEdit>::SetFactory([&program] {
+    return std::make_unique<frmEdit>(program.state, program.platform, Default<frmMain>::Touch().Jobs());
+  });
+  Default<frmNew>::SetFactory([&program] { return std::make_unique<frmNew>(program.state); });
+  Default<frmSave>::SetFactory(
+      [&program] { return std::make_unique<frmSave>(program.state, program.platform); });
+  Default<frmOpenJob>::SetFactory(
+      [&program] { return std::make_unique<frmOpenJob>(program.state, program.platform); });
+  Default<frmWelcome>::SetFactory(
+      [&program] { return std::make_unique<frmWelcome>(program.state, program.platform); });
+  Default<frmAbout>::SetFactory([] { return std::make_unique<frmAbout>(); });
+}
+
+void Run() {
+  static Program program;
+  TellForms(program);
+  Default<frmOpen>::Touch().Show();
+  RunMessageLoop();
+}
+
+}  // namespace
+}  // namespace zq
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  // The window classes that dialog templates name must exist before the first dialog.
+  const INITCOMMONCONTROLSEX classes{sizeof classes,
+                                     ICC_WIN95_CLASSES | ICC_COOL_CLASSES | ICC_STANDARD_CLASSES};
+  ::InitCommonControlsEx(&classes);
+  try {
+    if (FAILED(::OleInitialize(nullptr))) return 1;
+    zq::Run();
+  } catch (...) {
+    zq::ReportAndEnd(std::current_exception());
+  }
+  return 0;
+}

@@ -1,0 +1,118 @@
+#include "cli/Options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "version.h"
+
+namespace zq::cli {
+namespace {
+
+// The parser takes "[a,b]" for a list of two values where it accepts several, and would so make two other
+// files out of the one that bears this name. A mark in front of every such argument keeps it whole; the
+// mark is put before arguments that begin with it, too, so that taking it off again is never wrong.
+constexpr char kMark = '\x01';
+
+std::string Marked(const std::string& argument) {
+  const bool needsIt = !argument.empty() && (argument[0] == '[' || argument[0] == kMark);
+  return needsIt ? kMark + argument : argument;
+}
+
+void Unmark(std::string& value) {
+  if (!value.empty() && value[0] == kMark) value.erase(0, 1);
+}
+
+constexpr char kFooter[] =
+    R"(A PATH is a file, or with --recursive or --mask a folder. Write -- before paths that begin with a dash.
+A link is never followed: one that is named is kept, one inside a folder is removed and what it leads to stays.
+
+Each level is that many rounds of a pattern, its complement and random data over every byte. A file that
+can't be overwritten where it lies (compressed, copy-on-write, in use) is kept, and the reason is told.
+
+Never destroyed: a whole drive, a mount point, a home folder, the current folder, the folder of zqwipe, and
+every folder that holds one of these.
+
+Exit code: 0 all is gone, 1 something was kept, 2 nothing was destroyed (wrong use, protected path, nobody to
+confirm), 3 cancelled. Ctrl+C stops at once and tells what was done.
+
+Examples:
+  zqwipe letter.txt                   one file, asks first
+  zqwipe --recursive --yes old/       a folder with everything in it
+  zqwipe --mask '*.tmp' cache         the matching files of a folder, which stays
+  zqwipe --dry-run --recursive old/   only lists what would be destroyed
+)";
+
+}  // namespace
+
+Parsed ParseCommandLine(const std::vector<std::string>& arguments) {
+  Options options;
+  std::string mask;
+  std::string report;
+
+  CLI::App app(
+      "Destroys files so that nothing of them can be recovered: overwrites them on the device,\n"
+      "checks it, hides their names and removes them.",
+      "zqwipe");
+  app.allow_windows_style_options(false);  // "/dev" is a path everywhere
+  app.footer(kFooter);
+  app.get_formatter()->column_width(22);
+  app.get_formatter()->label("REQUIRED", "");
+  app.set_help_flag("-h,--help", "Show this text and exit");
+  app.set_version_flag("--version", "zqwipe " ZQ_VERSION_TEXT, "Show the version and exit");
+
+  app.add_option("--level", options.level, "Rounds of three writes: 3, 5 or 7; 3 if not given")
+      ->check(CLI::IsMember({3, 5, 7}).description(""))
+      ->type_name("N");
+  app.add_flag("--recursive", options.recursive,
+               "Wipe a folder with all it holds and remove it; with --mask, look below it");
+  const CLI::Option* maskOption =
+      app.add_option("--mask", mask, "Wipe the folder's files whose names match; folders stay. * ? # [a-z]")
+          ->type_name("MASK");
+  app.add_flag("--dry-run", options.dryRun, "List what would be destroyed, destroy nothing");
+  app.add_flag("--yes", options.yes, "Don't ask");
+  const CLI::Option* reportOption =
+      app.add_option("--report", report, "Write a report to FILE, which must not exist")->type_name("FILE");
+  app.add_flag("--json", options.json, "Print the outcome of each item as one JSON object");
+  app.add_flag("--quiet", options.quiet, "No progress, no summary; what was kept is still told");
+  app.add_option("PATH", options.paths, "What to destroy")->required()->type_name("");
+
+  Parsed parsed;
+  try {
+    std::vector<std::string> reversed;  // as the parser wants them
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
+      reversed.push_back(Marked(*argument));
+    }
+    app.parse(std::move(reversed));
+  } catch (const CLI::CallForHelp&) {
+    parsed.text = app.help();
+    return parsed;
+  } catch (const CLI::CallForVersion& version) {
+    parsed.text = std::string(version.what()) + '\n';
+    return parsed;
+  } catch (const CLI::Error& error) {
+    parsed.code = ExitCode::Usage;
+    parsed.text = error.what();
+    std::erase(parsed.text, kMark);
+    return parsed;
+  }
+
+  Unmark(mask);
+  Unmark(report);
+  for (std::string& path : options.paths) Unmark(path);
+  if (maskOption->count() > 0) options.mask = std::move(mask);
+  if (reportOption->count() > 0) options.report = std::move(report);
+
+  const auto refuse = [&](const char* why) {
+    parsed.code = ExitCode::Usage;
+    parsed.text = why;
+    return parsed;
+  };
+  if (options.mask && options.mask->empty()) return refuse("the mask is empty");
+  if (options.report && options.report->empty()) return refuse("the name of the report is empty");
+  for (const std::string& path : options.paths) {
+    if (path.empty()) return refuse("a path is empty");
+  }
+  parsed.options = std::move(options);
+  return parsed;
+}
+
+}  // namespace zq::cli

@@ -1,0 +1,171 @@
+#include "cli/Plan.h"
+
+#include <algorithm>
+#include <memory>
+#include <set>
+#include <unordered_set>
+#include <utility>
+
+#include "cli/Shown.h"
+#include "cli/System.h"
+#include "cli/Walk.h"
+
+namespace zq::cli {
+namespace {
+
+// A path that was named, and what the system says about it.
+struct Named {
+  std::string given;
+  Located located;
+};
+
+class Planner {
+ public:
+  Planner(const Options& options, const Surroundings& surroundings, engine::Device& device,
+          const std::function<bool()>& interrupted)
+      : options_(options), surroundings_(surroundings), device_(device), interrupted_(interrupted) {}
+
+  Plan Make() {
+    for (const std::string& path : options_.paths) Look(path);
+    if (!plan_.refusals.empty()) return std::move(plan_);
+    for (const Named& named : named_) {
+      if (interrupted_()) break;
+      if (named.located.type == EntryType::Folder) AddFolder(named);
+    }
+    // After the folders, whose items are then known.
+    for (const Named& named : named_) {
+      if (named.located.type != EntryType::Folder) AddOther(named);
+    }
+    return std::move(plan_);
+  }
+
+ private:
+  void Refuse(const std::string& path, const std::string& why) {
+    plan_.refusals.push_back(Shown(path) + ": " + why);
+  }
+
+  void Look(const std::string& path) {
+    Named named{path, Locate(path)};
+    const Located& located = named.located;
+    if (const std::string why = WhyProtected({path, located.canonical, located.id}, surroundings_);
+        !why.empty()) {
+      Refuse(path, why);
+    } else if (located.type == EntryType::Folder && !options_.recursive && !options_.mask) {
+      Refuse(path, "it is a folder; give --recursive to wipe all of it, or --mask for some of its files");
+    }
+    const bool seen = !located.canonical.empty() && !seen_.insert(located.canonical).second;
+    if (!seen) named_.push_back(std::move(named));
+  }
+
+  // Whether another folder that was named takes this one along.
+  bool IsCovered(const Named& folder) const {
+    if (!options_.recursive) return false;
+    return std::ranges::any_of(named_, [&](const Named& other) {
+      return &other != &folder && other.located.type == EntryType::Folder &&
+             IsWithin(folder.located.canonical, other.located.canonical, surroundings_.style);
+    });
+  }
+
+  void AddFolder(const Named& named) {
+    if (IsCovered(named)) return;
+    Target target;
+    target.kind = options_.mask ? Target::Kind::Matching : Target::Kind::Tree;
+    target.path = named.given;
+    target.firstItem = plan_.items.size();
+    Walk walk(device_, {options_.mask, options_.recursive}, interrupted_);
+    walk.Run(named.given, plan_.items);
+    target.itemCount = plan_.items.size() - target.firstItem;
+    RememberPlaces(target, named);
+    if (target.itemCount > 0) plan_.targets.push_back(std::move(target));
+  }
+
+  // Only what is named by itself too can meet an item of a folder, and most often nothing is.
+  void RememberPlaces(const Target& target, const Named& folder) {
+    const bool needed = std::ranges::any_of(named_, [&](const Named& other) {
+      return other.located.type != EntryType::Folder &&
+             IsWithin(other.located.canonical, folder.located.canonical, surroundings_.style);
+    });
+    if (!needed) return;
+    for (std::size_t i = 0; i < target.itemCount; ++i) {
+      const std::string& path = plan_.items[target.firstItem + i].path;
+      taken_.insert(Locate(path).canonical);
+    }
+  }
+
+  void AddOther(const Named& named) {
+    const Located& located = named.located;
+    if (!located.canonical.empty() && taken_.contains(located.canonical)) return;
+    Item item;
+    item.path = named.given;
+    const auto keep = [&](ItemKind kind, const std::string& why) {
+      item.kind = kind;
+      item.outcome = Outcome::Kept;
+      item.reason = why;
+      plan_.items.push_back(item);
+    };
+    switch (located.type) {
+      case EntryType::Missing:
+        return keep(ItemKind::Other, located.trouble);
+      case EntryType::Link:
+        return keep(ItemKind::Link, "it is a link, and links are not followed");
+      case EntryType::Other:
+        return keep(ItemKind::Other, "it is not a regular file");
+      case EntryType::Folder:
+      case EntryType::File:
+        break;
+    }
+    Target target;
+    if (const engine::Status status = device_.Split(named.given, target.parent, target.name); !status.Ok()) {
+      return keep(ItemKind::File, status.text);
+    }
+    target.name = LastName(located.canonical, surroundings_.style);
+    target.path = named.given;
+    target.firstItem = plan_.items.size();
+    target.itemCount = 1;
+    item.kind = ItemKind::File;
+    item.bytes = located.lengthBytes;
+    plan_.items.push_back(std::move(item));
+    plan_.targets.push_back(std::move(target));
+  }
+
+  const Options& options_;
+  const Surroundings& surroundings_;
+  engine::Device& device_;
+  const std::function<bool()>& interrupted_;
+  Plan plan_;
+  std::vector<Named> named_;
+  std::set<std::string> seen_;             // canonical paths
+  std::unordered_set<std::string> taken_;  // canonical paths of items of folders
+};
+
+}  // namespace
+
+Totals Count(const Plan& plan, Outcome outcome) {
+  Totals totals;
+  for (const Item& item : plan.items) {
+    if (item.outcome != outcome) continue;
+    switch (item.kind) {
+      case ItemKind::File:
+        ++totals.files;
+        break;
+      case ItemKind::Folder:
+        ++totals.folders;
+        break;
+      case ItemKind::Link:
+        ++totals.links;
+        break;
+      case ItemKind::Other:
+        ++totals.others;
+        break;
+    }
+    totals.bytes += item.bytes;
+  }
+  return totals;
+}
+
+Plan MakePlan(const Options& options, const Surroundings& surroundings, engine::Device& device,
+              const std::function<bool()>& interrupted) {
+  return Planner(options, surroundings, device, interrupted).Make();
+}
+
+}  // namespace zq::cli

@@ -1,0 +1,190 @@
+#include "cli/Session.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <ctime>
+#include <memory>
+#include <string_view>
+
+#include "cli/Plan.h"
+#include "cli/Progress.h"
+#include "cli/Reports.h"
+#include "cli/Runner.h"
+#include "cli/Shown.h"
+#include "cli/System.h"
+#include "engine/SecureDelete.h"
+
+namespace zq::cli {
+namespace {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using OwnedFile = std::unique_ptr<std::FILE, CloseFile>;
+
+// Returns whether all of it was taken.
+bool Write(std::FILE* stream, std::string_view text) {
+  return std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
+}
+
+void Complain(const std::string& text) {
+  Write(stderr, "zqwipe: " + text + '\n');
+}
+
+std::string Now() {
+  const std::time_t now = std::time(nullptr);
+  char text[32] = "";
+  if (const std::tm* local = std::localtime(&now)) {
+    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", local);
+  }
+  return text;
+}
+
+class Session {
+ public:
+  explicit Session(Options options) : options_(std::move(options)) {}
+
+  ExitCode Run() {
+    const Surroundings surroundings = FindSurroundings();
+    plan_ = MakePlan(options_, surroundings, *device_, WasInterrupted);
+    if (WasInterrupted()) return GiveUp("cancelled; nothing was destroyed", ExitCode::Cancelled);
+    for (const std::string& refusal : plan_.refusals) Complain(refusal);
+    if (!plan_.refusals.empty()) return GiveUp("nothing was destroyed", ExitCode::Usage);
+    if (const std::string why = WhyNoReport(surroundings); !why.empty()) {
+      return GiveUp(Shown(*options_.report) + ": " + why + "; nothing was destroyed", ExitCode::Usage);
+    }
+
+    const bool anythingToDo = Count(plan_, Outcome::Pending).Items() > 0;
+    if (!options_.dryRun && anythingToDo && !options_.yes) {
+      if (!IsTerminal(stdin) || !IsTerminal(stderr)) {
+        return GiveUp(
+            "there is nobody to confirm; give --yes to destroy without being asked; "
+            "nothing was destroyed",
+            ExitCode::Usage);
+      }
+      if (!Confirmed()) return GiveUp("cancelled; nothing was destroyed", ExitCode::Cancelled);
+    }
+    // Before the first byte is overwritten: a wipe whose report can't be written doesn't begin.
+    if (options_.report) {
+      std::string trouble;
+      report_.reset(CreateNewFile(*options_.report, trouble));
+      if (!report_) {
+        return GiveUp(Shown(*options_.report) + ": " + trouble + "; nothing was destroyed", ExitCode::Usage);
+      }
+    }
+    if (!options_.dryRun) result_ = Wipe();
+    return Tell();
+  }
+
+ private:
+  // Nothing has been destroyed.
+  ExitCode GiveUp(const std::string& why, ExitCode code) {
+    Complain(why);
+    plan_.refusals.push_back(why);
+    if (options_.json) Write(stdout, JsonReport({options_, plan_, result_, code, Now()}));
+    return code;
+  }
+
+  std::string WhyNoReport(const Surroundings& surroundings) const {
+    if (!options_.report) return {};
+    if (Exists(*options_.report)) return "the report is to be a new file, but it exists";
+    const std::string canonical = Locate(*options_.report).canonical;
+    if (canonical.empty()) return "its folder doesn't exist";
+    for (const Target& target : plan_.targets) {
+      if (target.kind != Target::Kind::File &&
+          IsWithin(canonical, Locate(target.path).canonical, surroundings.style)) {
+        return "the report would lie in a folder that is being wiped";
+      }
+    }
+    return {};
+  }
+
+  bool Confirmed() const {
+    constexpr std::size_t kMostShown = 10;
+    std::string text = "About to destroy " + ShownTotals(Count(plan_, Outcome::Pending)) +
+                       ", so that nothing of it can be recovered:\n";
+    for (std::size_t i = 0; i < std::min(kMostShown, plan_.targets.size()); ++i) {
+      const Target& target = plan_.targets[i];
+      text += "  " + Shown(target.path);
+      if (target.kind == Target::Kind::Tree) text += " (the folder and all it holds)";
+      if (target.kind == Target::Kind::Matching) text += " (its files like " + Shown(*options_.mask) + ')';
+      text += '\n';
+    }
+    if (plan_.targets.size() > kMostShown) {
+      text += "  and " + std::to_string(plan_.targets.size() - kMostShown) + " more\n";
+    }
+    Write(stderr, text + "Type yes to destroy them: ");
+
+    std::string answer;
+    for (int c = std::getchar(); c != '\n'; c = std::getchar()) {
+      if (c == EOF || WasInterrupted()) {
+        Write(stderr, "\n");
+        return false;
+      }
+      answer += static_cast<char>(c);
+    }
+    while (!answer.empty() && (answer.back() == '\r' || answer.back() == ' ')) answer.pop_back();
+    return answer == "yes" && !WasInterrupted();
+  }
+
+  RunResult Wipe() {
+    engine::SystemSeed seeds;
+    engine::SteadyClock clock;
+    ProgressLine progress(!options_.quiet && IsTerminal(stderr) ? stderr : nullptr, clock);
+    Runner runner({*device_, seeds, clock, progress, WasInterrupted}, options_);
+    return runner.Run(plan_);
+  }
+
+  ExitCode Tell() {
+    ExitCode code = CodeOf(options_, plan_, result_);
+    const Finished finished{options_, plan_, result_, code, Now()};
+    if (options_.dryRun && !options_.json) {
+      for (const Item& item : plan_.items) {
+        if (item.outcome == Outcome::Pending) Write(stdout, Shown(item.path) + '\n');
+      }
+    }
+    for (const std::string& complaint : Complaints(finished)) Complain(complaint);
+
+    bool told = true;
+    if (options_.json) {
+      told = Write(stdout, JsonReport(finished));
+    } else if (!options_.quiet || code == ExitCode::Cancelled) {
+      // Beside the list of a dry run it would be one of its paths.
+      told = Write(options_.dryRun ? stderr : stdout, Summary(finished) + '\n');
+    }
+    if (!told) Complain("the outcome could not be printed");
+    if (report_) {
+      const bool written = Write(report_.get(), TextReport(finished));
+      if (std::fclose(report_.release()) != 0 || !written) {
+        Complain(Shown(*options_.report) + ": the report could not be written");
+        told = false;
+      }
+    }
+    return told || code != ExitCode::AllGone ? code : ExitCode::SomeKept;
+  }
+
+  const Options options_;
+  std::unique_ptr<engine::Device> device_ = engine::MakeSystemDevice();
+  Plan plan_;
+  RunResult result_;
+  OwnedFile report_;
+};
+
+}  // namespace
+
+ExitCode RunSession(const std::vector<std::string>& arguments) {
+  PrepareStreams();
+  Parsed parsed = ParseCommandLine(arguments);
+  if (!parsed.options) {
+    if (parsed.code == ExitCode::AllGone) {
+      Write(stdout, parsed.text);
+    } else {
+      Complain(Shown(parsed.text) + "; see zqwipe --help");
+    }
+    return parsed.code;
+  }
+  CatchInterrupts();
+  return Session(std::move(*parsed.options)).Run();
+}
+
+}  // namespace zq::cli

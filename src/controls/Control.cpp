@@ -1,0 +1,48 @@
+#include "controls/Control.h"
+
+#include "controls/Pictures.h"
+
+namespace zq {
+
+Control::Control(Form& form, int id) : form_(form), id_(id) {
+  form.controls_.push_back(this);
+}
+
+void Control::Attach() {
+  hwnd_ = ::GetDlgItem(form_.Handle(), id_);
+  Attached();
+}
+
+std::string Control::Text() const {
+  std::string text(static_cast<std::size_t>(::GetWindowTextLengthA(hwnd_)) + 1, '\0');
+  text.resize(static_cast<std::size_t>(::GetWindowTextA(hwnd_, text.data(), static_cast<int>(text.size()))));
+  return text;
+}
+
+RECT Control::Place() const {
+  RECT rect{};
+  ::GetWindowRect(hwnd_, &rect);
+  ::MapWindowPoints(HWND_DESKTOP, form_.Handle(), reinterpret_cast<POINT*>(&rect), 2);
+  return rect;
+}
+
+void Control::Move(const RECT& rect) {
+  ::MoveWindow(hwnd_, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
+}
+
+void Label::SetBold() {
+  LOGFONTA font{};
+  ::GetObjectA(reinterpret_cast<HFONT>(::SendMessageA(Handle(), WM_GETFONT, 0, 0)), sizeof font, &font);
+  font.lfWeight = FW_BOLD;
+  font_.Reset(::CreateFontIndirectA(&font));
+  ::SendMessageA(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), TRUE);
+}
+
+void Image::Attached() {
+  RECT rect{};
+  ::GetClientRect(Handle(), &rect);
+  icon_ = LoadPicture(pictureName_, static_cast<int>(rect.bottom));
+  ::SendMessageA(Handle(), STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon_.Get()));
+}
+
+}  // namespace zq

@@ -1,0 +1,112 @@
+// Control: a window of the system inside a form, with the members and events that the forms use.
+#pragma once
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <functional>
+#include <string>
+
+#include "controls/Form.h"
+#include "platform/win32/UniqueHandle.h"
+
+namespace zq {
+
+// Bound to the control `id` of the form's template. Usable once the form has been created.
+class Control {
+ public:
+  Control(Form& form, int id);
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+  virtual ~Control() = default;
+
+  int Id() const { return id_; }
+  HWND Handle() const { return hwnd_; }
+  std::string Text() const;
+  void SetText(const std::string& text) { ::SetWindowTextA(hwnd_, text.c_str()); }
+  bool IsEnabled() const { return ::IsWindowEnabled(hwnd_) != FALSE; }
+  void SetEnabled(bool enabled) { ::EnableWindow(hwnd_, enabled); }
+  void SetVisible(bool visible) { ::ShowWindow(hwnd_, visible ? SW_SHOW : SW_HIDE); }
+  void SetFocus() { ::SetFocus(hwnd_); }
+  // In pixels of the form's client area.
+  RECT Place() const;
+  void Move(const RECT& rect);
+
+ protected:
+  Form& form() const { return form_; }
+  // Called once the window exists.
+  virtual void Attached() {}
+  virtual void OnCommand(WORD) {}
+  virtual bool OnNotify(const NMHDR&, LRESULT&) { return false; }
+
+ private:
+  friend class Form;
+  void Attach();
+
+  Form& form_;
+  const int id_;
+  HWND hwnd_ = nullptr;
+};
+
+class Label : public Control {
+ public:
+  using Control::Control;
+  void Repaint() { ::UpdateWindow(Handle()); }
+  void SetBold();
+
+ private:
+  UniqueFont font_;
+};
+
+class Button : public Control {
+ public:
+  using Control::Control;
+  std::function<void()> Click;
+
+ protected:
+  void OnCommand(WORD code) override {
+    if (code == BN_CLICKED && Click) Click();
+  }
+};
+
+class CheckBox : public Control {
+ public:
+  using Control::Control;
+  // 1 ticked, 0 clear.
+  void SetValue(int value) {
+    ::SendMessageA(Handle(), BM_SETCHECK, value == 1 ? BST_CHECKED : BST_UNCHECKED, 0);
+  }
+  int Value() const { return ::SendMessageA(Handle(), BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0; }
+};
+
+class TextBox : public Control {
+ public:
+  using Control::Control;
+  std::function<void()> Change;  // by the user or by code
+  std::function<void()> GotFocus;
+
+  void SelectAll() { ::SendMessageA(Handle(), EM_SETSEL, 0, -1); }
+
+ protected:
+  // As long a text as anybody likes.
+  void Attached() override { ::SendMessageA(Handle(), EM_LIMITTEXT, 0, 0); }
+  void OnCommand(WORD code) override {
+    if (code == EN_CHANGE && Change) Change();
+    if (code == EN_SETFOCUS && GotFocus) GotFocus();
+  }
+};
+
+// A picture out of the resources, in the size that the template gives it at 96 dpi.
+class Image : public Control {
+ public:
+  Image(Form& form, int id, const char* pictureName) : Control(form, id), pictureName_(pictureName) {}
+
+ protected:
+  void Attached() override;
+
+ private:
+  const char* pictureName_;
+  UniqueIcon icon_;
+};
+
+}  // namespace zq

@@ -1,0 +1,226 @@
+#include "controls/Form.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "controls/Control.h"
+#include "controls/MessageLoop.h"
+#include "platform/RunTimeError.h"
+#include "platform/win32/RunTimeErrorReport.h"
+
+namespace zq {
+namespace {
+
+std::vector<std::unique_ptr<Form>>& ClosedForms() {
+  static std::vector<std::unique_ptr<Form>> forms;
+  return forms;
+}
+
+// The forms that have a window: few, so a walk over them is as good as a map.
+std::vector<Form*>& OpenForms() {
+  static std::vector<Form*> forms;
+  return forms;
+}
+
+// Dialogs stand in the middle of their owner, kept on its monitor; of the monitor, where the owner isn't
+// to be seen.
+void CentreOver(HWND window, HWND owner) {
+  RECT ownerRect{};
+  RECT rect{};
+  ::GetWindowRect(owner, &ownerRect);
+  ::GetWindowRect(window, &rect);
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof monitor;
+  ::GetMonitorInfoA(::MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
+  if (::IsIconic(owner) || !::IsWindowVisible(owner)) ownerRect = monitor.rcWork;
+  const LONG width = rect.right - rect.left;
+  const LONG height = rect.bottom - rect.top;
+  const RECT& work = monitor.rcWork;
+  const LONG left = (ownerRect.left + ownerRect.right - width) / 2;
+  const LONG top = (ownerRect.top + ownerRect.bottom - height) / 2;
+  ::SetWindowPos(window, nullptr, std::max(work.left, std::min(left, work.right - width)),
+                 std::max(work.top, std::min(top, work.bottom - height)), 0, 0,
+                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+class DepthGuard {
+ public:
+  explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
+  ~DepthGuard() { --depth_; }
+  DepthGuard(const DepthGuard&) = delete;
+  DepthGuard& operator=(const DepthGuard&) = delete;
+
+ private:
+  int& depth_;
+};
+
+}  // namespace
+
+Form::~Form() {
+  std::erase(OpenForms(), this);
+  if (!hwnd_) return;
+  ::SetWindowLongPtrA(hwnd_, DWLP_USER, 0);
+  ::DestroyWindow(hwnd_);
+}
+
+void Form::Create() {
+  ::CreateDialogParamA(::GetModuleHandleA(nullptr), MAKEINTRESOURCEA(dialogId_), nullptr,
+                       &Form::DialogProcedure, reinterpret_cast<LPARAM>(this));
+  if (!hwnd_) throw RunTimeError(ErrorNumber::OutOfMemory);
+  for (Control* control : controls_) control->Attach();
+  // Not inside WM_INITDIALOG: a failure has to reach the caller without crossing the system's frames.
+  Load();
+}
+
+void Form::Show() {
+  ShowAs(SW_SHOW);
+}
+
+void Form::ShowAs(int showCommand) {
+  ::ShowWindow(hwnd_, showCommand);
+  if (std::exchange(focusGiven_, true)) return;
+  const HWND first = ::GetNextDlgTabItem(hwnd_, nullptr, FALSE);
+  if (first) ::SendMessageA(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
+}
+
+void Form::Hide() {
+  ::ShowWindow(hwnd_, SW_HIDE);
+}
+
+void Form::Repaint() {
+  ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+}
+
+int Form::Dpi() const {
+  return static_cast<int>(::GetDpiForWindow(hwnd_));
+}
+
+void Form::ShowModal(HWND owner) {
+  const DepthGuard guard(depth_);
+  ::SetWindowLongPtrA(hwnd_, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
+  CentreOver(hwnd_, owner);
+  modalOwner_ = owner;
+  modal_ = true;
+  ::EnableWindow(owner, FALSE);
+  Show();
+  MSG message{};
+  while (modal_) {
+    if (::GetMessageA(&message, nullptr, 0, 0) <= 0) {
+      ::PostQuitMessage(static_cast<int>(message.wParam));
+      break;
+    }
+    DispatchToForms(message);
+  }
+}
+
+void Form::Unload() {
+  Close(CloseReason::Program);
+}
+
+void Form::Close(CloseReason reason) {
+  if (!hwnd_) return;
+  const DepthGuard guard(depth_);
+  if (!QueryUnload(reason)) return;
+  // QueryUnload may ask a question, and be closed by another way meanwhile.
+  if (!hwnd_) return;
+  Unloaded();
+  // Before the window goes, or the activation would pass to another program.
+  if (modal_) ::EnableWindow(modalOwner_, TRUE);
+  modal_ = false;
+  const HWND window = hwnd_;
+  hwnd_ = nullptr;
+  std::erase(OpenForms(), this);
+  ::SetWindowLongPtrA(window, DWLP_USER, 0);
+  ::DestroyWindow(window);
+  if (closed_) closed_();
+}
+
+Form* Form::FromHandle(HWND hwnd) {
+  for (Form* form : OpenForms()) {
+    if (form->hwnd_ == hwnd) return form;
+  }
+  return nullptr;
+}
+
+void Form::Retire(std::unique_ptr<Form> form) {
+  if (form) ClosedForms().push_back(std::move(form));
+}
+
+void Form::DestroyClosed() {
+  std::erase_if(ClosedForms(), [](const std::unique_ptr<Form>& form) { return form->depth_ == 0; });
+}
+
+INT_PTR CALLBACK Form::DialogProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+  Form* form = nullptr;
+  if (message == WM_INITDIALOG) {
+    form = reinterpret_cast<Form*>(lParam);
+    ::SetWindowLongPtrA(hwnd, DWLP_USER, lParam);
+    form->hwnd_ = hwnd;
+    OpenForms().push_back(form);
+  } else {
+    form = reinterpret_cast<Form*>(::GetWindowLongPtrA(hwnd, DWLP_USER));
+  }
+  if (!form) return FALSE;
+  try {
+    const DepthGuard guard(form->depth_);
+    return form->Process(message, wParam, lParam);
+  } catch (...) {
+    ReportAndEnd(std::current_exception());
+  }
+}
+
+INT_PTR Form::Process(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (const std::optional<LRESULT> result = OnMessage(message, wParam, lParam)) {
+    if (hwnd_) ::SetWindowLongPtrA(hwnd_, DWLP_MSGRESULT, *result);
+    return TRUE;
+  }
+  switch (message) {
+    case WM_INITDIALOG:
+      return FALSE;  // a focus given now would activate the window while it is hidden
+    case WM_COMMAND:
+      return DispatchCommand(wParam);
+    case WM_NOTIFY:
+      return DispatchNotify(lParam);
+    case WM_CLOSE:
+      // Not passed on: the dialog manager would turn it into a press of Cancel.
+      Close(CloseReason::User);
+      return TRUE;
+    case WM_ACTIVATE:
+      if (LOWORD(wParam) != WA_INACTIVE) Activated();
+      return FALSE;
+    default:
+      return FALSE;
+  }
+}
+
+std::optional<LRESULT> Form::OnMessage(UINT, WPARAM, LPARAM) {
+  return std::nullopt;
+}
+
+bool Form::DispatchCommand(WPARAM wParam) {
+  // Esc comes as a command of IDCANCEL even where no such button exists; no control has that number, so
+  // it is dropped here.
+  for (Control* control : controls_) {
+    if (control->Id() == LOWORD(wParam)) {
+      control->OnCommand(HIWORD(wParam));
+      return true;
+    }
+  }
+  return false;
+}
+
+bool Form::DispatchNotify(LPARAM lParam) {
+  const auto* header = reinterpret_cast<const NMHDR*>(lParam);
+  for (Control* control : controls_) {
+    if (control->Handle() == header->hwndFrom) {
+      LRESULT result = 0;
+      if (!control->OnNotify(*header, result)) return false;
+      if (hwnd_) ::SetWindowLongPtrA(hwnd_, DWLP_MSGRESULT, result);
+      return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace zq

@@ -1,0 +1,89 @@
+// Form: the base of every window of the program, made from a dialog template.
+//
+// A form is created hidden and can be filled before it is shown; it is shown without a modal state or
+// with one, and can live on hidden. Closing it asks QueryUnload, runs Unloaded, destroys the window and
+// gives up the form's default instance (see Default.h).
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zq {
+
+class Control;
+
+enum class CloseReason { User, Program };
+
+class Form {
+ public:
+  Form(const Form&) = delete;
+  Form& operator=(const Form&) = delete;
+  virtual ~Form();
+
+  // Makes the hidden window and runs Load. What Load raises goes to the caller, with the window gone.
+  void Create();
+
+  void Show();
+  void Hide();
+  // Disables `owner`, centres the form over it and runs a message loop until the form closes.
+  void ShowModal(HWND owner);
+  void Repaint();
+
+  // Closes the form for the program. QueryUnload is asked, and may refuse.
+  void Unload();
+
+  HWND Handle() const { return hwnd_; }
+  bool IsVisible() const { return ::IsWindowVisible(hwnd_) != FALSE; }
+  void SetCaption(const std::string& text) { ::SetWindowTextA(hwnd_, text.c_str()); }
+  int Dpi() const;
+
+  // The form of a top-level window, or null for a window that isn't a form's.
+  static Form* FromHandle(HWND hwnd);
+
+  // True if the message was a shortcut of this form and has been carried out.
+  virtual bool TranslateShortcut(MSG&) { return false; }
+
+  // A closed form is destroyed once none of its code is on the stack any more.
+  static void Retire(std::unique_ptr<Form> form);
+  static void DestroyClosed();
+
+  // For Default: what gives up the instance when the form has closed.
+  void OnClosed(std::function<void()> closed) { closed_ = std::move(closed); }
+
+ protected:
+  explicit Form(int dialogId) : dialogId_(dialogId) {}
+
+  virtual void Load() {}
+  virtual bool QueryUnload(CloseReason) { return true; }  // false keeps the form open
+  virtual void Unloaded() {}
+  virtual void Activated() {}
+  // Shows the form by a command of ShowWindow; the first time its first control gets the focus.
+  void ShowAs(int showCommand);
+  // A message that the form handles itself gives its result.
+  virtual std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
+
+ private:
+  friend class Control;
+
+  static INT_PTR CALLBACK DialogProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+  INT_PTR Process(UINT message, WPARAM wParam, LPARAM lParam);
+  bool DispatchCommand(WPARAM wParam);
+  bool DispatchNotify(LPARAM lParam);
+  void Close(CloseReason reason);
+
+  const int dialogId_;
+  HWND hwnd_ = nullptr;
+  HWND modalOwner_ = nullptr;
+  bool modal_ = false;
+  bool focusGiven_ = false;
+  int depth_ = 0;  // how often this form's code is on the stack
+  std::vector<Control*> controls_;
+  std::function<void()> closed_;
+};
+
+}  // namespace zq

@@ -1,0 +1,58 @@
+// ListView: a report list that asks for its rows when it shows them, so that its length costs nothing.
+#pragma once
+
+#include <functional>
+#include <span>
+#include <string>
+
+#include "controls/Control.h"
+
+namespace zq {
+
+struct ListColumn {
+  const char* caption;
+  int alignment;  // LVCFMT_LEFT or LVCFMT_RIGHT
+};
+
+// Rows are counted from 1, columns from 0.
+class ListView : public Control {
+ public:
+  using Control::Control;
+
+  // The rows, asked for whenever one is drawn.
+  std::function<std::string(int row, int column)> CellText;
+  std::function<int(int row)> RowPicture;  // counted from 1
+  std::function<bool(int row)> RowGhosted;
+
+  std::function<void(int row)> SelectionChange;  // by the user; 0 for none
+  std::function<void()> DblClick;
+  // The first row from `startRow` on, once round, whose text begins with `prefix`; 0 for none. For
+  // finding a row by typing.
+  std::function<int(const std::string& prefix, int startRow)> FindRow;
+
+  void SetColumns(std::span<const ListColumn> columns);
+  void SetColumnWidth(int column, int pixels) { ListView_SetColumnWidth(Handle(), column, pixels); }
+  int ColumnWidth(int column) const { return ListView_GetColumnWidth(Handle(), column); }
+  void SetSmallIcons(HIMAGELIST images) { ListView_SetImageList(Handle(), images, LVSIL_SMALL); }
+  void SetGridLines(bool shown);
+  void SetRowCount(int count);
+  int RowCount() const { return ListView_GetItemCount(Handle()); }
+  void RedrawRow(int row) { ListView_RedrawItems(Handle(), row - 1, row - 1); }
+  void SelectRow(int row);  // 0 takes the selection away
+  int SelectedRow() const { return ListView_GetNextItem(Handle(), -1, LVNI_SELECTED) + 1; }
+  // Where a menu for the selected row opens by keyboard, on the screen.
+  POINT MenuPlace() const;
+
+ protected:
+  void Attached() override;
+  bool OnNotify(const NMHDR& header, LRESULT& result) override;
+
+ private:
+  void GetDisplayInfo(NMLVDISPINFOW& info);
+  LRESULT CustomDraw(NMLVCUSTOMDRAW& draw);
+
+  std::wstring cellText_;   // keeps the text that the control was given until it asks for the next
+  bool selecting_ = false;  // the selection is being set by code
+};
+
+}  // namespace zq

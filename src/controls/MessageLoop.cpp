@@ -1,0 +1,34 @@
+#include "controls/MessageLoop.h"
+
+#include "controls/Form.h"
+
+namespace zq {
+
+void DispatchToForms(MSG& message) {
+  const HWND root = message.hwnd ? ::GetAncestor(message.hwnd, GA_ROOT) : nullptr;
+  Form* form = root ? Form::FromHandle(root) : nullptr;
+  if (!form || (!form->TranslateShortcut(message) && !::IsDialogMessageA(root, &message))) {
+    ::TranslateMessage(&message);
+    ::DispatchMessageA(&message);
+  }
+  Form::DestroyClosed();
+}
+
+void PumpMessages() {
+  MSG message{};
+  while (::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+    if (message.message == WM_QUIT) {
+      // For the loop below this one on the stack.
+      ::PostQuitMessage(static_cast<int>(message.wParam));
+      return;
+    }
+    DispatchToForms(message);
+  }
+}
+
+void RunMessageLoop() {
+  MSG message{};
+  while (::GetMessageA(&message, nullptr, 0, 0) > 0) DispatchToForms(message);
+}
+
+}  // namespace zq

@@ -1,0 +1,17 @@
+// The message loop and the pump: every message of the thread goes through the same dispatch.
+#pragma once
+
+#include <windows.h>
+
+namespace zq {
+
+// Accelerators and dialog keys of the form that the message belongs to, then its window procedure.
+void DispatchToForms(MSG& message);
+
+// Handles the waiting messages, then returns.
+void PumpMessages();
+
+// Runs until WM_QUIT.
+void RunMessageLoop();
+
+}  // namespace zq

@@ -1,0 +1,324 @@
+// The main window's life: start, placement, shutdown, and its list.
+#include "core/frmMain.h"
+
+#include <shellapi.h>
+#include <windowsx.h>
+
+#include <array>
+
+#include "ancillary/frmWelcome.h"
+#include "core/CommandState.h"
+#include "core/Settings.h"
+#include "core/StartUp.h"
+#include "platform/Process.h"
+#include "platform/Regional.h"
+#include "platform/Twips.h"
+
+namespace zq {
+namespace {
+
+// The arrangement of the bars, in the program's folder.
+constexpr const char* kBarLayoutFile = "Zeroquill.dsl";
+
+constexpr int kDesignWidthTwips = 10710;
+constexpr int kDesignHeightTwips = 6930;
+
+// Posted to ourselves: work that must not run inside the message that asked for it.
+constexpr UINT kShowWelcome = WM_APP + 1;
+constexpr UINT kShowRows = WM_APP + 2;
+
+constexpr ListColumn kColumns[] = {
+    {"Name & Location", LVCFMT_LEFT},
+    {"Size", LVCFMT_RIGHT},
+    {"Folder Mask", LVCFMT_LEFT},
+    {"Sub Folders", LVCFMT_LEFT},
+};
+
+// A column takes this part of the list's width, in whole pixels: together some 97.6 per cent, which
+// leaves room for a scroll bar.
+constexpr std::array<int, std::size(kColumns)> kColumnDivisors{2, 7, 6, 6};
+
+std::string CellOf(const JobRow& row, int column) {
+  switch (column) {
+    case 0:
+      return row.NameAndLocation;
+    case 1:
+      return row.Size;
+    case 2:
+      return row.FolderMask;
+    case 3:
+      return row.SubFolders;
+    default:
+      return {};
+  }
+}
+
+}  // namespace
+
+frmMain::frmMain(AppState& state, Platform& platform)
+    : Form(IDD_frmMain),
+      state_(state),
+      platform_(platform),
+      jobList_(platform.regional),
+      icons_(*this, platform.regional),
+      addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
+      jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
+      jobWipe_(state, jobList_, platform, *this, statusWindow_, nullptr),
+      SFD1_(jobWipe_) {
+  jobWipe_.SetEngine(&SFD1_);
+  jobList_.SetView(this);
+
+  DockStudio1.ToolClick = [this](std::string_view tool) { DockStudio1_ToolClick(tool); };
+  DockStudio1.MenuOpening = [this](std::string_view menu) { DockStudio1_MenuOpening(menu); };
+  DockStudio1.ClientAreaChanged = [this] { DockStudio1_ClientAreaChanged(); };
+  ListView1.CellText = [this](int row, int column) { return CellOf(jobList_.Row(row), column); };
+  ListView1.RowPicture = [this](int row) { return jobList_.Row(row).SmallIcon; };
+  ListView1.RowGhosted = [this](int row) { return jobList_.Row(row).Ghosted; };
+  ListView1.SelectionChange = [this](int row) { jobList_.UserSelected(row); };
+  ListView1.DblClick = [this] { ListView1_DblClick(); };
+  ListView1.FindRow = [this](const std::string& prefix, int start) {
+    return jobList_.FindByPrefix(prefix, start);
+  };
+}
+
+// The order of these steps is fixed: later ones read what earlier ones set.
+void frmMain::Load() {
+  // 512 is ICC_USEREX_CLASSES; a failure changes nothing.
+  const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_USEREX_CLASSES};
+  ::InitCommonControlsEx(&classes);
+
+  smallWindowIcon_ =
+      LoadPicture(MAKEINTRESOURCEA(1), ::GetSystemMetricsForDpi(SM_CXSMICON, static_cast<UINT>(Dpi())));
+  largeWindowIcon_ =
+      LoadPicture(MAKEINTRESOURCEA(1), ::GetSystemMetricsForDpi(SM_CXICON, static_cast<UINT>(Dpi())));
+  ::SendMessageA(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallWindowIcon_.Get()));
+  ::SendMessageA(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeWindowIcon_.Get()));
+  ImageList3.Create(ScaleForDpi(16, Dpi()));
+  ImageList3.AddPicture("folder");
+  ImageList3.AddPicture("file");
+  ListView1.SetSmallIcons(ImageList3.Handle());
+  ListView1.SetColumns(kColumns);
+  DockStudio1.Create(Handle());
+  SetDesignSize();
+
+  if (platform_.process.EarlierInstanceRuns()) {
+    state_.SecondInstance = true;
+    Unload();
+    return;
+  }
+  state_.SecondInstance = false;
+  state_.AppFolder = AppFolderFrom(platform_.process.ApplicationPath());
+
+  const LoadedSettings loaded = LoadSettings(platform_.files, platform_.registry, state_.AppFolder);
+  state_.Settings = loaded.settings;
+  state_.Placement = loaded.placement;
+  FirstRun_ = loaded.firstRun;
+  RestoreWindowPlacement();
+  LoadBarLayout();
+
+  if (state_.Settings.GridLines == 1) ListView1.SetGridLines(true);
+  if (state_.Settings.Maximize == 1) maximiseAtShow_ = true;
+  if (state_.Settings.ToolBars != 1) DockStudio1.SetVisualStyle(kVisualStyleOff);
+
+  state_.CurrentJobName = "";
+  state_.JobSaved = true;
+  state_.LastWiping = "N/A";
+  EnsureDataFolders(platform_.files, state_.AppFolder);
+  UpdateCommandState();
+  dropTarget_.Register(ListView1.Handle(),
+                       [this](const DroppedPaths& paths) { ListView1_OLEDragDrop(paths); });
+  ReadCommandLine();
+}
+
+void frmMain::ReadCommandLine() {
+  const std::string commandLine = platform_.process.CommandLine();
+  if (commandLine.empty()) return;
+  // A job file is opened instead of being added, so its path never becomes a row.
+  if (jobLifecycle_.OpenJobFromCommandLine(commandLine)) return;
+  addFiles_.AddCommandLineItems(commandLine);
+  UpdateCommandState();
+}
+
+void frmMain::Show() {
+  const bool maximise = maximiseAtShow_ && !shown_;
+  shown_ = true;
+  ShowAs(maximise ? SW_SHOWMAXIMIZED : SW_SHOW);
+}
+
+void frmMain::LoadBarLayout() {
+  const std::string path = state_.AppFolder + kBarLayoutFile;
+  if (ItemExists(platform_.files, kItemIsFile, path)) DockStudio1.LoadLayout(platform_.files, path);
+}
+
+void frmMain::SetDesignSize() {
+  RECT rect{0, 0, TwipsToPixels(kDesignWidthTwips, Dpi()), TwipsToPixels(kDesignHeightTwips, Dpi())};
+  ::AdjustWindowRectExForDpi(&rect, static_cast<DWORD>(::GetWindowLongA(Handle(), GWL_STYLE)), TRUE,
+                             static_cast<DWORD>(::GetWindowLongA(Handle(), GWL_EXSTYLE)),
+                             static_cast<UINT>(Dpi()));
+  ::SetWindowPos(Handle(), nullptr, 0, 0, rect.right - rect.left, rect.bottom - rect.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void frmMain::RestoreWindowPlacement() {
+  if (state_.Settings.Maximize == 1) return;  // a later step maximises
+  const WindowPlacement& placement = state_.Placement;
+  if (OpensMaximised(placement)) {
+    maximiseAtShow_ = true;
+    return;
+  }
+  // Whether this lies on a screen isn't looked at.
+  ::SetWindowPos(Handle(), nullptr, TwipsToPixels(placement.Left, Dpi()), TwipsToPixels(placement.Top, Dpi()),
+                 TwipsToPixels(placement.Width, Dpi()), TwipsToPixels(placement.Height, Dpi()),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+WindowPlacement frmMain::CurrentPlacement() const {
+  if (::IsZoomed(Handle()) || (maximiseAtShow_ && !shown_)) return {};
+  RECT rect{};
+  ::GetWindowRect(Handle(), &rect);
+  if (::IsIconic(Handle())) {
+    // A minimised window stands at a place off all screens; what is wanted is where it comes back to.
+    WINDOWPLACEMENT system{};
+    system.length = sizeof system;
+    ::GetWindowPlacement(Handle(), &system);
+    if (system.flags & WPF_RESTORETOMAXIMIZED) return {};
+    rect = system.rcNormalPosition;
+  }
+  return PlacementFrom(PixelsToTwips(rect.right - rect.left, Dpi()),
+                       PixelsToTwips(rect.bottom - rect.top, Dpi()), PixelsToTwips(rect.left, Dpi()),
+                       PixelsToTwips(rect.top, Dpi()));
+}
+
+bool frmMain::QueryUnload(CloseReason) {
+  // A running wipe walks the rows of the job that would be closed here. The window is hidden then, so
+  // that only the end of the session can ask.
+  if (wiping_) return false;
+  return jobLifecycle_.CloseForExit();
+}
+
+void frmMain::Unloaded() {
+  dropTarget_.Revoke();
+  if (state_.Settings.Maximize != 1) state_.Placement = CurrentPlacement();
+  if (!state_.SecondInstance) {
+    WriteSettings(platform_.files, state_.AppFolder, state_.Settings);
+    WritePlacement(platform_.files, state_.AppFolder, state_.Placement);
+    DockStudio1.SaveLayout(platform_.files, state_.AppFolder + kBarLayoutFile);
+  }
+  platform_.process.End();
+}
+
+void frmMain::Activated() {
+  if (FirstRun_ && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
+}
+
+std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_COMMAND:
+      if (HIWORD(wParam) > 1 || !DockStudio1.OnCommand(LOWORD(wParam))) return std::nullopt;
+      return 0;
+    case WM_NOTIFY:
+      if (!DockStudio1.OnNotify(*reinterpret_cast<const NMHDR*>(lParam))) return std::nullopt;
+      return 0;
+    case WM_INITMENUPOPUP:
+      DockStudio1.OnInitMenuPopup(reinterpret_cast<HMENU>(wParam));
+      return std::nullopt;
+    case WM_SIZE:
+      DockStudio1.OnSize();
+      return 0;
+    case WM_DPICHANGED:
+      DockStudio1.OnDpiChanged();
+      return std::nullopt;
+    case WM_CONTEXTMENU:
+      if (reinterpret_cast<HWND>(wParam) != ListView1.Handle()) return std::nullopt;
+      DockStudio1.PopupMenu("mnuActions", lParam == -1 ? ListView1.MenuPlace()
+                                                       : POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+      return 0;
+    case WM_QUERYENDSESSION:
+      return QueryUnload(CloseReason::User) ? TRUE : FALSE;
+    case WM_ENDSESSION:
+      if (wParam) Unloaded();
+      return 0;
+    case kShowWelcome:
+      if (FirstRun_) {
+        FirstRun_ = false;  // before the window runs: each activation asks again
+        Default<frmWelcome>::Touch().ShowModal(Handle());
+      }
+      return 0;
+    case kShowRows:
+      ShowPendingRows();
+      return 0;
+    default:
+      return std::nullopt;
+  }
+}
+
+void frmMain::UpdateCommandState() {
+  zq::UpdateCommandState(state_, jobList_, DockStudio1, platform_.regional);
+}
+
+void frmMain::DockStudio1_ClientAreaChanged() {
+  ListView1.Move(DockStudio1.ClientArea());
+  const RECT list = ListView1.Place();
+  const int width = list.right - list.left;
+  for (std::size_t i = 0; i < kColumnDivisors.size(); ++i)
+    ListView1.SetColumnWidth(static_cast<int>(i), width / kColumnDivisors[i]);
+}
+
+void frmMain::ListView1_OLEDragDrop(const DroppedPaths& paths) {
+  addFiles_.AddDropped(paths);
+  UpdateCommandState();
+}
+
+// The control is told the number of rows once for all that are added in one go. When rows go, it is told
+// at once: it must never ask for one that isn't there.
+void frmMain::RowsChanged() {
+  if (static_cast<int>(jobList_.Count()) < ListView1.RowCount()) {
+    rowsPending_ = true;
+    ShowPendingRows();
+    return;
+  }
+  if (rowsPending_) return;
+  rowsPending_ = true;
+  ::PostMessageA(Handle(), kShowRows, 0, 0);
+}
+
+void frmMain::ShowPendingRows() {
+  if (!rowsPending_) return;
+  rowsPending_ = false;
+  ListView1.SetRowCount(static_cast<int>(jobList_.Count()));
+  ListView1.SelectRow(jobList_.SelectedRow());
+}
+
+void frmMain::RowChanged(int row) {
+  if (!rowsPending_) ListView1.RedrawRow(row);
+}
+
+void frmMain::SelectionChanged(int row) {
+  if (!rowsPending_) ListView1.SelectRow(row);
+}
+
+std::string frmMain::WindowsFolder() {
+  std::string folder(MAX_PATH, '\0');
+  folder.resize(::GetWindowsDirectoryA(folder.data(), static_cast<UINT>(folder.size())));
+  return folder;
+}
+
+void frmMain::MeasureSmallIcon(const std::string& key, std::uint32_t flags) {
+  SHFILEINFOA info{};
+  const auto images = reinterpret_cast<HIMAGELIST>(
+      ::SHGetFileInfoA(key.c_str(), 0, &info, sizeof info, SHGFI_SYSICONINDEX | flags));
+  if (images) ::ImageList_GetIconSize(images, &IconWidth_, &IconHeight_);
+}
+
+void frmMain::DrawFileIcon(const std::string& key, std::uint32_t flags) {
+  SHFILEINFOA info{};
+  ::SHGetFileInfoA(key.c_str(), FILE_ATTRIBUTE_NORMAL, &info, sizeof info, SHGFI_ICON | flags);
+  drawnIcon_.Reset(info.hIcon);
+}
+
+void frmMain::AddDrawnPicture() {
+  ImageList3.AddIcon(drawnIcon_.Get());
+  drawnIcon_.Reset();
+}
+
+}  // namespace zq

@@ -1,0 +1,123 @@
+// frmMain: the main window. It owns the job list, the bars and the engine, and every command runs here.
+#pragma once
+
+#include <memory>
+#include <string_view>
+
+#include "controls/Control.h"
+#include "controls/Default.h"
+#include "controls/DockStudio.h"
+#include "controls/DropTarget.h"
+#include "controls/ImageList.h"
+#include "controls/ListView.h"
+#include "core/AppState.h"
+#include "core/MainWindow.h"
+#include "jobs/AddFiles.h"
+#include "jobs/FileIcons.h"
+#include "jobs/JobLifecycle.h"
+#include "jobs/JobList.h"
+#include "platform/Platform.h"
+#include "resource.h"
+#include "wipe/JobWipe.h"
+#include "wipe/SFD1.h"
+#include "wipe/frmStatus.h"
+
+namespace zq {
+
+class frmMain final : public Form,
+                      public MainWindow,
+                      private JobListView,
+                      private FolderDialog,
+                      private JobDialogs,
+                      private IconPainter {
+ public:
+  // `SFD1` stands for the engine; tests pass one of their own.
+  frmMain(AppState& state, Platform& platform);
+
+  void Show() override;
+  void Hide() override { Form::Hide(); }
+
+  JobWipe& Driver() { return jobWipe_; }
+
+  // The main list and its bars, as tests look at them.
+  JobList& Jobs() { return jobList_; }
+  DockStudio DockStudio1;
+  ListView ListView1{*this, IDC_frmMain_ListView1};
+
+ private:
+  // Life of the window.
+  void Load() override;
+  bool QueryUnload(CloseReason reason) override;
+  void Unloaded() override;
+  void Activated() override;
+  std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  bool TranslateShortcut(MSG& message) override { return DockStudio1.TranslateShortcut(message); }
+  void ReadCommandLine();
+  void LoadBarLayout();
+
+  // The window's size and place, in twips outside, in pixels inside.
+  void SetDesignSize();
+  void RestoreWindowPlacement();
+  WindowPlacement CurrentPlacement() const;
+
+  // Bars and list.
+  void DockStudio1_ToolClick(std::string_view toolName);
+  void DockStudio1_MenuOpening(std::string_view menuName);
+  void DockStudio1_ClientAreaChanged();
+  void ListView1_DblClick();
+  void ListView1_OLEDragDrop(const DroppedPaths& paths);
+  void UpdateCommandState();
+
+  // Commands.
+  void AddFilesDialog();
+  void AddFolder();
+  void EditFolderItem();
+  void RemoveSelectedItem();
+  void ViewReport();
+  void ToggleQuickWipeBin();
+  void RunJobWipe();
+
+  // JobListView
+  void RowsChanged() override;
+  void RowChanged(int row) override;
+  void SelectionChanged(int row) override;
+  void ShowPendingRows();
+
+  // FolderDialog
+  void ShowFor(const std::string& path) override;
+
+  // JobDialogs
+  void ShowSave() override;
+  void ShowNew() override;
+  void ShowOpenJob() override;
+
+  // IconPainter
+  std::string WindowsFolder() override;
+  void MeasureSmallIcon(const std::string& key, std::uint32_t flags) override;
+  void DrawFileIcon(const std::string& key, std::uint32_t flags) override;
+  void AddDrawnPicture() override;
+
+  AppState& state_;
+  Platform& platform_;
+  JobList jobList_;
+  FileIcons icons_;
+  AddFiles addFiles_;
+  JobLifecycle jobLifecycle_;
+  StatusWindow statusWindow_;
+  JobWipe jobWipe_;
+  SFD1 SFD1_;
+  ImageList ImageList3;
+  UniqueIcon drawnIcon_;  // what Picture2, the drawing surface of the icon cache, holds
+  int IconWidth_ = 0;
+  int IconHeight_ = 0;
+  DropTarget dropTarget_;
+  UniqueIcon smallWindowIcon_;
+  UniqueIcon largeWindowIcon_;
+  bool FirstRun_ = false;  // the welcome is still owed
+  bool maximiseAtShow_ = false;
+  bool shown_ = false;
+  bool rowsPending_ = false;  // the list control hasn't been told the number of rows yet
+  bool wiping_ = false;
+};
+
+}  // namespace zq

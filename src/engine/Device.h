@@ -1,0 +1,225 @@
+// What the engine asks of a system: folders, files and their flushes. One implementation for each system
+// (device_win32.cpp, device_posix.cpp), and in the tests one in memory that records and fails.
+//
+// All paths and names are UTF-8. No call throws, except std::bad_alloc. No call follows a link unless it
+// says so. A call that returns a failure has changed nothing, or at most written a part of the data.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace zq::engine {
+
+// What the engine has to tell apart among the failures of a system call.
+enum class Trouble {
+  None,
+  NotFound,  // the entry doesn't exist (any more)
+  Exists,    // the new name is taken
+  NoSpace,   // the device is full: how every filling of free space ends
+  Refused,   // a refusal of our own: a link, not a regular file; `text` says which, `code` is 0
+  Other,
+};
+
+// The outcome of a device call. `code` and `text` are the system's own.
+struct [[nodiscard]] Status {
+  Trouble trouble = Trouble::None;
+  std::int32_t code = 0;
+  std::string text;
+
+  bool Ok() const { return trouble == Trouble::None; }
+  static Status Refusal(std::string reason) { return {Trouble::Refused, 0, std::move(reason)}; }
+};
+
+// How a file's writes travel. Direct writes pass the system's cache and have to be aligned; where the
+// system or the file system can't do them the device quietly opens Cached, as File::Alignment then tells.
+enum class Access { Direct, Cached };
+
+struct FileInfo {
+  std::uint64_t lengthBytes = 0;
+  // What the file occupies; more than the length if space was reserved behind its end. 0: not known.
+  std::uint64_t allocatedBytes = 0;
+  std::uint32_t clusterBytes = 0;  // the unit in which the file system gives out space
+  // The content lies in the file's own record (NTFS: in the MFT), not in clusters. Writing beyond the
+  // present length would move it out into clusters and leave the old bytes in the record.
+  bool inRecord = false;
+  // Empty, or why overwriting this file would leave its old content somewhere: "it is compressed".
+  std::string notInPlace;
+};
+
+// An open regular file, or a named stream of one. Closed when destroyed, which can't fail in a way that
+// matters: everything that has to be on the device was flushed before.
+class File {
+ public:
+  File() = default;
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+  virtual ~File() = default;
+
+  virtual Status Info(FileInfo& info) = 0;
+
+  // 1, or what offset, size and buffer address of each Read and Write must be multiples of.
+  virtual std::size_t Alignment() const = 0;
+
+  // Writes at most data.size() bytes at `offsetBytes`, lengthening the file where needed.
+  virtual Status Write(std::uint64_t offsetBytes, std::span<const std::byte> data, std::size_t& written) = 0;
+
+  // Returns when all that was written is on the device itself, past the caches of system and device.
+  virtual Status Flush() = 0;
+
+  // Makes the next Reads come from the device, as far as the system allows.
+  virtual Status DropCache() = 0;
+  virtual Status Read(std::uint64_t offsetBytes, std::span<std::byte> data, std::size_t& got) = 0;
+
+  // The names of the file's other streams, as OpenStream takes them. Empty where there is no such thing.
+  virtual Status ListStreams(std::vector<std::string>& names) = 0;
+  virtual Status OpenStream(const std::string& name, Access access, std::unique_ptr<File>& stream) = 0;
+
+  virtual Status SetLength(std::uint64_t lengthBytes) = 0;
+
+  // Sets all dates of the file that can be set to one moment, the same for all files.
+  virtual Status SetDates() = 0;
+
+  // Gives the file a new name in its folder. Trouble::Exists if the name is taken. The entry must still
+  // be this very file; another one that has come under its name is left alone, as a failure.
+  virtual Status Rename(const std::string& newName) = 0;
+
+  // Makes length, dates and name durable.
+  virtual Status FlushEntry() = 0;
+
+  // Removes the entry (or the stream) and closes the file, which is of no use after. Ok only if the entry
+  // is gone. The same identity rule as for Rename.
+  virtual Status Remove() = 0;
+};
+
+enum class EntryKind {
+  File,
+  Folder,
+  Link,        // symbolic link, or whatever else stands for something in another place
+  FolderLink,  // the same where the system says that it stands for a folder: a junction
+  Other,       // pipe, socket, device
+};
+
+struct Entry {
+  std::string name;
+  EntryKind kind = EntryKind::Other;
+};
+
+struct SpaceInfo {
+  std::uint64_t freeBytes = 0;  // what this user may still write
+  std::uint32_t clusterBytes = 0;
+};
+
+// An open folder. While it is open nobody can put another folder, or a link, in its place: everything
+// reached through it is inside it.
+class Folder {
+ public:
+  Folder() = default;
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  virtual ~Folder() = default;
+
+  virtual Status List(std::vector<Entry>& entries) = 0;
+
+  // Opens a regular file for overwriting. Refused, without waiting for anything, for all else. An open
+  // file must not outlive its folder.
+  virtual Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) = 0;
+  // Makes a new empty file; Trouble::Exists if the name is taken.
+  virtual Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) = 0;
+  // Opens a folder inside this one; refused if it is a link.
+  virtual Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) = 0;
+  virtual Status AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) = 0;
+
+  // The folder's own named streams, as for File.
+  virtual Status ListStreams(std::vector<std::string>& names) = 0;
+  virtual Status OpenStream(const std::string& name, Access access, std::unique_ptr<File>& stream) = 0;
+
+  // Renames and removes an entry that isn't open: an empty folder, a link (itself, never its target), a
+  // filler file. The entry must be of the kind told.
+  virtual Status Rename(const Entry& entry, const std::string& newName) = 0;
+  virtual Status Remove(const Entry& entry) = 0;
+
+  // Makes the removals and renamings in this folder durable.
+  virtual Status Flush() = 0;
+
+  virtual Status Space(SpaceInfo& space) = 0;
+};
+
+// Reads and writes that are under way together. Every one that was begun ends by a Wait; neither its file
+// nor its memory may go before.
+class TransferQueue {
+ public:
+  struct Ended {
+    std::size_t tag = 0;
+    std::size_t bytes = 0;  // that were read or written; fewer than asked for is no failure
+    Status status;
+  };
+
+  TransferQueue() = default;
+  TransferQueue(const TransferQueue&) = delete;
+  TransferQueue& operator=(const TransferQueue&) = delete;
+  virtual ~TransferQueue() = default;
+
+  // How many may be under way.
+  virtual std::size_t Depth() const = 0;
+
+  // As File::Write and File::Read, with the outcome told by Wait together with `tag`.
+  virtual void BeginWrite(File& file, std::uint64_t offsetBytes, std::span<const std::byte> data,
+                          std::size_t tag) = 0;
+  virtual void BeginRead(File& file, std::uint64_t offsetBytes, std::span<std::byte> data,
+                         std::size_t tag) = 0;
+
+  // Waits until one has ended, in whatever order. Only to be called while one is under way.
+  virtual Ended Wait() = 0;
+};
+
+class Device {
+ public:
+  Device() = default;
+  Device(const Device&) = delete;
+  Device& operator=(const Device&) = delete;
+  virtual ~Device() = default;
+
+  // Opens the folder that a user named; links on the way to it are followed as everywhere.
+  virtual Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) = 0;
+
+  // Splits a path into the folder that holds the entry and the entry's name. `name` is empty when the path
+  // is a root, which has no folder above it. Refused for what can't be an entry (an empty path, "..").
+  virtual Status Split(const std::string& path, std::string& folderPath, std::string& name) const = 0;
+  virtual std::string Join(const std::string& folderPath, const std::string& name) const = 0;
+
+  // The length of a name in the units in which the file system stores it, at least 1.
+  virtual std::size_t NameLength(const std::string& name) const = 0;
+
+  // Whether a folder can be renamed while folders inside it are open, and these can be worked on after.
+  virtual bool RenamesOpenFolders() const { return false; }
+
+  // A queue for files of this device; the device's own way of doing several things at once, or one after
+  // the other where it has none.
+  virtual std::unique_ptr<TransferQueue> MakeQueue();
+
+  // File::Flush, File::FlushEntry and Folder::Flush for several, each with its own outcome in the element
+  // of `outcomes` with the same index (as many as files or folders). A device for which one flush can serve
+  // all of them does just that; so the last one must be the one that was changed last.
+  virtual void FlushMany(std::span<File* const> files, std::span<Status> outcomes);
+  virtual void FlushEntries(std::span<File* const> files, std::span<Status> outcomes);
+  virtual void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes);
+
+  // After entries of `folder`, or of folders in it, are gone for good: clears what the file system keeps of
+  // them in places of its own, such as a journal. What can't be done, but puts no content at risk, is told
+  // in `note`, as a sentence. A failure is that content may be left.
+  virtual Status ClearTraces(Folder& folder, std::string& note);
+};
+
+struct DeviceOptions {
+  // Do without the system's way of having several transfers under way, as where it isn't allowed.
+  bool oneTransferAtATime = false;
+};
+
+// The device of the system that this program was built for.
+std::unique_ptr<Device> MakeSystemDevice(const DeviceOptions& options = {});
+
+}  // namespace zq::engine

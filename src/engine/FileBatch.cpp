@@ -1,0 +1,249 @@
+#include "engine/FileBatch.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace zq::engine {
+namespace {
+
+constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
+
+}  // namespace
+
+void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path) {
+  auto item = std::make_unique<Item>();
+  item->place = std::move(place);
+  item->path = path;
+  item->file.emplace(operation_, *item->place->folder, name, path);
+  try {
+    item->file->Open();
+  } catch (const Failure& failure) {
+    item->place->somethingStays = true;
+    note_(failure);
+    return;
+  }
+  const std::uint64_t bytes = item->file->ExtentBytes();
+  if (!items_.empty() && bytes_ + bytes > kMostBytes) Run();
+  bytes_ += bytes;
+  parts_ += item->file->Parts().size();
+  items_.push_back(std::move(item));
+  if (IsFull()) Run();
+}
+
+void FileBatch::AddLink(std::shared_ptr<Place> place, Entry entry, std::string path) {
+  auto item = std::make_unique<Item>();
+  item->place = std::move(place);
+  item->link = std::move(entry);
+  item->path = std::move(path);
+  ++parts_;
+  items_.push_back(std::move(item));
+  if (IsFull()) Run();
+}
+
+bool FileBatch::IsFull() const {
+  return bytes_ >= kMostBytes || parts_ >= operation_.pace.FilesAtOnce();
+}
+
+template <typename Step>
+void FileBatch::Try(Item& item, const Step& step) {
+  if (item.failed) return;
+  try {
+    step();
+  } catch (const Failure& failure) {
+    Fail(item, failure);
+  }
+}
+
+void FileBatch::Fail(Item& item, const Failure& failure) {
+  item.failed = true;
+  item.place->somethingStays = true;
+  failures_.push_back(failure);
+}
+
+void FileBatch::NoteFailures() {
+  const std::vector<Failure> failures = std::exchange(failures_, {});
+  for (const Failure& failure : failures) note_(failure);
+}
+
+void FileBatch::Run() {
+  if (items_.empty()) return;
+  // Whatever ends the run, no file may be closed while something is still written to it.
+  struct Clear {
+    FileBatch& batch;
+    ~Clear() {
+      batch.operation_.pipeline.Abandon();
+      batch.items_.clear();
+      batch.failures_.clear();
+      batch.bytes_ = 0;
+      batch.parts_ = 0;
+      batch.hasRun_ = true;
+    }
+  } const clear{*this};
+  RunSteps();
+}
+
+void FileBatch::RunSteps() {
+  for (std::size_t i = 0; i < operation_.passes.size(); ++i) WritePass(operation_.passes[i], i == 0);
+  Verify();
+  // The last moment at which a cancel leaves all files of the batch where they are.
+  NoteFailures();
+  const Clock::Time started = operation_.clock.Now();
+  Erase();
+  operation_.pace.RemovalTook(operation_.clock.Now() - started, parts_);
+  for (const auto& item : items_) {
+    if (item->file && !item->failed) item->file->Finish();
+  }
+  NoteFailures();
+}
+
+// --- The content ----------------------------------------------------------------------------------------
+
+void FileBatch::WritePass(const Pass& pass, bool isFirst) {
+  FileWipe* last = nullptr;
+  for (const auto& item : items_) {
+    if (!item->file || item->failed) continue;
+    if (isFirst) item->file->Start();
+    last = &*item->file;
+    for (Overwriter& part : item->file->Parts()) {
+      Try(*item, [&] { part.BeginPass(pass, item->file->Progress()); });
+      (part.HowOpened() == Access::Direct ? directBytes_ : cachedBytes_) += part.ExtentBytes();
+      // What may wait in a cache is bounded for all files together as it is for one.
+      if (cachedBytes_ >= operation_.pace.FlushAfterBytes(Access::Cached) ||
+          directBytes_ >= operation_.pace.FlushAfterBytes(Access::Direct)) {
+        FlushParts();
+        item->file->Progress().Worked(0);
+      }
+    }
+  }
+  FlushParts();
+  if (last != nullptr) last->Progress().Worked(0);
+}
+
+void FileBatch::FlushParts() {
+  operation_.pipeline.Drain();
+  CheckTransfers();
+  cachedBytes_ = directBytes_ = 0;
+  std::vector<File*> files;
+  std::vector<std::pair<Item*, Overwriter*>> parts;
+  std::array<std::uint64_t, 2> bytes{};
+  for (const auto& item : items_) {
+    if (!item->file || item->failed) continue;
+    for (Overwriter& part : item->file->Parts()) {
+      if (part.UnflushedBytes() == 0) continue;
+      files.push_back(&part.TheFile());
+      parts.emplace_back(item.get(), &part);
+      bytes[part.HowOpened() == Access::Direct] += part.UnflushedBytes();
+    }
+  }
+  if (files.empty()) return;
+  std::vector<Status> outcomes(files.size());
+  const Clock::Time started = operation_.clock.Now();
+  operation_.device.FlushMany(files, outcomes);
+  const Clock::Time took = operation_.clock.Now() - started;
+  for (const Access access : {Access::Cached, Access::Direct}) {
+    const std::uint64_t flushed = bytes[access == Access::Direct];
+    if (flushed > 0) operation_.pace.FlushTook(took, flushed, access);
+  }
+  for (std::size_t i = 0; i < parts.size(); ++i) {
+    Overwriter& part = *parts[i].second;
+    Try(*parts[i].first, [&] { Require(outcomes[i], "Flushing", part.Path()); });
+    part.FlushedByOthers();
+  }
+}
+
+void FileBatch::Verify() {
+  for (const auto& item : items_) {
+    if (!item->file) continue;
+    for (Overwriter& part : item->file->Parts()) {
+      Try(*item, [&] { part.BeginVerify(item->file->Progress()); });
+    }
+  }
+  operation_.pipeline.Drain();
+  CheckTransfers();
+}
+
+void FileBatch::CheckTransfers() {
+  for (const auto& item : items_) {
+    if (!item->file) continue;
+    for (Overwriter& part : item->file->Parts()) Try(*item, [&] { part.ThrowIfFailed(); });
+  }
+}
+
+// --- Names and entries ----------------------------------------------------------------------------------
+
+// All names are replaced before any of it is made durable: each flush between would put one more copy of
+// the folder, with the names that are still in it, into the file system's journal.
+void FileBatch::Erase() {
+  for (const auto& item : items_) {
+    Try(*item, [&] { item->file ? item->file->Hide() : HideLink(*item); });
+  }
+  FlushNames();
+  for (const auto& item : items_) {
+    Try(*item, [&] {
+      if (item->file) {
+        item->file->Remove();
+      } else {
+        Require(item->place->folder->Remove(item->link), "Removing",
+                item->path + " (now named " + item->link.name + ')');
+      }
+      hasRemoved_ = true;
+    });
+  }
+  FlushPlaces(false);
+}
+
+void FileBatch::HideLink(Item& item) {
+  Folder& folder = *item.place->folder;
+  item.link.name = HideName(operation_, item.link.name, item.path, [&](const std::string& newName) {
+    Status status = folder.Rename(item.link, newName);
+    if (status.Ok()) item.link.name = newName;
+    return status;
+  });
+}
+
+void FileBatch::FlushNames() {
+  std::vector<File*> files;
+  std::vector<Item*> items;
+  for (const auto& item : items_) {
+    if (!item->file || item->failed) continue;
+    files.push_back(&item->file->Parts().front().TheFile());
+    items.push_back(item.get());
+  }
+  std::vector<Status> outcomes(files.size());
+  if (!files.empty()) operation_.device.FlushEntries(files, outcomes);
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    Try(*items[i], [&] { Require(outcomes[i], "Flushing the entry of", items[i]->file->HiddenPath()); });
+  }
+  FlushPlaces(true);
+}
+
+// A folder that can't be flushed fails all that was done in it: nobody knows what of it is on the device.
+void FileBatch::FlushPlaces(bool ofLinksAlone) {
+  std::vector<Folder*> folders;
+  std::vector<Item*> firsts;
+  for (const auto& item : items_) {
+    if (item->failed || (ofLinksAlone && item->file)) continue;
+    Folder* const folder = item->place->folder.get();
+    // Their order is that of the walk, so the same folder comes in runs; one that comes again is flushed
+    // again, and is the last that was changed when it is the last here.
+    if (!folders.empty() && folders.back() == folder) continue;
+    folders.push_back(folder);
+    firsts.push_back(item.get());
+  }
+  if (folders.empty()) return;
+  std::vector<Status> outcomes(folders.size());
+  operation_.device.FlushFolders(folders, outcomes);
+  for (std::size_t i = 0; i < folders.size(); ++i) {
+    if (outcomes[i].Ok()) continue;
+    const Failure failure = MakeFailure("Flushing the folder of", firsts[i]->path, outcomes[i]);
+    failures_.push_back(failure);
+    for (const auto& item : items_) {
+      if (item->place->folder.get() != folders[i]) continue;
+      item->failed = true;
+      item->place->somethingStays = true;
+    }
+  }
+}
+
+}  // namespace zq::engine

@@ -1,0 +1,86 @@
+// Takes many files through each step of the wipe together, so that one flush serves all of them.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/FileWipe.h"
+#include "engine/Operation.h"
+
+namespace zq::engine {
+
+// A folder in which something is wiped.
+struct Place {
+  std::unique_ptr<Folder> folder;
+  std::string path;
+  bool somethingStays = false;  // something in it has failed, so it has to stay too
+};
+
+// With small files the flushes are all that takes time: one for each file and pass, and as many again for
+// names and removals. Here the pass is written to all files, then made durable once, and so are the names,
+// and the removals. A file that fails is taken out and stays, and the others go on. Nothing is removed
+// before all files of the batch are overwritten and read back; a cancel until then removes nothing.
+class FileBatch {
+ public:
+  // `note` receives each failure and may throw Cancelled.
+  FileBatch(Operation& operation, std::function<void(const Failure&)> note)
+      : operation_(operation), note_(std::move(note)) {}
+
+  // Opens the file `name` of `place`; runs the batch before, if the file would make it too large, or after,
+  // if it is full then. Throws Cancelled; a failure is noted.
+  void AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path);
+  // A link, of which only the name and the entry are removed.
+  void AddLink(std::shared_ptr<Place> place, Entry entry, std::string path);
+
+  // Wipes what is in the batch, which is empty after. Throws Cancelled.
+  void Run();
+  // Whether a run has ended since the last call: what was in the batch is gone, or has failed.
+  bool HasRun() { return std::exchange(hasRun_, false); }
+  // Whether anything has been removed, in all runs.
+  bool HasRemoved() const { return hasRemoved_; }
+
+ private:
+  struct Item {
+    std::shared_ptr<Place> place;
+    std::optional<FileWipe> file;  // none for a link
+    Entry link;
+    std::string path;
+    bool failed = false;
+  };
+
+  bool IsFull() const;
+  // Carries out one step for an item, and takes it out of the batch when that fails.
+  template <typename Step>
+  void Try(Item& item, const Step& step);
+  void Fail(Item& item, const Failure& failure);
+  void NoteFailures();
+
+  void RunSteps();
+  void WritePass(const Pass& pass, bool isFirst);
+  void FlushParts();
+  void Verify();
+  void CheckTransfers();
+  void Erase();
+  void HideLink(Item& item);
+  void FlushNames();
+  void FlushPlaces(bool ofLinksAlone);
+
+  Operation& operation_;
+  std::function<void(const Failure&)> note_;
+  std::vector<std::unique_ptr<Item>> items_;
+  std::vector<Failure> failures_;  // not yet noted
+  std::uint64_t bytes_ = 0;
+  std::size_t parts_ = 0;
+  std::uint64_t cachedBytes_ = 0;  // written, in one way or the other, since the last flush
+  std::uint64_t directBytes_ = 0;
+  bool hasRun_ = false;
+  bool hasRemoved_ = false;
+};
+
+}  // namespace zq::engine

@@ -1,0 +1,176 @@
+#include "engine/FileWipe.h"
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <memory>
+
+namespace zq::engine {
+namespace {
+
+using OpenCall = std::function<Status(Access access, std::unique_ptr<File>& file)>;
+
+// Rounded up to whole clusters, so that the slack behind the end is covered too.
+std::uint64_t Extent(const FileInfo& info, const std::string& path) {
+  if (info.inRecord) return info.lengthBytes;
+  const std::uint64_t bytes = std::max(info.lengthBytes, info.allocatedBytes);
+  const std::uint64_t cluster = std::max<std::uint32_t>(info.clusterBytes, 1);
+  const std::uint64_t rest = bytes % cluster;
+  if (rest == 0) return bytes;
+  if (bytes > std::numeric_limits<std::uint64_t>::max() - cluster) {
+    throw MakeFailure("Opening", path, "its length can't be right");
+  }
+  return bytes + (cluster - rest);
+}
+
+// Opens a file or a stream in the way that fits it, and learns how much of it there is to cover.
+Overwriter OpenForOverwriting(Operation& operation, const std::string& path, const OpenCall& open,
+                              FileInfo& info) {
+  std::unique_ptr<File> file;
+  std::uint64_t extent = 0;
+  const auto openAs = [&](Access access) {
+    file.reset();
+    Require(open(access, file), "Opening", path);
+    Require(file->Info(info), "Looking at", path);
+    if (!info.notInPlace.empty()) {
+      throw MakeFailure("Opening", path, "it can't be overwritten in place, since " + info.notInPlace);
+    }
+    extent = Extent(info, path);
+  };
+  openAs(Access::Direct);
+  // Only a cached write can be as short as the content of a record, and only a cached one leaves it there.
+  if (file->Alignment() > 1 && (info.inRecord || extent % file->Alignment() != 0)) openAs(Access::Cached);
+
+  Overwriter part(operation, std::move(file), path);
+  part.SetExtent(extent);
+  return part;
+}
+
+void RemoveStreams(std::vector<Overwriter>& streams, std::size_t first) {
+  for (std::size_t i = first; i < streams.size(); ++i) {
+    const std::string path = streams[i].Path() + " (already overwritten)";
+    Require(streams[i].TheFile().SetLength(0), "Shortening", path);
+    Require(streams[i].TheFile().Remove(), "Removing", path);
+  }
+  while (streams.size() > first) streams.pop_back();
+}
+
+}  // namespace
+
+void FileProgress::Start(std::string itemName, std::uint64_t lengthBytes, std::uint64_t workBytes) {
+  itemName_ = std::move(itemName);
+  // Halved until it fits: the share stays right, and the text still shows a number of some meaning.
+  while (lengthBytes > std::numeric_limits<std::int32_t>::max()) lengthBytes /= 2;
+  bytesTotal_ = static_cast<std::int32_t>(lengthBytes);
+  workBytes_ = workBytes;
+  workDone_ = 0;
+  Raise(0);
+}
+
+void FileProgress::Worked(std::uint64_t bytes) {
+  workDone_ += bytes;
+  if (!operation_.timer.IsDue()) return;
+  const double share =
+      workBytes_ == 0 ? 1.0 : static_cast<double>(workDone_) / static_cast<double>(workBytes_);
+  // The total itself is kept for the end, when the file is gone.
+  const auto done = static_cast<std::int32_t>(share * bytesTotal_);
+  Raise(std::clamp(done, 0, std::max(bytesTotal_ - 1, 0)));
+}
+
+void FileProgress::Finish() {
+  operation_.timer.Raised();
+  operation_.events.WipeProgress(bytesTotal_, bytesTotal_, 100, itemName_);
+}
+
+void FileProgress::Raise(std::int32_t bytesDone) {
+  const std::int32_t percent =
+      bytesTotal_ == 0 ? 0 : static_cast<std::int32_t>(std::int64_t{bytesDone} * 100 / bytesTotal_);
+  operation_.timer.Raised();
+  operation_.events.WipeProgress(bytesDone, bytesTotal_, percent, itemName_);
+  operation_.LookForCancel();
+}
+
+FileWipe::FileWipe(Operation& operation, Folder& folder, std::string name, std::string path)
+    : operation_(operation),
+      folder_(folder),
+      name_(std::move(name)),
+      path_(std::move(path)),
+      progress_(operation) {
+}
+
+void FileWipe::Open() {
+  FileInfo info;
+  parts_.push_back(OpenForOverwriting(
+      operation_, path_,
+      [this](Access access, std::unique_ptr<File>& file) { return folder_.OpenFile(name_, access, file); },
+      info));
+  lengthBytes_ = info.lengthBytes;
+
+  std::vector<std::string> streams;
+  Require(parts_.front().TheFile().ListStreams(streams), "Listing the streams of", path_);
+  for (const std::string& stream : streams) {
+    FileInfo streamInfo;
+    parts_.push_back(OpenForOverwriting(
+        operation_, path_ + ':' + stream,
+        [&](Access access, std::unique_ptr<File>& file) {
+          return parts_.front().TheFile().OpenStream(stream, access, file);
+        },
+        streamInfo));
+  }
+}
+
+std::uint64_t FileWipe::ExtentBytes() const {
+  std::uint64_t bytes = 0;
+  for (const Overwriter& part : parts_) bytes += part.ExtentBytes();
+  return bytes;
+}
+
+void FileWipe::Start() {
+  progress_.Start(name_, lengthBytes_, ExtentBytes() * (operation_.passes.size() + 1));
+}
+
+void FileWipe::Hide() {
+  RemoveStreams(parts_, 1);
+  File& file = parts_.front().TheFile();
+  Require(file.SetLength(0), "Shortening", path_ + " (already overwritten)");
+  Require(file.SetDates(), "Setting the dates of", path_ + " (already overwritten)");
+  const std::string newName = HideName(operation_, name_, path_ + " (already overwritten)",
+                                       [&file](const std::string& name) { return file.Rename(name); });
+  hiddenPath_ = path_ + " (already overwritten, now named " + newName + ')';
+}
+
+void FileWipe::Remove() {
+  Require(parts_.front().TheFile().Remove(), "Removing", hiddenPath_);
+  parts_.clear();
+}
+
+void FileWipe::Finish() {
+  progress_.Finish();
+  operation_.events.ItemWiped(name_);
+}
+
+void WipeFolderStreams(Operation& operation, Folder& folder, const std::string& path) {
+  std::vector<std::string> names;
+  Require(folder.ListStreams(names), "Listing the streams of", path);
+  for (const std::string& name : names) {
+    std::string streamPath = path;
+    streamPath.append(":").append(name);
+    FileInfo info;
+    std::vector<Overwriter> parts;
+    parts.push_back(OpenForOverwriting(
+        operation, streamPath,
+        [&](Access access, std::unique_ptr<File>& file) { return folder.OpenStream(name, access, file); },
+        info));
+    FileProgress progress(operation);
+    progress.Start(streamPath, info.lengthBytes, parts.front().ExtentBytes() * (operation.passes.size() + 1));
+    for (const Pass& pass : operation.passes) {
+      parts.front().WritePass(pass, progress);
+      parts.front().Flush();
+      progress.Worked(0);
+    }
+    parts.front().Verify(progress);
+    RemoveStreams(parts, 0);
+  }
+}
+
+}  // namespace zq::engine

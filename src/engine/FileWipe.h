@@ -1,0 +1,83 @@
+// The steps of the wipe of one file, from the open to the removed entry, and its progress.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "engine/Operation.h"
+#include "engine/Overwriter.h"
+
+namespace zq::engine {
+
+// The progress of one file as the owner sees it: the passes and the read-back are one way from 0 to the
+// file's length.
+class FileProgress final : public WorkMeter {
+ public:
+  explicit FileProgress(Operation& operation) : operation_(operation) {}
+
+  // Raises the event of the start. `workBytes` is all that will be written and read.
+  void Start(std::string itemName, std::uint64_t lengthBytes, std::uint64_t workBytes);
+  void Worked(std::uint64_t bytes) override;
+  // Raises the event of the end.
+  void Finish();
+
+ private:
+  void Raise(std::int32_t bytesDone);
+
+  Operation& operation_;
+  std::string itemName_;
+  std::int32_t bytesTotal_ = 0;
+  std::uint64_t workBytes_ = 0;
+  std::uint64_t workDone_ = 0;
+};
+
+// One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
+// apart because a batch takes all its files through one of them before the next; what makes them durable
+// between is the batch's part.
+//
+// A file with more than one hard link is wiped like any other: its content is destroyed under all its
+// names, this name is removed, and the others are left, with nothing in them. That is success: what the
+// owner wanted gone is gone.
+class FileWipe {
+ public:
+  // Wipes the file `name` of `folder`; `path` is what error texts call it. Both must outlive this.
+  FileWipe(Operation& operation, Folder& folder, std::string name, std::string path);
+
+  // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
+  void Open();
+  // Tells the owner that the work on this file begins.
+  void Start();
+
+  // From here on there is no look at the cancel flag: what is overwritten may as well be gone, and a file
+  // with half its names and dates changed is of use to nobody.
+  // Removes the streams, the length, the dates and the name.
+  void Hide();
+  // Removes the entry, whose new name has to be durable by now, or the device might never see it.
+  void Remove();
+  // Tells the owner that the file is gone, after whatever makes the removal durable.
+  void Finish();
+
+  // The file itself, then its named streams.
+  std::vector<Overwriter>& Parts() { return parts_; }
+  FileProgress& Progress() { return progress_; }
+  std::uint64_t ExtentBytes() const;
+  // What error texts call it after Hide.
+  const std::string& HiddenPath() const { return hiddenPath_; }
+
+ private:
+  Operation& operation_;
+  Folder& folder_;
+  std::string name_;
+  std::string path_;
+  std::string hiddenPath_;
+  std::uint64_t lengthBytes_ = 0;
+  std::vector<Overwriter> parts_;
+  FileProgress progress_;
+};
+
+// Overwrites the named streams of a folder and removes them. Tells progress, but a folder is no item that
+// would be counted as wiped.
+void WipeFolderStreams(Operation& operation, Folder& folder, const std::string& path);
+
+}  // namespace zq::engine

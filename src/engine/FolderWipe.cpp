@@ -1,0 +1,213 @@
+#include "engine/FolderWipe.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zq::engine {
+namespace {
+
+// Folders stay open until they are removed, and a process may have only so many open.
+constexpr std::size_t kMostLeftFolders = 128;
+
+}  // namespace
+
+void FolderWipe::Run(const std::string& path) {
+  std::string abovePath;
+  std::string name;
+  Require(operation_.device.Split(path, abovePath, name), "Opening", path);
+  std::unique_ptr<Folder> folder;
+  if (name.empty()) {
+    Require(operation_.device.OpenFolder(path, folder), "Opening", path);
+  } else {
+    Require(operation_.device.OpenFolder(abovePath, above_), "Opening", abovePath);
+    // Opened through the folder above it, so that a link in its place is refused.
+    Require(above_->OpenFolder(name, folder), "Opening", path);
+  }
+  Enter(std::move(folder), name, path);
+  const std::shared_ptr<Level> top = levels_.front();
+  Walk();
+  batch_.Run();
+  RemoveLeftFolders();
+  Folder* const left = top->folder ? top->folder.get() : above_.get();
+  if (left == nullptr || (!batch_.HasRemoved() && top->folder)) return;
+  try {
+    operation_.ClearTraces(*left, path);
+  } catch (const Failure& failure) {
+    Note(failure);
+  }
+}
+
+void FolderWipe::Walk() {
+  while (!levels_.empty()) {
+    operation_.LookForCancel();
+    const std::shared_ptr<Level> level = levels_.back();
+    if (level->next < level->entries.size()) {
+      Visit(level, std::exchange(level->entries[level->next++], {}));
+    } else {
+      level->entries = {};
+      left_.push_back(level);
+      levels_.pop_back();
+    }
+    if (left_.size() >= kMostLeftFolders) batch_.Run();
+    if (batch_.HasRun() || left_.size() >= kMostLeftFolders) RemoveLeftFolders();
+  }
+}
+
+void FolderWipe::Enter(std::unique_ptr<Folder> folder, std::string name, std::string path) {
+  auto level = std::make_shared<Level>();
+  level->folder = std::move(folder);
+  level->self = {name, EntryKind::Folder};
+  level->name = std::move(name);
+  level->path = std::move(path);
+  if (!levels_.empty()) level->parent = levels_.back();
+  Require(level->folder->List(level->entries), "Listing", level->path);
+  levels_.push_back(std::move(level));
+}
+
+void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) {
+  const std::string path = operation_.device.Join(level->path, entry.name);
+  const auto wanted = [&] { return selection_.removeFolders || selection_.takesFile(entry.name); };
+  try {
+    switch (entry.kind) {
+      case EntryKind::File:
+        if (wanted()) batch_.AddFile(level, entry.name, path);
+        break;
+      case EntryKind::Folder:
+        if (selection_.subFolders) {
+          std::unique_ptr<Folder> folder;
+          Require(level->folder->OpenFolder(entry.name, folder), "Opening", path);
+          Enter(std::move(folder), entry.name, path);
+        }
+        break;
+      case EntryKind::Link:
+        if (wanted()) batch_.AddLink(level, entry, path);
+        break;
+      case EntryKind::FolderLink:
+        if (selection_.removeFolders) batch_.AddLink(level, entry, path);
+        break;
+      case EntryKind::Other:
+        if (wanted()) throw MakeFailure("Opening", path, "it is not a regular file");
+        break;
+    }
+  } catch (const Failure& failure) {
+    Fail(*level, failure);
+  }
+}
+
+// --- The folders ----------------------------------------------------------------------------------------
+
+void FolderWipe::RemoveLeftFolders() {
+  const std::vector<std::shared_ptr<Level>> left = std::exchange(left_, {});
+  if (!selection_.removeFolders) return;
+  for (const auto& level : left) CheckRemovable(*level);
+  // The removals in them go to the device before they do: freed in one go with them, a folder's block would
+  // keep the old names.
+  FlushFolders(left, false);
+  if (operation_.device.RenamesOpenFolders()) {
+    RemoveFolders(left);
+    return;
+  }
+  // Elsewhere a folder can't be renamed before those in it are gone.
+  std::size_t highest = 0;
+  for (const auto& level : left) {
+    if (level->parent) level->parent->height = std::max(level->parent->height, level->height + 1);
+    highest = std::max(highest, level->height);
+  }
+  for (std::size_t height = 0; height <= highest; ++height) {
+    std::vector<std::shared_ptr<Level>> group;
+    std::copy_if(left.begin(), left.end(), std::back_inserter(group),
+                 [height](const auto& level) { return level->height == height; });
+    RemoveFolders(group);
+  }
+}
+
+void FolderWipe::CheckRemovable(Level& level) {
+  try {
+    if (!level.somethingStays) {
+      WipeFolderStreams(operation_, *level.folder, level.path);
+      if (FolderAbove(level) == nullptr) {
+        throw MakeFailure("Removing", level.path, "the root of a drive can't be removed");
+      }
+    }
+  } catch (const Failure& failure) {
+    Fail(level, failure);
+  }
+  if (level.somethingStays && level.parent) level.parent->somethingStays = true;
+}
+
+// All are renamed, that is made durable, and only then are they removed: as with the names of files.
+void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
+  for (const auto& level : levels) {
+    if (!level->somethingStays) {
+      try {
+        // Where it can't be renamed while it is open; what is in it is removed through it elsewhere.
+        if (!operation_.device.RenamesOpenFolders()) level->folder.reset();
+        Folder& above = *FolderAbove(*level);
+        HideName(operation_, level->self.name, level->path, [&](const std::string& newName) {
+          Status status = above.Rename(level->self, newName);
+          if (status.Ok()) level->self.name = newName;
+          return status;
+        });
+      } catch (const Failure& failure) {
+        Fail(*level, failure);
+      }
+    }
+    if (level->somethingStays && level->parent) level->parent->somethingStays = true;
+  }
+  FlushFolders(levels, true);
+  for (const auto& level : levels) {
+    const std::string path = level->path + " (now named " + level->self.name + ')';
+    try {
+      if (!level->somethingStays) {
+        Require(FolderAbove(*level)->Remove(level->self), "Removing", path);
+        level->folder.reset();
+      } else if (level->self.name != level->name) {
+        // It stays for something in it, so the user has to find it again.
+        Require(FolderAbove(*level)->Rename(level->self, level->name), "Giving back the name of", path);
+        level->self.name = level->name;
+      }
+    } catch (const Failure& failure) {
+      Fail(*level, failure);
+    }
+    if (level->somethingStays && level->parent) level->parent->somethingStays = true;
+  }
+  FlushFolders(levels, true);
+}
+
+// Flushes the folders themselves, or those above them, as far as they are open and nothing has failed.
+void FolderWipe::FlushFolders(std::span<const std::shared_ptr<Level>> levels, bool above) {
+  std::vector<Folder*> folders;
+  std::vector<Level*> firsts;
+  for (const auto& level : levels) {
+    Folder* const folder = above ? FolderAbove(*level) : level->folder.get();
+    if (level->somethingStays || folder == nullptr) continue;
+    if (!folders.empty() && folders.back() == folder) continue;
+    folders.push_back(folder);
+    firsts.push_back(level.get());
+  }
+  if (folders.empty()) return;
+  std::vector<Status> outcomes(folders.size());
+  operation_.device.FlushFolders(folders, outcomes);
+  for (std::size_t i = 0; i < folders.size(); ++i) {
+    if (outcomes[i].Ok()) continue;
+    Fail(*firsts[i],
+         MakeFailure(above ? "Flushing the folder of" : "Flushing the folder", firsts[i]->path, outcomes[i]));
+  }
+  for (const auto& level : levels) {
+    if (level->somethingStays && level->parent) level->parent->somethingStays = true;
+  }
+}
+
+void FolderWipe::Fail(Level& level, const Failure& failure) {
+  level.somethingStays = true;
+  Note(failure);
+}
+
+void FolderWipe::Note(const Failure& failure) {
+  ++failureCount_;
+  if (!firstFailure_) firstFailure_ = failure;
+  operation_.events.WipeError(failure.code, failure.text);
+  operation_.LookForCancel();
+}
+
+}  // namespace zq::engine

@@ -1,0 +1,69 @@
+#include "engine/Operation.h"
+
+#include <cstring>
+
+namespace zq::engine {
+
+std::string Operation::RandomName(std::size_t length) {
+  // 32 characters, so that five random bits choose one. Without case, since file systems differ in it, and
+  // without the letters a, n, o, t and u: no name is then one of the device names CON, PRN, AUX, NUL, LPT1.
+  static constexpr char kCharacters[] = "0123456789bcdefghijklmpqrsvwxyz_";
+  static_assert(sizeof kCharacters == 32 + 1);
+
+  if (!namesSeeded_) {
+    Require(names_.Seed(seeds), "Making a random name for", "a file");
+    namesSeeded_ = true;
+  }
+  std::string name(length, ' ');
+  names_.Read(names_.Take(BlockCount(length)), std::as_writable_bytes(std::span(name)));
+  for (char& c : name) c = kCharacters[static_cast<unsigned char>(c) & 31];
+  return name;
+}
+
+std::span<const std::byte> Operation::Pattern(std::uint8_t pattern, std::size_t sizeBytes) {
+  if (pattern != pattern_) patternBytes_ = 0;
+  pattern_ = pattern;
+  if (patternBytes_ < sizeBytes) {
+    std::memset(patternMemory_.Part(patternBytes_, 0).data(), pattern, sizeBytes - patternBytes_);
+    patternBytes_ = sizeBytes;
+  }
+  return patternMemory_.First(sizeBytes);
+}
+
+std::string HideName(Operation& operation, std::string name, const std::string& path,
+                     const std::function<Status(const std::string& newName)>& rename) {
+  constexpr std::size_t kLongestDetour = 4;
+  // Of a batch's many files in one folder only some find a name of one character.
+  const auto triesOfLength = [](std::size_t length) { return length == 1 ? 2 : (length == 2 ? 4 : 16); };
+
+  const std::string oldName = name;
+  const auto subject = [&] { return name == oldName ? path : path + ", now named " + name + ','; };
+
+  const std::size_t length = operation.device.NameLength(name);
+  for (std::size_t step : {length, length / 2, std::size_t{1}}) {
+    if (step == 0) step = 1;
+    if (step != length && step == operation.device.NameLength(name)) continue;
+    Status status;
+    bool renamed = false;
+    // In a folder full of short names the wanted length may be used up: then a little longer has to do.
+    for (std::size_t detour = 0; !renamed && detour <= kLongestDetour; ++detour) {
+      // A name of 255 units leaves no room for a detour, and needs none.
+      const std::size_t wanted = step + detour <= 255 ? step + detour : step;
+      for (int attempt = 0; !renamed && attempt < triesOfLength(wanted); ++attempt) {
+        std::string newName = operation.RandomName(wanted);
+        if (newName == name) continue;
+        status = rename(newName);
+        if (status.Ok()) {
+          name = std::move(newName);
+          renamed = true;
+        } else if (status.trouble != Trouble::Exists) {
+          throw MakeFailure("Renaming", subject(), status);
+        }
+      }
+    }
+    if (!renamed) throw MakeFailure("Renaming", subject(), status);
+  }
+  return name;
+}
+
+}  // namespace zq::engine

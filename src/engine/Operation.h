@@ -1,0 +1,103 @@
+// What the parts of a running operation share: its surroundings, its passes, its memory, its pace, and the
+// look at the cancel flag.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engine/Clock.h"
+#include "engine/Device.h"
+#include "engine/EngineEvents.h"
+#include "engine/Failure.h"
+#include "engine/KeyStream.h"
+#include "engine/Pace.h"
+#include "engine/PassPlan.h"
+#include "engine/Pipeline.h"
+
+namespace zq::engine {
+
+// Receives the work that was done, as it is done. May raise an event, and throws Cancelled.
+class WorkMeter {
+ public:
+  virtual ~WorkMeter() = default;
+  virtual void Worked(std::uint64_t bytes) = 0;
+};
+
+// The time between two events while an operation works: at least ten a second, never two within 30 ms.
+class EventTimer {
+ public:
+  explicit EventTimer(Clock& clock) : clock_(clock) {}
+
+  void Raised() { last_ = clock_.Now(); }
+  bool IsDue() const { return clock_.Now() - last_ >= kBetween; }
+
+ private:
+  static constexpr Clock::Time kBetween{35'000};
+
+  Clock& clock_;
+  Clock::Time last_{};
+};
+
+class Operation {
+ public:
+  Operation(Device& theDevice, EngineEvents& theEvents, Clock& theClock, SeedSource& theSeeds,
+            const bool& cancelFlag, std::int32_t level)
+      : device(theDevice),
+        events(theEvents),
+        clock(theClock),
+        seeds(theSeeds),
+        passes(PassesOfLevel(level)),
+        cancelFlag_(cancelFlag) {}
+
+  Device& device;
+  EngineEvents& events;
+  Clock& clock;
+  SeedSource& seeds;
+  const std::vector<Pass> passes;
+  Pace pace;
+  Pipeline pipeline{device, clock, pace};
+  AlignedBuffer buffer{Pace::kLargestUnit};  // for what is made and used at once
+  // Of the files in work, which share it: the owner can't take more events because there are more files.
+  EventTimer timer{clock};
+
+  // Memory full of one byte, for all writes of a pass. The last one's is filled anew, so nothing that uses
+  // it may be under way when the pattern changes.
+  std::span<const std::byte> Pattern(std::uint8_t pattern, std::size_t sizeBytes);
+
+  // What couldn't be done and is no failure, for the owner to read. Empty mostly.
+  std::string note;
+  // Clears the file system's traces of what was removed from `folder`. Throws Failure.
+  void ClearTraces(Folder& folder, const std::string& path) {
+    Require(device.ClearTraces(folder, note), "Clearing the journal after the wipe of", path);
+  }
+
+  // Throws Cancelled once the owner has asked for it. Called after every event and at every item.
+  void LookForCancel() const {
+    if (cancelFlag_) throw Cancelled{};
+  }
+
+  // A random name of `length` characters, legal on every file system. Throws Failure without a seed.
+  std::string RandomName(std::size_t length);
+
+ private:
+  const bool& cancelFlag_;
+  KeyStream names_;
+  bool namesSeeded_ = false;
+  AlignedBuffer patternMemory_{Pace::kLargestUnit};
+  std::uint8_t pattern_ = 0;
+  std::size_t patternBytes_ = 0;  // so much of the memory is filled
+};
+
+// Steps through random names for an entry that is now called `name`: one of the same length, so that the
+// name is overwritten where it stands, then one half as long and one of a single character, so that not
+// even the length is kept. `rename` carries out one step; a taken name is tried again with another one.
+// Throws Failure, with `path` as the subject; returns the last name.
+std::string HideName(Operation& operation, std::string name, const std::string& path,
+                     const std::function<Status(const std::string& newName)>& rename);
+
+}  // namespace zq::engine

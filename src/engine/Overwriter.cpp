@@ -1,0 +1,130 @@
+#include "engine/Overwriter.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zq::engine {
+namespace {
+
+constexpr const char* kReading = "Reading back";
+
+}  // namespace
+
+Overwriter::Overwriter(Operation& operation, std::unique_ptr<File> file, std::string path)
+    : operation_(operation), file_(std::move(file)), path_(std::move(path)) {
+  Require(stream_.Seed(operation_.seeds), "Seeding the random data for", path_);
+}
+
+void Overwriter::TakePass(const Pass& pass) {
+  pass_ = pass;
+  if (pass.random) firstBlock_ = stream_.Take(BlockCount(extentBytes_));
+}
+
+// Offsets inside a pass are multiples of the key stream's block, or the data come from a pattern: units are
+// whole blocks down to the last one. A pattern is shared by all writes; random data are made in `into`.
+std::span<const std::byte> Overwriter::Produce(std::uint64_t offsetBytes, std::span<std::byte> into) const {
+  if (!pass_.random) return operation_.Pattern(pass_.pattern, into.size());
+  stream_.Read(firstBlock_ + offsetBytes / KeyStream::kBlockBytes, into);
+  return into;
+}
+
+void Overwriter::BeginPass(const Pass& pass, WorkMeter& meter) {
+  TakePass(pass);
+  meter_ = &meter;
+  for (std::uint64_t offset = 0; offset < extentBytes_;) {
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(UnitBytes(), extentBytes_ - offset));
+    const std::span<std::byte> room = operation_.pipeline.MakeRoom(size);
+    if (failure_) return;
+    operation_.pipeline.BeginWrite(*this, *file_, offset, Produce(offset, room));
+    offset += size;
+    if (offset < extentBytes_ && unflushedBytes_ >= operation_.pace.FlushAfterBytes(HowOpened())) {
+      operation_.pipeline.Drain();
+      if (failure_) return;
+      Flush();
+      meter.Worked(0);
+    }
+  }
+}
+
+void Overwriter::BeginVerify(WorkMeter& meter) {
+  meter_ = &meter;
+  if (extentBytes_ == 0) return;
+  Require(file_->DropCache(), kReading, path_);
+  for (std::uint64_t offset = 0; offset < extentBytes_;) {
+    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(UnitBytes(), extentBytes_ - offset));
+    const std::span<std::byte> room = operation_.pipeline.MakeRoom(size);
+    if (failure_) return;
+    operation_.pipeline.BeginRead(*this, *file_, offset, room);
+    offset += size;
+  }
+}
+
+void Overwriter::TransferEnded(const Pipeline::Transfer& transfer, const Status& status) {
+  if (!failure_ && !status.Ok())
+    failure_ = MakeFailure(transfer.isWrite ? "Writing" : kReading, path_, status);
+  if (failure_) return;
+  if (transfer.isWrite) {
+    unflushedBytes_ += transfer.data.size();
+  } else {
+    Compare(transfer);
+  }
+  meter_->Worked(transfer.data.size());
+}
+
+void Overwriter::Compare(const Pipeline::Transfer& transfer) {
+  const std::size_t size = transfer.data.size();
+  const std::span<const std::byte> expected = Produce(transfer.offsetBytes, operation_.buffer.First(size));
+  if (std::memcmp(expected.data(), transfer.data.data(), size) != 0) {
+    failure_ = MakeFailure(kReading, path_, "the device doesn't hold what was written");
+  }
+}
+
+void Overwriter::ThrowIfFailed() {
+  if (!failure_) return;
+  const Failure failure = *std::move(failure_);
+  failure_.reset();
+  throw Failure(failure);
+}
+
+void Overwriter::WritePass(const Pass& pass, WorkMeter& meter) {
+  const AbandonAtEnd guard(operation_.pipeline);
+  BeginPass(pass, meter);
+  operation_.pipeline.Drain();
+  ThrowIfFailed();
+}
+
+void Overwriter::Verify(WorkMeter& meter) {
+  const AbandonAtEnd guard(operation_.pipeline);
+  BeginVerify(meter);
+  operation_.pipeline.Drain();
+  ThrowIfFailed();
+}
+
+void Overwriter::Flush() {
+  const Clock::Time started = operation_.clock.Now();
+  Require(file_->Flush(), "Flushing", path_);
+  operation_.pace.FlushTook(operation_.clock.Now() - started, unflushedBytes_, HowOpened());
+  unflushedBytes_ = 0;
+}
+
+// One write after the other: where the device is full is known only when a write has ended.
+Status Overwriter::Grow(std::size_t sizeBytes, std::size_t& grownBytes) {
+  grownBytes = 0;
+  const Clock::Time started = operation_.clock.Now();
+  const std::span<const std::byte> data = Produce(extentBytes_, operation_.buffer.First(sizeBytes));
+  while (grownBytes < sizeBytes) {
+    std::size_t part = 0;
+    Status status = file_->Write(extentBytes_, data.subspan(grownBytes), part);
+    if (!status.Ok()) return status;
+    if (part < sizeBytes - grownBytes) part -= part % file_->Alignment();
+    if (part == 0) return Status::Refusal("the device takes no more data");
+    grownBytes += part;
+    extentBytes_ += part;
+    unflushedBytes_ += part;
+  }
+  operation_.pace.UnitTook(operation_.clock.Now() - started, sizeBytes);
+  if (unflushedBytes_ >= operation_.pace.FlushAfterBytes(HowOpened())) Flush();
+  return {};
+}
+
+}  // namespace zq::engine

@@ -1,0 +1,117 @@
+// Keeps several transfers under way at once, as many as the pace allows, each in a buffer of its own.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <span>
+#include <vector>
+
+#include "engine/Clock.h"
+#include "engine/Device.h"
+#include "engine/Pace.h"
+
+namespace zq::engine {
+
+// Memory at an address that unbuffered transfers accept. It takes no pages before it is touched.
+class AlignedBuffer {
+ public:
+  static constexpr std::size_t kAlignment = 4096;
+
+  explicit AlignedBuffer(std::size_t sizeBytes)
+      : bytes_(static_cast<std::byte*>(::operator new (sizeBytes, std::align_val_t{kAlignment}))),
+        sizeBytes_(sizeBytes) {}
+  AlignedBuffer(const AlignedBuffer&) = delete;
+  AlignedBuffer& operator=(const AlignedBuffer&) = delete;
+  ~AlignedBuffer() { ::operator delete (bytes_, std::align_val_t{kAlignment}); }
+
+  std::span<std::byte> First(std::size_t sizeBytes) { return {bytes_, sizeBytes}; }
+  std::span<std::byte> Part(std::size_t offset, std::size_t sizeBytes) {
+    return {bytes_ + offset, sizeBytes};
+  }
+  std::size_t SizeBytes() const { return sizeBytes_; }
+
+ private:
+  std::byte* bytes_;
+  std::size_t sizeBytes_;
+};
+
+class Pipeline {
+ public:
+  // One whole transfer that has ended; short ones were carried on.
+  struct Transfer {
+    std::uint64_t offsetBytes = 0;
+    std::span<const std::byte> data;
+    bool isWrite = false;
+  };
+
+  class Client {
+   public:
+    virtual ~Client() = default;
+    // Called from MakeRoom and Drain; may throw. `data` is good until it returns.
+    virtual void TransferEnded(const Transfer& transfer, const Status& status) = 0;
+  };
+
+  Pipeline(Device& device, const Clock& clock, Pace& pace);
+  Pipeline(const Pipeline&) = delete;
+  Pipeline& operator=(const Pipeline&) = delete;
+  ~Pipeline() { Abandon(); }
+
+  // Waits until a transfer of `sizeBytes` (at most Pace::kLargestUnit) may be begun, and gives the buffer for
+  // it, which is the caller's until that or the next MakeRoom.
+  std::span<std::byte> MakeRoom(std::size_t sizeBytes);
+
+  // To be called after MakeRoom. `data` is that buffer, or memory that doesn't change until the end.
+  void BeginWrite(Client& client, File& file, std::uint64_t offsetBytes, std::span<const std::byte> data);
+  // Reads into the buffer that MakeRoom gave.
+  void BeginRead(Client& client, File& file, std::uint64_t offsetBytes, std::span<std::byte> buffer);
+
+  // Waits until nothing is under way.
+  void Drain();
+  // The same, without telling anybody. Nothing throws: this is for the way out.
+  void Abandon() noexcept;
+
+ private:
+  struct Slot {
+    Client* client = nullptr;
+    File* file = nullptr;
+    std::uint64_t offsetBytes = 0;
+    std::span<const std::byte> data;
+    std::span<std::byte> buffer;  // of a read
+    std::size_t done = 0;
+    bool isWrite = false;
+    Clock::Time begun{};
+  };
+
+  void Begin(Slot slot);
+  void Continue(std::size_t index);
+  void Occupy(std::size_t index);
+  void Release(std::size_t index) noexcept;
+  void WaitForOne();
+
+  const Clock& clock_;
+  Pace& pace_;
+  std::unique_ptr<TransferQueue> queue_;
+  AlignedBuffer memory_{Pace::kMostTransfers * Pace::kLargestUnit};
+  std::array<Slot, Pace::kMostTransfers> slots_;
+  std::vector<std::size_t> free_;  // the last one is taken next: the same few buffers stay in use
+  std::size_t underWay_ = 0;
+  std::uint64_t bytesUnderWay_ = 0;
+  Clock::Time lastEnd_{};
+};
+
+// Put where files or memory may go while transfers are under way: at the end of the block all have ended.
+class AbandonAtEnd {
+ public:
+  explicit AbandonAtEnd(Pipeline& pipeline) : pipeline_(pipeline) {}
+  AbandonAtEnd(const AbandonAtEnd&) = delete;
+  AbandonAtEnd& operator=(const AbandonAtEnd&) = delete;
+  ~AbandonAtEnd() { pipeline_.Abandon(); }
+
+ private:
+  Pipeline& pipeline_;
+};
+
+}  // namespace zq::engine

@@ -1,0 +1,80 @@
+// The secure-delete engine: destroys files, folders and the free space of a drive so that nothing of them
+// can be recovered. The only header of the engine that its users need beside EngineEvents.h.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "engine/Clock.h"
+#include "engine/Device.h"
+#include "engine/EngineEvents.h"
+#include "engine/SeedSource.h"
+
+namespace zq::engine {
+
+// `level` is 3, 5 or 7 throughout and stands for that many rounds of three data writes per byte: a pattern,
+// its complement, random data. Each write covers a file to the end of its last cluster and is on the device
+// before the next begins. Nothing that was not overwritten, and found so by reading it back, is deleted;
+// the one thing removed without is a link, and a link is never followed.
+//
+// A wipe member returns true only if all it stands for is done. Otherwise LastErrorText says why, and what
+// wasn't finished is still there. No member throws; what a handler throws ends the operation as a failure.
+// A member called from inside another one's event returns false and disturbs nothing.
+class SecureDelete {
+ public:
+  // Whether a file name matches a mask. "*.*" takes every file and never gets here.
+  using MaskMatch = std::function<bool(const std::string& name, const std::string& mask)>;
+
+  // All parameters but the last must outlive the engine.
+  SecureDelete(Device& device, SeedSource& seeds, Clock& clock, EngineEvents& events, MaskMatch matches);
+  SecureDelete(const SecureDelete&) = delete;
+  SecureDelete& operator=(const SecureDelete&) = delete;
+
+  // Wipes and removes one regular file.
+  bool WipeFile(const std::string& path, std::int32_t level) noexcept;
+
+  // Wipes all files in the folder and beneath it, and removes the folders and the folder itself. A file
+  // that fails stays, with the folders above it, and the rest goes on.
+  bool WipeFolder(const std::string& path, std::int32_t level) noexcept;
+
+  // Wipes the files whose names match `mask`, beneath the folder too if `includeSubFolders`. Folders stay.
+  bool WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
+                       std::int32_t level) noexcept;
+
+  // Overwrites the free space of the drive with the root folder `drive`.
+  bool WipeFreeSpace(const std::string& drive, std::int32_t level) noexcept;
+
+  // Why the latest wipe member returned false: one line without double quotes. Of several failures it is
+  // the first, with the number of the others. Empty after a success.
+  const std::string& LastErrorText() const { return lastErrorText_; }
+
+  // What the latest wipe member that returned true could not do, though all that it stands for is done: a
+  // sentence for the user, such as that names may be left in a journal that only an administrator may clear.
+  // Empty mostly.
+  const std::string& Note() const { return note_; }
+
+  // Asks the running member to stop; called from inside an event. No file is removed half overwritten.
+  void CancelOperation() noexcept {
+    if (running_) cancelled_ = true;
+  }
+
+ private:
+  template <typename Work>
+  bool Run(const std::string& subject, std::int32_t level, const Work& work) noexcept;
+  void SetError(std::string_view text) noexcept;
+  void TellError(std::int32_t code) noexcept;
+
+  Device& device_;
+  SeedSource& seeds_;
+  Clock& clock_;
+  EngineEvents& events_;
+  MaskMatch matches_;
+  std::string lastErrorText_;
+  std::string note_;
+  bool running_ = false;
+  bool cancelled_ = false;
+};
+
+}  // namespace zq::engine

@@ -1,0 +1,59 @@
+#include "jobs/JobName.h"
+
+#include <optional>
+
+#include "platform/Files.h"
+#include "platform/RunTimeError.h"
+#include "platform/Text.h"
+
+namespace zq {
+namespace {
+
+constexpr std::string_view kIllegalCharacters = "\"?*/\\><:|";
+
+constexpr const char* kIllegalName =
+    "One or more of the characters included in the job name are not allowed and are illegal characters for "
+    "file names on the Windows operating system.";
+// What it asks for is narrower than the test: a blank, a dash or a dot is accepted.
+constexpr const char* kUseNumbersOrLetters = "Please name the job using only numbers or letters.";
+constexpr const char* kOverwrite =
+    "A Zeroquill Job already exists by that name.  Do you wish to overwrite the existing Zeroquill Job?";
+
+}  // namespace
+
+std::string JobFilePath(const std::string& appFolder, const std::string& name) {
+  return appFolder + kJobsFolder + name + kJobExtension;
+}
+
+bool IsJobFile(const FileEntry& entry) {
+  return (entry.attributes & (kAttributeDirectory | kAttributeHidden | kAttributeSystem)) == 0;
+}
+
+bool HasJobNameText(std::string_view nameText) {
+  return !TrimBlanks(nameText).empty();
+}
+
+bool HasIllegalCharacter(std::string_view nameText) {
+  return nameText.find_first_of(kIllegalCharacters) != std::string_view::npos;
+}
+
+JobNameVerdict VerdictOnJobName(Files& files, const std::string& appFolder, std::string_view nameText) {
+  if (HasIllegalCharacter(nameText)) return JobNameVerdict::Illegal;
+  const std::optional<FileEntry> entry = files.FindEntry(JobFilePath(appFolder, TrimBlanks(nameText)));
+  return entry && IsJobFile(*entry) ? JobNameVerdict::Exists : JobNameVerdict::Accepted;
+}
+
+Message BoxOf(JobNameVerdict verdict) {
+  switch (verdict) {
+    case JobNameVerdict::Illegal:
+      return {std::string(kIllegalName) + kTwoLineBreaks + kUseNumbersOrLetters, "Job Name",
+              MessageIcon::Exclamation, MessageButtons::Ok};
+    case JobNameVerdict::Exists:
+      return {kOverwrite, "Overwrite Job", MessageIcon::Question, MessageButtons::OkCancel};
+    case JobNameVerdict::Accepted:
+      break;
+  }
+  throw RunTimeError(ErrorNumber::InvalidProcedureCall);
+}
+
+}  // namespace zq

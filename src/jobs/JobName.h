@@ -1,0 +1,44 @@
+// JobName: which names a job can have, and the file that belongs to one.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/MessageBoxes.h"
+
+namespace zq {
+
+class Files;
+struct FileEntry;
+
+inline constexpr const char* kJobsFolder = "Jobs\\";  // below the program's folder
+inline constexpr const char* kJobExtension = ".zqj";
+
+// The file of the job `name`. `appFolder` ends in a backslash.
+std::string JobFilePath(const std::string& appFolder, const std::string& name);
+
+// Whether an entry of the folder of jobs counts as a file there: folders, hidden and system files don't.
+bool IsJobFile(const FileEntry& entry);
+
+// Whether OK in frmSave is enabled for this text of `txtName`: for any but blanks.
+bool HasJobNameText(std::string_view nameText);
+
+// Whether the text holds one of the nine characters that a file's name can't have. Nothing else about a
+// name is checked: its length, a dot at its end and the names of devices are let through.
+bool HasIllegalCharacter(std::string_view nameText);
+
+// What OK in frmSave makes of the text of `txtName`. The dialog does as the note says.
+enum class JobNameVerdict : std::uint8_t {
+  Accepted,  // the trimmed text is the job's name, and the dialog closes
+  Illegal,   // box; the focus goes to `txtName`
+  Exists,    // question; OK accepts, anything else gives the focus to `txtName`
+};
+
+// The characters are looked for in the text as it stands, the file under the trimmed one.
+JobNameVerdict VerdictOnJobName(Files& files, const std::string& appFolder, std::string_view nameText);
+
+// The box of a verdict. Raises InvalidProcedureCall for Accepted, which has none.
+Message BoxOf(JobNameVerdict verdict);
+
+}  // namespace zq

@@ -1,0 +1,44 @@
+// frmFolder: adds a folder with its mask to the job.
+#pragma once
+
+#include <string>
+
+#include "controls/Control.h"
+#include "controls/Default.h"
+#include "controls/FolderTreeview.h"
+#include "core/AppState.h"
+#include "platform/Platform.h"
+#include "resource.h"
+
+namespace zq {
+
+class JobList;
+
+class frmFolder final : public Form {
+ public:
+  frmFolder(AppState& state, Platform& platform, JobList& jobList);
+
+  FolderTreeview FT1{*this, IDC_frmFolder_FT1};
+
+ private:
+  Image Image1{*this, IDC_frmFolder_Image1, "imgfolder"};
+  TextBox txtMask{*this, IDC_frmFolder_txtMask};
+  CheckBox chkSub{*this, IDC_frmFolder_chkSub};
+  Button cmdOK{*this, IDC_frmFolder_cmdOK};
+  Button cmdCancel{*this, IDC_frmFolder_cmdCancel};
+  Button cmdHelp{*this, IDC_frmFolder_cmdHelp};
+
+  void Load() override;
+  void Unloaded() override;
+  void FT1_SelectionChange(const std::string& text, const std::string& fullPath);
+  void cmdOK_Click();
+  void cmdHelp_Click();
+  void DropToNormalLevel();
+
+  AppState& state_;
+  Platform& platform_;
+  JobList& jobList_;
+  std::string FolderPath_;  // of the last node that carries one
+};
+
+}  // namespace zq

@@ -1,0 +1,42 @@
+// frmOpenJob: lists the saved jobs, and chooses one of them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "controls/Control.h"
+#include "controls/Default.h"
+#include "controls/ImageList.h"
+#include "controls/ListView.h"
+#include "core/AppState.h"
+#include "jobs/JobFile.h"
+#include "platform/Platform.h"
+#include "resource.h"
+
+namespace zq {
+
+class frmOpenJob final : public Form {
+ public:
+  frmOpenJob(AppState& state, Platform& platform);
+
+  ListView ListView1{*this, IDC_frmOpenJob_ListView1};
+
+ private:
+  Image Image1{*this, IDC_frmOpenJob_Image1, "imgopenjob"};
+  Button cmdOK{*this, IDC_frmOpenJob_cmdOK};
+  Button cmdCancel{*this, IDC_frmOpenJob_cmdCancel};
+  Button cmdHelp{*this, IDC_frmOpenJob_cmdHelp};
+
+  void Load() override;
+  void SizeColumns();
+  int FindJob(const std::string& prefix, int start) const;
+  void ListView1_DblClick();
+  void cmdOK_Click();
+
+  AppState& state_;
+  Platform& platform_;
+  ImageList ImageList1;
+  std::vector<SavedJob> jobs_;  // the rows
+};
+
+}  // namespace zq

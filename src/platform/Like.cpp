@@ -1,0 +1,103 @@
+#include "platform/Like.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace zq {
+namespace {
+
+// Takes one character off the front of `text`: a code point, or a single byte that isn't valid UTF-8
+// (told apart from code points by a value above them all).
+std::uint32_t TakeCharacter(std::string_view& text) {
+  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+  const std::uint32_t lead = byteAt(0);
+  const std::size_t length = lead < 0x80         ? 1
+                             : (lead >> 5) == 6  ? 2
+                             : (lead >> 4) == 14 ? 3
+                             : (lead >> 3) == 30 ? 4
+                                                 : 0;
+  constexpr std::uint32_t kInvalidByte = 0x110000;
+  constexpr std::uint32_t kSmallestOfLength[] = {0, 0, 0x80, 0x800, 0x10000};
+  std::uint32_t value = length == 1 ? lead : lead & (0xFFU >> (length + 1));
+  bool valid = length != 0 && length <= text.size();
+  for (std::size_t i = 1; valid && i < length; ++i) {
+    valid = (byteAt(i) & 0xC0) == 0x80;
+    value = (value << 6) | (byteAt(i) & 0x3F);
+  }
+  // A longer form than needed, a half of a surrogate pair and what lies beyond the last code point
+  // aren't UTF-8 either.
+  valid = valid && value >= kSmallestOfLength[length] && (value < 0xD800 || value > 0xDFFF) &&
+          value < kInvalidByte;
+  text.remove_prefix(valid ? length : 1);
+  return valid ? value : kInvalidByte + lead;
+}
+
+// The content of a bracket at the front of `pattern`, taken off with its brackets; nothing if the
+// bracket isn't closed.
+std::optional<std::string_view> TakeList(std::string_view& pattern) {
+  const std::size_t end = pattern.find(']', 1);
+  if (end == std::string_view::npos) return std::nullopt;
+  const std::string_view list = pattern.substr(1, end - 1);
+  pattern.remove_prefix(end + 1);
+  return list;
+}
+
+bool ListHolds(std::string_view list, std::uint32_t character) {
+  const bool outside = list.size() > 1 && list.front() == '!';
+  if (outside) list.remove_prefix(1);
+  bool found = false;
+  while (!list.empty()) {
+    const std::uint32_t low = TakeCharacter(list);
+    std::uint32_t high = low;
+    if (list.size() > 1 && list.front() == '-') {
+      list.remove_prefix(1);
+      high = TakeCharacter(list);
+    }
+    found = found || (low <= character && character <= high);
+  }
+  return found != outside;
+}
+
+enum class Step { Matched, Failed };
+
+// Matches the front of `pattern`, which isn't a `*`, with the front of `text`, and takes both off.
+Step MatchOne(std::string_view& text, std::string_view& pattern) {
+  if (pattern.front() == '[') {
+    const std::optional<std::string_view> list = TakeList(pattern);
+    if (!list) return Step::Failed;
+    if (list->empty()) return Step::Matched;  // `[]` is the empty text
+    if (text.empty()) return Step::Failed;
+    return ListHolds(*list, TakeCharacter(text)) ? Step::Matched : Step::Failed;
+  }
+  if (text.empty()) return Step::Failed;
+  const std::uint32_t wanted = TakeCharacter(pattern);
+  const std::uint32_t character = TakeCharacter(text);
+  if (wanted == '?') return Step::Matched;
+  if (wanted == '#') return character >= '0' && character <= '9' ? Step::Matched : Step::Failed;
+  return wanted == character ? Step::Matched : Step::Failed;
+}
+
+}  // namespace
+
+bool Like(std::string_view text, std::string_view pattern) {
+  // Only the last `*` can need another try: what stood before it is matched as early as possible, and
+  // that is never worse. So the time is the product of the two lengths at the most.
+  std::optional<std::string_view> patternBehindStar;
+  std::string_view textAtStar;
+  while (!text.empty() || !pattern.empty()) {
+    if (!pattern.empty() && pattern.front() == '*') {
+      pattern.remove_prefix(1);
+      patternBehindStar = pattern;
+      textAtStar = text;
+      continue;
+    }
+    if (!pattern.empty() && MatchOne(text, pattern) == Step::Matched) continue;
+    if (!patternBehindStar || textAtStar.empty()) return false;
+    TakeCharacter(textAtStar);
+    text = textAtStar;
+    pattern = *patternBehindStar;
+  }
+  return true;
+}
+
+}  // namespace zq

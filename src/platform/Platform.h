@@ -1,0 +1,20 @@
+// Platform: the services of the system, each behind an interface, handed together to what needs several.
+#pragma once
+
+namespace zq {
+
+class Files;
+class MessageBoxes;
+class Process;
+class Regional;
+class Registry;
+
+struct Platform {
+  Files& files;
+  MessageBoxes& messageBoxes;
+  Process& process;
+  Regional& regional;
+  Registry& registry;
+};
+
+}  // namespace zq

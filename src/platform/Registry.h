@@ -1,0 +1,33 @@
+// Registry: reading a value of the system's registry.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zq {
+
+enum class RegistryHive { CurrentUser, LocalMachine };
+
+inline constexpr std::uint32_t kRegistryString = 1;  // REG_SZ
+
+struct RegistryValue {
+  std::uint32_t type = 0;
+  std::string bytes;  // as stored: a string usually ends in a null, but need not
+};
+
+class Registry {
+ public:
+  virtual ~Registry() = default;
+
+  // Nothing when the key or the value is missing or can't be read.
+  virtual std::optional<RegistryValue> Query(RegistryHive hive, const std::string& key,
+                                             const std::string& valueName) = 0;
+};
+
+// The text of a string value up to its first null. A value that is missing, unreadable or of another
+// type than REG_SZ gives "".
+std::string ReadRegistryString(Registry& registry, RegistryHive hive, const std::string& key,
+                               const std::string& valueName);
+
+}  // namespace zq

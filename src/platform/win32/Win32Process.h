@@ -1,0 +1,26 @@
+// The process on Windows.
+#pragma once
+
+#include "platform/Process.h"
+#include "platform/win32/UniqueHandle.h"
+
+namespace zq {
+
+class Win32Process final : public Process {
+ public:
+  // `pump` takes the waiting window messages through their handlers.
+  explicit Win32Process(void (*pump)());
+
+  bool EarlierInstanceRuns() override { return earlierInstance_; }
+  std::string ApplicationPath() override;
+  std::string CommandLine() override;
+  void PumpMessages() override { pump_(); }
+  void End() override;
+
+ private:
+  void (*pump_)();
+  UniqueKernelHandle instanceMutex_;
+  bool earlierInstance_ = false;
+};
+
+}  // namespace zq

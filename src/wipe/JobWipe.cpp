@@ -1,0 +1,231 @@
+#include "wipe/JobWipe.h"
+
+#include "core/AppState.h"
+#include "core/MainWindow.h"
+#include "core/StartUp.h"
+#include "jobs/JobFile.h"
+#include "jobs/JobList.h"
+#include "platform/Files.h"
+#include "platform/MessageBoxes.h"
+#include "platform/Process.h"
+#include "platform/Regional.h"
+#include "platform/RunTimeError.h"
+#include "reports/ReportData.h"
+#include "wipe/RecursiveSearch.h"
+#include "wipe/WipeProgress.h"
+
+namespace zq {
+namespace {
+
+constexpr const char* kEveryFile = "*.*";
+
+constexpr const char* kNothingFound =
+    "All listed items in your current Job were not found at their defined locations and may have been "
+    "previously wiped.  The wipe operation cannot continue.";
+constexpr const char* kConfirmation =
+    "This operation will securely wipe all available files and based on the settings, available folders "
+    "contents as well.  Once the wipe operation is complete, the files will not be recoverable.";
+constexpr const char* kSureToContinue = "Are you sure you wish to continue?";
+constexpr const char* kComplete = "The wipe operation is now complete.";
+constexpr const char* kCancelled =
+    "The wipe operation was cancelled so all items may not have been completely processed.  You can review "
+    "the report for more details.";
+constexpr const char* kReviewReport = "Do you wish to review the report for the current operation?";
+constexpr const char* kCancelLine =
+    "User cancelled wipe operation.  Listed items may or may not have finished processing.";
+
+// How the counting and the wipe tell a folder row. It is wider than IsFolderRow, on purpose: a job file
+// made by hand can have any text in this cell. A row whose text is neither "Yes" nor "No" was looked for
+// as a file, and is treated as a folder without its sub-folders once it has been found.
+bool HasSubFoldersText(const JobRow& row) {
+  return !row.SubFolders.empty();
+}
+
+bool IncludesSubFolders(const JobRow& row) {
+  return row.SubFolders == "Yes";
+}
+
+std::string WithQuestion(const char* statement, const char* question) {
+  return std::string(statement) + kTwoLineBreaks + question;
+}
+
+}  // namespace
+
+void JobWipe::RunJobWipe() {
+  if (!SFD1_) throw RunTimeError(ErrorNumber::ObjectVariableNotSet);
+
+  if (!CheckRows()) {
+    platform_.messageBoxes.Show(
+        {kNothingFound, "No Items Found", MessageIcon::Information, MessageButtons::Ok});
+    return;
+  }
+  if (platform_.messageBoxes.Show({WithQuestion(kConfirmation, kSureToContinue), "Wipe Operation",
+                                   MessageIcon::Question, MessageButtons::OkCancel}) != MessageAnswer::Ok) {
+    return;
+  }
+
+  state_.FreeSpaceActive = false;
+  state_.CancelRequested = false;
+  state_.TotalWipeItems = FixedPoint();
+  ProcessedWipeItems_ = FixedPoint();
+  mainWindow_.Hide();
+  statusWindow_.Show();
+  ClearReportLists();
+
+  statusWindow_.SetCancelEnabled(false);
+  CountRows();
+  statusWindow_.SetCancelEnabled(true);
+  WipeRows();
+  if (state_.CancelRequested) state_.ReportErrors.Add(kCancelLine);
+
+  // After a cancel the user has closed the window: a fresh, hidden one takes this, and is unloaded below.
+  statusWindow_.SetCancelEnabled(false);
+  statusWindow_.SetCurrent(0);
+  statusWindow_.SetOverall(0);
+  statusWindow_.SetStatus("Creating Report Data...Please Wait...");
+  statusWindow_.Repaint();
+  WriteReport();
+  ClearReportLists();
+  if (reportViewer_) reportViewer_->Load();
+
+  statusWindow_.Unload();
+  mainWindow_.Show();
+  const char* outcome = state_.CancelRequested ? kCancelled : kComplete;
+  if (platform_.messageBoxes.Show({WithQuestion(outcome, kReviewReport), "Wipe Operation",
+                                   MessageIcon::Question, MessageButtons::YesNo}) != MessageAnswer::No &&
+      reportViewer_) {
+    reportViewer_->ShowModal();
+  }
+}
+
+// Ghosts the rows whose items don't exist and brings back those that have reappeared. True if any exists.
+bool JobWipe::CheckRows() {
+  bool anyAvailable = false;
+  const std::int16_t end = jobList_.RowLoopEnd();
+  for (int row = 1; row <= end; ++row) {
+    const JobRow& item = jobList_.Row(row);
+    const int kind = item.IsFolderRow() ? kItemIsFolder : kItemIsFile;
+    const bool exists = ItemExists(platform_.files, kind, item.NameAndLocation);
+    jobList_.SetGhosted(row, !exists);
+    anyAvailable = anyAvailable || exists;
+  }
+  return anyAvailable;
+}
+
+// Counts the files, and makes every read-only, hidden or system file an ordinary one before the first write.
+void JobWipe::CountRows() {
+  const std::int16_t end = jobList_.RowLoopEnd();
+  for (int row = 1; row <= end; ++row) {
+    const JobRow& item = jobList_.Row(row);
+    if (item.Ghosted) continue;
+    std::string path = item.NameAndLocation;
+    if (HasSubFoldersText(item)) {
+      SearchFolder(platform_.files, path, "*", item.FolderMask, IncludesSubFolders(item),
+                   state_.TotalWipeItems);
+    } else {
+      ++state_.TotalWipeItems;
+      ClearAttributes(platform_.files, path);
+    }
+    platform_.process.PumpMessages();
+  }
+}
+
+void JobWipe::WipeRows() {
+  const std::int16_t end = jobList_.RowLoopEnd();
+  for (int row = 1; row <= end; ++row) {
+    const JobRow& item = jobList_.Row(row);
+    if (item.Ghosted) continue;
+    if (HasSubFoldersText(item)) {
+      WipeFolderRow(row);
+    } else {
+      WipeFileRow(row);
+    }
+    platform_.process.PumpMessages();
+    if (state_.CancelRequested) break;
+  }
+}
+
+void JobWipe::WipeFolderRow(int row) {
+  const JobRow item = jobList_.Row(row);  // a copy: the engine's events let other code run
+  const std::int32_t level = state_.Settings.Passes;
+  // Listed before the attempt, so that a folder that fails or is cancelled is in the report, too.
+  state_.ReportFolders.Add(item.NameAndLocation);
+
+  bool wiped = false;
+  if (item.FolderMask == kEveryFile && IncludesSubFolders(item)) {
+    wiped = SFD1_->WipeFolder(item.NameAndLocation, level);
+    if (wiped) jobList_.SetGhosted(row, true);
+  } else {
+    // The folder stays, and so does the row: it can be wiped again.
+    wiped = SFD1_->WipeFolderFiles(item.NameAndLocation, item.FolderMask, IncludesSubFolders(item), level);
+  }
+  if (!wiped) AddErrorLine(item.NameAndLocation);
+}
+
+void JobWipe::WipeFileRow(int row) {
+  const std::string path = jobList_.Row(row).NameAndLocation;
+  state_.ReportFiles.Add(path);
+  if (!SFD1_->WipeFile(path, state_.Settings.Passes)) {
+    AddErrorLine(path);
+    return;
+  }
+  jobList_.SetGhosted(row, true);
+  jobList_.SetSize(row, "0 Bytes");
+}
+
+void JobWipe::AddErrorLine(const std::string& path) {
+  state_.ReportErrors.Add(path + " - " + SFD1_->GetLastErrorText());
+}
+
+void JobWipe::WriteReport() {
+  const std::string stamp = platform_.regional.Now();
+  // The saved state of a job that has a name stays as it is, and so, in effect, does its file: the stamp
+  // is written by the next save.
+  if (!state_.CurrentJobName.empty()) {
+    state_.LastWiping = stamp;
+    StampJobFile(state_, platform_.files);
+  }
+
+  ReportData report;
+  report.jobName = state_.CurrentJobName.empty() ? "Untitled Job" : state_.CurrentJobName;
+  report.stamp = stamp;
+  report.folders = state_.ReportFolders.Items();
+  report.files = state_.ReportFiles.Items();
+  report.errors = state_.ReportErrors.Items();
+  platform_.files.Write(state_.AppFolder + "Report\\Report.dat", EncodeReport(report));
+}
+
+void JobWipe::ClearReportLists() {
+  state_.ReportFolders.Clear();
+  state_.ReportFiles.Clear();
+  state_.ReportErrors.Clear();
+}
+
+void JobWipe::CancelOperation() {
+  SFD1_->CancelOperation();
+  state_.CancelRequested = true;
+}
+
+void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t /*unused*/,
+                                const std::string& itemName) {
+  if (state_.FreeSpaceActive) return;
+  const ProgressUpdate update = ComputeProgress(bytesDone, bytesTotal, itemName, ProcessedWipeItems_,
+                                                state_.TotalWipeItems, platform_.regional);
+  statusWindow_.SetStatus(update.status);
+  if (update.setsCurrent) statusWindow_.SetCurrent(update.current);
+  statusWindow_.SetOverall(update.overall);
+  statusWindow_.SetCaption(update.caption);
+  // While a file is in work, a click on Cancel gets through here alone.
+  platform_.process.PumpMessages();
+}
+
+void JobWipe::SFD1_WipeError(std::int32_t errorCode, const std::string& errorText) {
+  // A job wipe asks for the text when a member has failed; a free-space wipe has this event alone.
+  if (state_.FreeSpaceActive && errorCode != 0) state_.FreeSpaceError = errorText;
+}
+
+void JobWipe::SFD1_ItemWiped(const std::string& /*itemName*/) {
+  ++ProcessedWipeItems_;
+}
+
+}  // namespace zq

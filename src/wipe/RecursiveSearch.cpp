@@ -1,0 +1,37 @@
+#include "wipe/RecursiveSearch.h"
+
+#include "platform/Files.h"
+#include "platform/Like.h"
+#include "platform/Text.h"
+
+namespace zq {
+
+void SearchFolder(Files& files, std::string& path, const std::string& pathPattern, const std::string& mask,
+                  bool includeSubFolders, FixedPoint& totalWipeItems) {
+  if (!path.ends_with('\\')) path += '\\';
+  files.List(path + "*", [&](const FileEntry& entry) {
+    const std::string name = TrimAtNull(entry.name);
+    if (!(entry.attributes & kAttributeDirectory)) {
+      if (Like(path, pathPattern) && Like(name, mask)) {
+        ClearAttributes(files, path + name);
+        ++totalWipeItems;
+      }
+    } else if (name != "." && name != ".." && includeSubFolders) {
+      // With this mask the wipe removes the folders too. A folder is cleared when one inside it is met, so
+      // that one without any keeps its attributes unless it is itself inside another.
+      if (mask == "*.*") {
+        ClearAttributes(files, path);
+        ClearAttributes(files, path + name);
+      }
+      // Links to folders are followed as well; the limit on a path's length ends a loop of them.
+      std::string subFolder = path + name;
+      SearchFolder(files, subFolder, pathPattern, mask, includeSubFolders, totalWipeItems);
+    }
+  });
+}
+
+void ClearAttributes(Files& files, const std::string& path) {
+  files.SetAttributes(path, kAttributeNormal);
+}
+
+}  // namespace zq

@@ -1,0 +1,23 @@
+// RecursiveSearch: prepares a folder row for wiping. It counts the files that the wipe will touch and
+// strips their attributes, so that a read-only, hidden or system file can't stop the engine.
+#pragma once
+
+#include <string>
+
+#include "platform/FixedPoint.h"
+
+namespace zq {
+
+class Files;
+
+// Adds the number of matching files below `path` to `totalWipeItems`. A backslash is appended to the
+// caller's `path` where it has none. Both patterns are matched by `Like`, case-sensitively: "*.*" needs
+// a dot here, though the engine takes every file for it; the count and the wipe are two decisions.
+// What can't be read or changed is passed over.
+void SearchFolder(Files& files, std::string& path, const std::string& pathPattern, const std::string& mask,
+                  bool includeSubFolders, FixedPoint& totalWipeItems);
+
+// Sets the attributes of `path` to normal; a failure is passed over.
+void ClearAttributes(Files& files, const std::string& path);
+
+}  // namespace zq

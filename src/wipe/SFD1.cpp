@@ -1,0 +1,64 @@
+#include "wipe/SFD1.h"
+
+#include <utility>
+
+#include "platform/Like.h"
+
+namespace zq {
+
+SFD1::SFD1(WipeEvents& events) : events_(events), engine_(*device_, seeds_, clock_, *this, &Like) {
+}
+
+bool SFD1::WipeFile(const std::string& path, std::int32_t level) {
+  return Finish(engine_.WipeFile(path, level));
+}
+
+bool SFD1::WipeFolder(const std::string& path, std::int32_t level) {
+  return Finish(engine_.WipeFolder(path, level));
+}
+
+bool SFD1::WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
+                           std::int32_t level) {
+  return Finish(engine_.WipeFolderFiles(path, mask, includeSubFolders, level));
+}
+
+bool SFD1::WipeFreeSpace(const std::string& drive, std::int32_t level) {
+  return Finish(engine_.WipeFreeSpace(drive, level));
+}
+
+// The engine takes nothing that is thrown through it: what a handler raises waits here until the member
+// has returned.
+void SFD1::Raise(const std::function<void()>& handler) {
+  if (raised_) return;
+  try {
+    handler();
+  } catch (...) {
+    raised_ = std::current_exception();
+    engine_.CancelOperation();
+  }
+}
+
+bool SFD1::Finish(bool result) {
+  if (raised_) std::rethrow_exception(std::exchange(raised_, nullptr));
+  return result;
+}
+
+void SFD1::WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
+                        const std::string& itemName) {
+  Raise([&] { events_.SFD1_WipeProgress(bytesDone, bytesTotal, percent, itemName); });
+}
+
+void SFD1::WipeError(std::int32_t errorCode, const std::string& errorText) {
+  Raise([&] { events_.SFD1_WipeError(errorCode, errorText); });
+}
+
+void SFD1::ItemWiped(const std::string& itemName) {
+  Raise([&] { events_.SFD1_ItemWiped(itemName); });
+}
+
+void SFD1::FreeSpaceProgress(const std::string& itemName, std::int32_t percent, std::int32_t kbDone,
+                             std::int32_t kbTotal) {
+  Raise([&] { events_.SFD1_FreeSpaceProgress(itemName, percent, kbDone, kbTotal); });
+}
+
+}  // namespace zq

@@ -1,0 +1,69 @@
+#include "wipe/frmStatus.h"
+
+#include "platform/MessageBoxes.h"
+#include "wipe/JobWipe.h"
+
+namespace zq {
+
+frmStatus::frmStatus(AppState& state, Platform& platform, JobWipe& jobWipe)
+    : Form(IDD_frmStatus), state_(state), platform_(platform), jobWipe_(jobWipe) {
+  cmdCancel.Click = [this] { cmdCancel_Click(); };
+}
+
+void frmStatus::Load() {
+  if (state_.Settings.ProgressBars != 1) {
+    pbCurrent.UsePlainLook();
+    pbOverall.UsePlainLook();
+  }
+}
+
+bool frmStatus::UserConfirmsCancel() {
+  return platform_.messageBoxes.Show({.text = "Cancel the current operation?",
+                                      .title = "Cancel",
+                                      .icon = MessageIcon::Question,
+                                      .buttons = MessageButtons::YesNo}) != MessageAnswer::No;
+}
+
+void frmStatus::cmdCancel_Click() {
+  // The engine stands still meanwhile: this runs inside the pump of its progress event.
+  if (!UserConfirmsCancel()) return;
+  jobWipe_.CancelOperation();
+  Unload();
+}
+
+bool frmStatus::QueryUnload(CloseReason reason) {
+  if (reason == CloseReason::Program) return true;
+  // The counting pass and the report phase can't be stopped.
+  if (!cmdCancel.IsEnabled()) return false;
+  if (!UserConfirmsCancel()) return false;
+  jobWipe_.CancelOperation();
+  return true;
+}
+
+void StatusWindow::Show() {
+  Default<frmStatus>::Touch().Show();
+  Default<frmStatus>::Touch().Repaint();
+}
+void StatusWindow::Unload() {
+  Default<frmStatus>::Touch().Unload();
+}
+void StatusWindow::SetCancelEnabled(bool enabled) {
+  Default<frmStatus>::Touch().cmdCancel.SetEnabled(enabled);
+}
+void StatusWindow::SetStatus(const std::string& text) {
+  Default<frmStatus>::Touch().lblStatus.SetText(text);
+}
+void StatusWindow::Repaint() {
+  Default<frmStatus>::Touch().lblStatus.Repaint();
+}
+void StatusWindow::SetCurrent(int percent) {
+  Default<frmStatus>::Touch().pbCurrent.SetValue(percent);
+}
+void StatusWindow::SetOverall(int percent) {
+  Default<frmStatus>::Touch().pbOverall.SetValue(percent);
+}
+void StatusWindow::SetCaption(const std::string& text) {
+  Default<frmStatus>::Touch().SetCaption(text);
+}
+
+}  // namespace zq

@@ -1,0 +1,51 @@
+// frmStatus: the progress window of a job wipe.
+#pragma once
+
+#include "controls/Control.h"
+#include "controls/Default.h"
+#include "controls/ProgressBarEx.h"
+#include "core/AppState.h"
+#include "platform/Platform.h"
+#include "resource.h"
+#include "wipe/WipeProgress.h"
+
+namespace zq {
+
+class JobWipe;
+
+class frmStatus final : public Form {
+ public:
+  frmStatus(AppState& state, Platform& platform, JobWipe& jobWipe);
+
+  ProgressBarEx pbCurrent{*this, IDC_frmStatus_pbCurrent};
+  ProgressBarEx pbOverall{*this, IDC_frmStatus_pbOverall};
+  Label lblStatus{*this, IDC_frmStatus_lblStatus};
+  Button cmdCancel{*this, IDC_frmStatus_cmdCancel};
+
+ private:
+  Image Image1{*this, IDC_frmStatus_Image1, "imgstatus"};
+
+  void Load() override;
+  bool QueryUnload(CloseReason reason) override;
+  void cmdCancel_Click();
+  bool UserConfirmsCancel();
+
+  AppState& state_;
+  Platform& platform_;
+  JobWipe& jobWipe_;
+};
+
+// The window as the driver sees it: each call goes to the present instance, made afresh when there is none.
+class StatusWindow final : public WipeStatusWindow {
+ public:
+  void Show() override;
+  void Unload() override;
+  void SetCancelEnabled(bool enabled) override;
+  void SetStatus(const std::string& text) override;
+  void Repaint() override;
+  void SetCurrent(int percent) override;
+  void SetOverall(int percent) override;
+  void SetCaption(const std::string& text) override;
+};
+
+}  // namespace zq

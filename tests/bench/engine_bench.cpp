@@ -1,0 +1,100 @@
+// Runs one operation of the engine, for bench.sh: prints what it has taken, and how much memory.
+//   engine_bench file|folder|files PATH [LEVEL] [--one-at-a-time] [--quiet]
+//   engine_bench random [MIB]        the speed of the random data alone
+#include <sys/resource.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "engine/KeyStream.h"
+#include "engine/SecureDelete.h"
+
+namespace {
+
+using namespace zq::engine;
+
+class CountedEvents final : public EngineEvents {
+ public:
+  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const std::string&) override { ++progress; }
+  void WipeError(std::int32_t, const std::string& text) override {
+    std::fprintf(stderr, "%s\n", text.c_str());
+  }
+  void ItemWiped(const std::string&) override { ++wiped; }
+  void FreeSpaceProgress(const std::string&, std::int32_t, std::int32_t, std::int32_t) override {}
+
+  std::size_t progress = 0;
+  std::size_t wiped = 0;
+};
+
+double Seconds(std::chrono::steady_clock::time_point from) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - from).count();
+}
+
+int BenchRandom(std::size_t mebibytes) {
+  SystemSeed seeds;
+  KeyStream stream;
+  if (!stream.Seed(seeds).Ok()) return 1;
+  std::vector<std::byte> unit(std::size_t{1} << 20);
+  for (std::size_t lanes = 4; lanes <= KeyStream::WidestLanes(); lanes *= 2) {
+    const auto started = std::chrono::steady_clock::now();
+    for (std::size_t i = 0; i < mebibytes; ++i) {
+      stream.ReadWith(lanes, stream.Take(BlockCount(unit.size())), unit);
+    }
+    std::printf("%2zu blocks side by side: %.2f GB/s\n", lanes,
+                static_cast<double>(mebibytes) * 1048576e-9 / Seconds(started));
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::vector<std::string> words;
+  DeviceOptions options;
+  bool quiet = false;
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--one-at-a-time") == 0) {
+      options.oneTransferAtATime = true;
+    } else if (std::strcmp(argv[i], "--quiet") == 0) {
+      quiet = true;
+    } else {
+      words.emplace_back(argv[i]);
+    }
+  }
+  if (!words.empty() && words[0] == "random") {
+    return BenchRandom(words.size() > 1 ? std::strtoul(words[1].c_str(), nullptr, 10) : 2048);
+  }
+  if (words.size() < 2) {
+    std::fputs("usage: engine_bench file|folder|files PATH [LEVEL] [--one-at-a-time] [--quiet]\n", stderr);
+    return 2;
+  }
+  const std::int32_t level = words.size() > 2 ? static_cast<std::int32_t>(std::atoi(words[2].c_str())) : 3;
+
+  const std::unique_ptr<Device> device = MakeSystemDevice(options);
+  SystemSeed seeds;
+  SteadyClock clock;
+  CountedEvents events;
+  SecureDelete engine(*device, seeds, clock, events,
+                      [](const std::string&, const std::string&) { return true; });
+  const auto started = std::chrono::steady_clock::now();
+  bool done = false;
+  if (words[0] == "file") done = engine.WipeFile(words[1], level);
+  if (words[0] == "folder") done = engine.WipeFolder(words[1], level);
+  if (words[0] == "files") done = engine.WipeFolderFiles(words[1], "*.*", true, level);
+  const double seconds = Seconds(started);
+  if (!done) {
+    std::fprintf(stderr, "failed: %s\n", engine.LastErrorText().c_str());
+    return 1;
+  }
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  if (!quiet) {
+    std::printf("%.3f s, %.1f MiB, %zu items, %zu progress events\n", seconds,
+                static_cast<double>(usage.ru_maxrss) / 1024, events.wiped, events.progress);
+  }
+  return 0;
+}

@@ -1,0 +1,267 @@
+#!/usr/bin/env bash
+# zqwipe_test.sh ZQWIPE FOLDER: the program itself, from its command line to its exit code. All that it is
+# given to destroy lies in a new folder inside FOLDER.
+set -uo pipefail
+export LC_ALL=C.UTF-8
+
+(($# == 2)) || { sed -n '2,3s/^# //p' "$0" >&2; exit 2; }
+program=$(realpath -e -- "$1") || exit 2
+scratch=$(mktemp -d -- "$(realpath -e -- "$2")/zqwipe.XXXXXX") || exit 2
+trap 'chmod -R u+rwx -- "$scratch"; rm -rf -- "$scratch"' EXIT
+# The only home that is the user's own here.
+export HOME=$scratch/home
+mkdir -- "$HOME" "$scratch/desk"
+
+failures=0
+fail() {
+  echo "zqwipe_test: $test: $*" >&2
+  failures=$((failures + 1))
+}
+
+# guard ARGUMENT...: ends the test if it would leave the scratch folder.
+guard() {
+  local argument
+  [[ $PWD/ == "$scratch"/* ]] || { echo "zqwipe_test: outside the scratch folder" >&2; exit 2; }
+  for argument in "$@"; do
+    [[ $argument != /* || $argument/ == "$scratch"/* ]] || { echo "zqwipe_test: $argument is outside" >&2; exit 2; }
+    [[ $argument != *../../* ]] || { echo "zqwipe_test: $argument leads outside" >&2; exit 2; }
+  done
+}
+
+# zq CODE ARGUMENT...: runs zqwipe without a terminal; its output goes to $out and $err.
+zq() {
+  local wanted=$1 code=0
+  shift
+  guard "$@"
+  "$program" "$@" </dev/null >"$scratch/out" 2>"$scratch/err" || code=$?
+  out=$(cat -- "$scratch/out")
+  err=$(cat -- "$scratch/err")
+  ((code == wanted)) || fail "exit code $code, not $wanted, of: $* ($err)"
+}
+
+# on_terminal CODE INPUT COMMAND: runs the command line on a terminal; what it shows goes to $out.
+on_terminal() {
+  local wanted=$1 input=$2 code=0
+  guard
+  out=$(printf '%s' "$input" | script --quiet --return --command "$3" /dev/null) || code=$?
+  ((code == wanted)) || fail "exit code $code, not $wanted, of: $3 ($out)"
+}
+
+gone() { local path; for path in "$@"; do [[ ! -e $path && ! -L $path ]] || fail "$path is still there"; done; }
+there() { local path; for path in "$@"; do [[ -e $path || -L $path ]] || fail "$path is gone"; done; }
+says() { [[ $1 == *"$2"* ]] || fail "'$2' is missing in: $1"; }
+is() { [[ $1 == "$2" ]] || fail "it is '$1', not '$2'"; }
+
+# json EXPRESSION: of the object in $scratch/out, which must be nothing but one, as Python sees it.
+json() {
+  python3 -c '
+import json, sys
+with open(sys.argv[1], encoding="utf-8", errors="strict") as file:
+    o = json.load(file)
+items = {item["path"]: item for item in o["items"]}
+print(eval(sys.argv[2]))' "$scratch/out" "$1" 2>&1
+}
+
+# begin NAME: a new test in a folder of its own.
+begin() {
+  test=$1
+  cd -- "$scratch/desk" || exit 2
+  chmod -R u+rwx -- .
+  find . -mindepth 1 -delete
+}
+
+begin "wipes files and tells so"
+echo one >a; echo two >b; echo three >c
+zq 0 --yes a b
+gone a b; there c
+is "$out" "Wiped: 2 files (8 bytes). Kept: nothing."
+is "$err" ""
+zq 0 --yes --quiet --level 7 c
+is "$out$err" ""
+gone c
+is "$(ls -A)" ""
+
+begin "needs an answer or --yes"
+echo one >a
+zq 2 a
+there a
+says "$err" "--yes"
+is "$out" ""
+on_terminal 3 $'no\n' "'$program' a"
+there a
+on_terminal 3 $'y\n' "'$program' a"
+there a
+on_terminal 3 $'\n' "'$program' a"
+there a
+on_terminal 0 $'yes\n' "'$program' a"
+says "$out" "1 file (4 bytes)"
+says "$out" "Type yes to destroy them:"
+gone a
+
+begin "wipes folders only when told to"
+mkdir -p d/e; echo 1 >d/one; echo 2 >d/e/two; ln -s ../a d/link; echo keep >a
+zq 2 --yes d
+zq 2 --yes a d
+there a d/one d/e/two
+zq 0 --yes --recursive d
+gone d; there a
+is "$(cat a)" keep
+
+begin "wipes matching files and leaves folders"
+mkdir -p d/e; touch d/x.tmp d/y.txt d/e/z.tmp 'd/[q].tmp'
+zq 0 --yes --mask '[[]q*' d
+gone 'd/[q].tmp'; there d/x.tmp
+zq 0 --yes --mask '*.tmp' d
+gone d/x.tmp; there d/y.txt d/e/z.tmp
+zq 0 --yes --mask '*.tmp' --recursive d
+gone d/e/z.tmp; there d/y.txt d/e
+zq 0 --yes --mask '*.none' d
+there d/y.txt
+
+begin "a dry run destroys nothing"
+mkdir d; echo 1 >d/one; echo 2 >two
+zq 0 --dry-run --recursive d two
+is "$out" $'d/one\nd\ntwo'
+there d/one two
+zq 0 --dry-run --json --recursive --yes d two
+is "$(json 'o["dryRun"], o["totals"]["wiped"], o["totals"]["kept"], items["two"]["outcome"]')" "(True, 0, 3, 'kept')"
+there d/one two
+
+begin "wipes once what is named twice"
+mkdir -p d/e; echo 1 >d/one; echo 2 >d/e/two; echo 3 >three
+zq 0 --yes --json --recursive three ./three "$PWD/three" d d/e d/one
+is "$(json 'o["totals"]["wiped"], len(o["items"])')" "(5, 5)"
+gone d three
+
+begin "goes on after what it can't wipe"
+echo 1 >a; echo 2 >b; ln -s a link; mkfifo pipe
+zq 1 --yes --json a missing link pipe b
+gone a b; there link pipe
+is "$(json 'items["a"]["outcome"], items["missing"]["outcome"], items["link"]["outcome"], items["pipe"]["outcome"]')" \
+  "('wiped', 'kept', 'kept', 'kept')"
+is "$(json 'all(("reason" in i) == (i["outcome"] == "kept") for i in o["items"]), o["exitCode"]')" "(True, 1)"
+says "$err" "kept link: it is a link"
+zq 1 --yes missing
+says "$err" "kept missing: "
+
+begin "prints valid JSON for every name"
+names=($'new\nline' $'quote"back\\slash' $'bad\xff\xfeutf8' $'control\x01\x1b' 'ünïcode' '[a,b]' ' ' '++' '{}')
+for name in "${names[@]}"; do echo x >"$name"; done
+zq 0 --yes --json -- "${names[@]}"
+is "$(json 'len(items), o["totals"]["wiped"]')" "(9, 9)"
+is "$(json '"new\nline" in items and "quote\"back\\slash" in items and "ünïcode" in items and "bad\ufffd\ufffdutf8" in items')" True
+is "$(ls -A)" ""
+
+begin "takes names that begin with dashes after --"
+touch -- -x --yes --
+zq 2 -x
+zq 0 --yes -- -x --yes --
+is "$(ls -A)" ""
+
+begin "shows names harmlessly"
+touch $'a\nb\x1b[2J'
+zq 0 --dry-run $'a\nb\x1b[2J'
+is "$out" 'a\nb\x1B[2J'
+
+begin "writes a report, but over nothing"
+echo 1 >a; echo 2 >b; echo old >taken; mkdir d; echo 3 >d/c
+zq 2 --yes --report taken a
+there a; is "$(cat taken)" old
+zq 2 --yes --report missing/r a
+zq 2 --yes --recursive --report d/r d
+there a d/c
+gone d/r
+zq 1 --yes --report r.txt a missing b
+gone a b
+says "$(cat r.txt)" $'\nwiped  a\n'
+says "$(cat r.txt)" $'\nkept   missing: '
+says "$(cat r.txt)" "Wiped: 2 files (4 bytes). Kept: 1 other."
+is "$(stat -c %a r.txt)" 600
+
+begin "refuses what would be too much"
+mkdir -p d/e "$HOME/letters"; echo 1 >d/e/f; echo 2 >"$HOME/letters/l"
+for path in . .. ./ d/.. d/e/. "$PWD" "$scratch" "$HOME" ../home ../home/letters/..; do
+  zq 2 --yes --recursive "$path"
+  says "$err" "nothing was destroyed"
+  zq 2 --yes --mask '*' "$path"
+done
+zq 2 --yes --recursive --json d/e "$HOME"
+is "$(json 'o["exitCode"], len(o["refused"]), o["totals"]["wiped"]')" "(2, 2, 0)"
+there d/e/f "$HOME/letters/l"
+# The same by way of a link to the folder above.
+ln -s "$scratch" "$scratch/desk/up"
+zq 2 --yes --recursive up/home
+zq 2 --yes --recursive up/desk
+there d/e/f "$HOME/letters/l"
+zq 0 --yes --recursive "$HOME/letters"
+there "$HOME"
+cd d/e || exit 2
+zq 2 --yes --recursive "$scratch/desk/d"
+zq 2 --yes --recursive ../e
+there f
+
+begin "refuses the folder that it runs from"
+mkdir bin; cp -- "$program" bin/zqwipe
+installed=$program
+program=$PWD/bin/zqwipe
+zq 2 --yes --recursive bin
+zq 2 --yes bin/zqwipe
+there bin/zqwipe
+program=$installed
+
+begin "refuses what it does not understand"
+echo 1 >a
+zq 2
+zq 2 --level 4 --yes a
+zq 2 --recusrive --yes a
+zq 2 --yes a ""
+zq 2 --yes --mask "" a
+there a
+zq 0 --help
+says "$out" "--recursive"
+zq 0 --version
+
+begin "shows progress on a terminal alone"
+head -c 20000000 /dev/zero >big
+cp big big2; cp big big3
+zq 0 --yes big
+[[ $out$err != *%* ]] || fail "progress without a terminal"
+on_terminal 0 "" "'$program' --yes big2"
+says "$out" "%  big2"
+on_terminal 0 "" "'$program' --yes --quiet big3"
+[[ $out != *%* ]] || fail "progress although --quiet"
+
+# Ctrl+C: how long until the program has ended, and whether it tells the truth.
+begin "stops within a quarter of a second"
+for signal in INT TERM; do
+  rm -f -- big small
+  head -c 268435456 /dev/zero >big
+  echo 1 >small
+  sync -- big
+  guard
+  # A script's background jobs ignore the interrupt, and zqwipe leaves it so.
+  env --default-signal=INT "$program" --yes --json --level 7 big small >"$scratch/out" 2>"$scratch/err" &
+  pid=$!
+  # Under way when the first bytes are no zeros any more.
+  for ((i = 0; i < 500; ++i)); do
+    [[ $(od -An -tx1 -N4 big) == " 00 00 00 00" ]] || break
+    sleep 0.01
+  done
+  ((i < 500)) || fail "the wipe did not begin"
+  sleep 0.2
+  start=${EPOCHREALTIME/./}
+  kill -s "$signal" "$pid"
+  code=0
+  wait "$pid" || code=$?
+  took=$((${EPOCHREALTIME/./} - start))
+  echo "stopped by SIG$signal after $((took / 1000)) ms"
+  ((took < 250000)) || fail "SIG$signal took $took microseconds"
+  ((code == 3)) || fail "exit code $code, not 3, after SIG$signal"
+  there big small
+  is "$(stat -c %s big)" 268435456
+  is "$(json 'o["cancelled"], o["exitCode"], items["big"]["outcome"], items["small"]["reason"]')" \
+    "(True, 3, 'kept', 'cancelled before its turn')"
+  says "$(json 'items["big"]["reason"]')" "may be partly overwritten"
+done
+
+((failures == 0)) || { echo "$failures checks have failed" >&2; exit 1; }

@@ -1,0 +1,156 @@
+#!/usr/bin/env bash
+# Cases of safety_test.sh: what others do to the files while the wipe is at them.
+# shellcheck disable=SC2034,SC2154  # the variables are safety_test.sh's
+
+case_grows_during_the_wipe() {
+  mkdir "$top"
+  put "$top/file" 50000
+  new_mark
+  secret[grown]=$mark
+  text 300000 >"$work/more"
+  wipe --at file "cat '$work/more' >>'$top/file'; sync -f '$mnt'" "$top"
+  if [[ -e $top/file ]]; then
+    refused .
+    lost "$top/file"
+    lost grown
+  fi
+}
+
+case_shrinks_during_the_wipe() {
+  mkdir "$top"
+  put "$top/file" 500000
+  wipe --at file "truncate -s 1000 '$top/file'; sync -f '$mnt'" "$top"
+  # The blocks it gave back were never ours to overwrite; that it isn't called success is what counts.
+  ((status == 1)) || [[ $(image_content "${secret[$top/file]}") == 0 ]] ||
+    fault "success is reported, and content is in blocks that the file gave back"
+  lost "$top/file"
+}
+
+case_vanishes_during_the_wipe() {
+  mkdir "$top"
+  put "$top/file" 50000
+  put "$top/other" 50000
+  wipe --at file "rm '$top/file'" "$top"
+  gone "$top/file" "$top/other"
+}
+
+# Gone by somebody else's hand before the wipe came to it, so it was never overwritten.
+case_vanishes_before_its_turn() {
+  mkdir -p "$top"
+  put "$top/0" 5000
+  mkdir "$top/later"
+  put "$top/later/file" 5000
+  wipe --at 0 "rm -f '$top/later/file'" "$top"
+  ((status == 1)) || lost "$top/later/file"
+  gone "$top/0" "$top/later/file"
+  lost "$top/later/file"
+}
+
+case_replaced_during_the_wipe() {
+  mkdir "$top"
+  put "$top/file" 50000
+  put "$mnt/another" 40000
+  sum[$top/file]=${sum[$mnt/another]}
+  wipe --at file "mv '$top/file' '$mnt/moved' && mv '$mnt/another' '$top/file'" "$top"
+  refused .
+  kept "$top/file"  # the other one
+  lost "$mnt/another"
+  [[ -e $mnt/moved ]] || fault "what was moved away during the wipe is gone"
+}
+
+case_replaced_by_a_link_during_the_wipe() {
+  mkdir "$top"
+  put "$top/file" 50000
+  put "$mnt/precious" 40000
+  wipe --at file "rm '$top/file' && ln -s '$mnt/precious' '$top/file'" "$top"
+  refused .
+  kept "$mnt/precious"
+}
+
+case_folder_replaced_by_a_link_during_the_wipe() {
+  mkdir -p "$top/sub/deep" "$mnt/precious/deep"
+  put "$top/0"
+  put "$top/sub/deep/file"
+  put "$mnt/precious/deep/file"
+  # In which order the folder is gone through is chance, and then there may be nothing to move.
+  wipe --at 0 "mv '$top/sub' '$mnt/moved' 2>/dev/null && ln -s '$mnt/precious' '$top/sub'; true" "$top"
+  kept "$mnt/precious/deep/file"
+  if [[ -e $mnt/moved/deep/file ]]; then
+    ((status == 1)) || fault "success is reported, and a file of the tree has not been wiped"
+    lost "$top/sub/deep/file"
+  fi
+}
+
+case_written_to_during_the_wipe() {
+  mkdir -p "$top/sub"
+  put "$top/a" 5000
+  put "$top/sub/b" 5000
+  new_mark
+  text 50000 >"$work/more"
+  secret[new]=$mark
+  wipe --at b "cp '$work/more' '$top/new1'; cp '$work/more' '$top/sub/new2'; mkdir '$top/sub/d'; cp '$work/more' '$top/sub/d/new3'" "$top"
+  if ((status == 1)); then
+    [[ -e $top ]] || fault "a folder that stays has lost its name, and nobody is told the new one: $output"
+    for path in "$top/new1" "$top/sub/new2" "$top/sub/d/new3"; do
+      if [[ -e $path ]]; then cmp -s "$path" "$work/more" || fault "$path was changed but not wiped"; fi
+    done
+    # What is there may be in a folder that has got another name.
+    ! grep -rqaF -- "$mark" "$mnt" || lost new
+  fi
+}
+
+case_written_to_all_the_time() {
+  local i writer
+  mkdir -p "$top"
+  for ((i = 0; i < 40; i++)); do put "$top/f$i" 9000; done
+  # A file of a fixed name, so that it may also come and go within the wipe.
+  (
+    for ((i = 0; ; i++)); do echo new >"$top/w$((i % 50))" || exit 0; done
+  ) 2>/dev/null &
+  writer=$!
+  wipe "$top"
+  kill "$writer" 2>/dev/null || true
+  wait "$writer" 2>/dev/null || true
+  for ((i = 0; i < 40; i++)); do gone "$top/f$i"; done
+  if ((status == 0)); then gone "$top"; fi
+}
+
+case_open_elsewhere() {
+  local handle
+  mkdir "$top"
+  put "$top/file"
+  exec {handle}<"$top/file"
+  wipe "$top"
+  wiped "$top"
+  ! grep -qa "${secret[$top/file]}" <&"$handle" || fault "whoever has it open still reads the content"
+  exec {handle}<&-
+}
+
+case_running_program() {
+  mkdir "$top"
+  cp -- "$(command -v sleep)" "$top/program"
+  sum[$top/program]=$(sha256sum <"$top/program")
+  put "$top/file"
+  "$top/program" 60 &
+  wipe "$top"
+  refused 'Text file busy'
+  kill $!
+  wait $! 2>/dev/null || true
+  kept "$top/program"
+  gone "$top/file"
+}
+
+case_killed() {
+  local i
+  mkdir "$top"
+  for ((i = 0; i < 20; i++)); do put "$top/f$i" 30000; done
+  sync -f "$mnt"
+  status=0
+  # A shell of its own, or ours would announce the death.
+  ("$work/wipe_tool" --at f7 'kill -9 $PPID' "$top" || exit $?) >/dev/null 2>&1 || status=$?
+  ((status == 137)) || fault "it was not killed, and ended with $status"
+  # Whatever is gone was overwritten; the others are there, whole or not.
+  for ((i = 0; i < 20; i++)); do
+    [[ ! -e $top/f$i ]] || lost "$top/f$i"
+  done
+}

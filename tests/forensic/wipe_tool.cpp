@@ -1,0 +1,103 @@
+// Wipes what is named on the command line, for tests of the engine on real file systems.
+//   wipe_tool [--level L] [--at NAME COMMAND] PATH...
+// --at runs COMMAND by the system's shell when the wipe of the item called NAME has just started: once it
+// is open and before its first pass. Exit code 0 if everything named is gone, else 1; every event but
+// progress is a line of the output.
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "engine/SecureDelete.h"
+
+namespace zq::engine {
+namespace {
+
+class PrintedEvents final : public EngineEvents {
+ public:
+  PrintedEvents(std::string itemName, std::string command)
+      : itemName_(std::move(itemName)), command_(std::move(command)) {}
+
+  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const std::string& itemName) override {
+    if (ran_ || command_.empty() || itemName != itemName_) return;
+    ran_ = true;
+    std::fflush(stdout);
+    if (std::system(command_.c_str()) != 0) {
+      std::printf("the command failed\n");
+      std::exit(3);
+    }
+  }
+  void WipeError(std::int32_t code, const std::string& text) override {
+    std::printf("error %d %s\n", code, text.c_str());
+  }
+  void ItemWiped(const std::string& itemName) override { std::printf("wiped %s\n", itemName.c_str()); }
+  void FreeSpaceProgress(const std::string&, std::int32_t, std::int32_t, std::int32_t) override {}
+
+  bool CommandIsDue() const { return !command_.empty() && !ran_; }
+
+ private:
+  const std::string itemName_;
+  const std::string command_;
+  bool ran_ = false;
+};
+
+int Run(const std::vector<std::string>& arguments) {
+  std::int32_t level = 3;
+  std::string itemName;
+  std::string command;
+  std::size_t next = 0;
+  while (next < arguments.size() && arguments[next].rfind("--", 0) == 0) {
+    const std::string& option = arguments[next];
+    if (option == "--level" && next + 1 < arguments.size()) {
+      level = std::atoi(arguments[next + 1].c_str());
+      next += 2;
+    } else if (option == "--at" && next + 2 < arguments.size()) {
+      itemName = arguments[next + 1];
+      command = arguments[next + 2];
+      next += 3;
+    } else {
+      std::fprintf(stderr, "wipe_tool: %s?\n", option.c_str());
+      return 2;
+    }
+  }
+  if (next == arguments.size()) {
+    std::fprintf(stderr, "wipe_tool: nothing to wipe\n");
+    return 2;
+  }
+
+  SteadyClock clock;
+  SystemSeed seeds;
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  PrintedEvents events(itemName, command);
+  SecureDelete engine(*device, seeds, clock, events,
+                      [](const std::string&, const std::string&) { return false; });
+  int result = 0;
+  for (; next < arguments.size(); ++next) {
+    const std::string& path = arguments[next];
+    struct stat facts {};
+    const bool isFolder = ::stat(path.c_str(), &facts) == 0 && S_ISDIR(facts.st_mode);
+    if (!(isFolder ? engine.WipeFolder(path, level) : engine.WipeFile(path, level))) {
+      std::printf("failed: %s\n", engine.LastErrorText().c_str());
+      result = 1;
+    }
+  }
+  // A test whose intervention never happened would prove nothing.
+  if (events.CommandIsDue()) {
+    std::fprintf(stderr, "wipe_tool: %s was never started\n", itemName.c_str());
+    return 3;
+  }
+  return result;
+}
+
+}  // namespace
+}  // namespace zq::engine
+
+int main(int argc, char** argv) {
+  // Otherwise lines of the command would come before those that were printed earlier.
+  std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
+  return zq::engine::Run({argv + 1, argv + argc});
+}

@@ -1,0 +1,204 @@
+#include "support/driver/Drop.h"
+
+#include <windows.h>
+#include <ole2.h>
+#include <shlobj.h>
+
+#include <atomic>
+#include <cstring>
+#include <exception>
+#include <thread>
+
+#include "support/driver/Text.h"
+
+namespace zq::test {
+namespace {
+
+// The bytes of the shell's file list: a DROPFILES, then the paths, each with a zero, and one zero more.
+std::vector<char> FileList(const std::vector<std::string>& paths, POINT point) {
+  std::wstring names;
+  for (const std::string& path : paths) names += ToWide(path) + L'\0';
+  names += L'\0';
+  DROPFILES head{};
+  head.pFiles = sizeof head;
+  head.pt = point;
+  head.fWide = TRUE;
+  std::vector<char> bytes(sizeof head + names.size() * sizeof(wchar_t));
+  std::memcpy(bytes.data(), &head, sizeof head);
+  std::memcpy(bytes.data() + sizeof head, names.data(), names.size() * sizeof(wchar_t));
+  return bytes;
+}
+
+// Counts references; the objects here live on the stack of the drag and outlive all of them.
+template <typename Interface>
+class OnStack : public Interface {
+ public:
+  virtual ~OnStack() = default;
+  ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++references_); }
+  ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--references_); }
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+    if (!::IsEqualIID(id, IID_IUnknown) && !::IsEqualIID(id, __uuidof(Interface))) {
+      *object = nullptr;
+      return E_NOINTERFACE;
+    }
+    *object = static_cast<Interface*>(this);
+    AddRef();
+    return S_OK;
+  }
+
+ private:
+  std::atomic<LONG> references_{1};
+};
+
+class FileData final : public OnStack<IDataObject> {
+ public:
+  explicit FileData(std::vector<char> bytes) : bytes_(std::move(bytes)) {}
+
+  HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) override {
+    if (QueryGetData(format) != S_OK) return DV_E_FORMATETC;
+    HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, bytes_.size());
+    std::memcpy(::GlobalLock(memory), bytes_.data(), bytes_.size());
+    ::GlobalUnlock(memory);
+    medium->tymed = TYMED_HGLOBAL;
+    medium->hGlobal = memory;
+    medium->pUnkForRelease = nullptr;
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE QueryGetData(FORMATETC* format) override {
+    return format->cfFormat == CF_HDROP && (format->tymed & TYMED_HGLOBAL) != 0 ? S_OK : DV_E_FORMATETC;
+  }
+  HRESULT STDMETHODCALLTYPE EnumFormatEtc(DWORD direction, IEnumFORMATETC** formats) override {
+    if (direction != DATADIR_GET) return E_NOTIMPL;
+    FORMATETC format{CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
+    return ::SHCreateStdEnumFmtEtc(1, &format, formats);
+  }
+  HRESULT STDMETHODCALLTYPE GetDataHere(FORMATETC*, STGMEDIUM*) override { return DV_E_FORMATETC; }
+  HRESULT STDMETHODCALLTYPE GetCanonicalFormatEtc(FORMATETC*, FORMATETC* out) override {
+    out->ptd = nullptr;
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE SetData(FORMATETC*, STGMEDIUM*, BOOL) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE DAdvise(FORMATETC*, DWORD, IAdviseSink*, DWORD*) override {
+    return OLE_E_ADVISENOTSUPPORTED;
+  }
+  HRESULT STDMETHODCALLTYPE DUnadvise(DWORD) override { return OLE_E_ADVISENOTSUPPORTED; }
+  HRESULT STDMETHODCALLTYPE EnumDAdvise(IEnumSTATDATA**) override { return OLE_E_ADVISENOTSUPPORTED; }
+
+ private:
+  std::vector<char> bytes_;
+};
+
+// What the drag has come to, as its source is told; read by the thread that moves the mouse.
+class Source final : public OnStack<IDropSource> {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryContinueDrag(BOOL escape, DWORD keys) override {
+    ++asked;
+    if (escape || giveUp) return DRAGDROP_S_CANCEL;
+    return (keys & MK_LBUTTON) == 0 ? DRAGDROP_S_DROP : S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE GiveFeedback(DWORD newEffect) override {
+    effect = newEffect;
+    return DRAGDROP_S_USEDEFAULTCURSORS;
+  }
+
+  std::atomic<int> asked{0};
+  std::atomic<DWORD> effect{DROPEFFECT_NONE};
+  std::atomic<bool> giveUp{false};
+};
+
+void Mouse(DWORD flags) {
+  INPUT input{};
+  input.type = INPUT_MOUSE;
+  input.mi.dwFlags = flags;
+  ::SendInput(1, &input, sizeof input);
+}
+
+// Carries the dragged files to the point and lets go, as told by what the source hears.
+void Carry(POINT from, POINT to, Source& source) {
+  Await("the drag to begin", [&] { return source.asked > 0; });
+  constexpr int kSteps = 6;
+  for (int step = 1; step <= kSteps; ++step) {
+    const int before = source.asked;
+    StepMouseTo({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
+    Await("the drag to go on", [&] { return source.asked > before; });
+  }
+  // The target's answer to the last step; one that takes nothing stays at none. The pointer trembles
+  // meanwhile, since an answer is asked for at a move alone.
+  int tremble = 0;
+  WaitFor(
+      [&] {
+        StepMouseTo({to.x + (++tremble & 1), to.y});
+        return source.effect != DROPEFFECT_NONE;
+      },
+      Limit(1000));
+  Mouse(MOUSEEVENTF_LEFTUP);
+}
+
+}  // namespace
+
+void PostDroppedFiles(Window target, const std::vector<std::string>& paths, POINT client) {
+  const std::vector<char> bytes = FileList(paths, client);
+  HANDLE process = ::OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, target.ProcessId());
+  // It belongs to the target from now on, which frees it or ends.
+  void* memory = process == nullptr ? nullptr
+                                    : ::VirtualAllocEx(process, nullptr, bytes.size(),
+                                                       MEM_COMMIT | MEM_RESERVE, PAGE_READWRITE);
+  const bool written =
+      memory != nullptr && ::WriteProcessMemory(process, memory, bytes.data(), bytes.size(), nullptr) != 0;
+  if (process != nullptr) ::CloseHandle(process);
+  if (!written) throw DriverError("no memory in the process of " + target.Describe());
+  target.Post(WM_DROPFILES, reinterpret_cast<WPARAM>(memory));
+}
+
+DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths) {
+  if (FAILED(::OleInitialize(nullptr))) throw DriverError("no OLE for a drag");
+  // A small window in the corner that is farther from the target, in front of all others.
+  const int left = screen.x < 100 && screen.y < 100 ? ::GetSystemMetrics(SM_CXSCREEN) - 60 : 0;
+  HWND window = ::CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, L"STATIC", L"drag source",
+                                  WS_POPUP | WS_VISIBLE | SS_NOTIFY, left, 0, 60, 60, nullptr, nullptr,
+                                  nullptr, nullptr);
+  const POINT from{left + 30, 30};
+  MoveMouseTo(from);
+  Mouse(MOUSEEVENTF_LEFTDOWN);
+  bool down = false;
+  WaitFor(
+      [&] {
+        MSG message;
+        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+          if (message.message == WM_LBUTTONDOWN && message.hwnd == window) down = true;
+          ::DispatchMessageW(&message);
+        }
+        return down;
+      },
+      Limit(5000));
+
+  FileData data(FileList(paths, screen));
+  Source source;
+  DWORD effect = DROPEFFECT_NONE;
+  HRESULT result = E_FAIL;
+  std::exception_ptr failure;
+  if (down) {
+    std::thread carrier([&] {
+      try {
+        Carry(from, screen, source);
+      } catch (...) {
+        failure = std::current_exception();
+        source.giveUp = true;
+        StepMouseTo(from);
+        Mouse(MOUSEEVENTF_LEFTUP);
+      }
+    });
+    result = ::DoDragDrop(&data, &source, DROPEFFECT_COPY | DROPEFFECT_MOVE | DROPEFFECT_LINK, &effect);
+    carrier.join();
+  } else {
+    Mouse(MOUSEEVENTF_LEFTUP);
+  }
+  ::DestroyWindow(window);
+  ::OleUninitialize();
+  if (failure) std::rethrow_exception(failure);
+  if (!down) throw DriverError("the mouse does not reach the window to drag from");
+  if (FAILED(result)) throw DriverError("the drag ended with " + std::to_string(result));
+  return result == DRAGDROP_S_DROP ? effect : static_cast<DWORD>(DROPEFFECT_NONE);
+}
+
+}  // namespace zq::test

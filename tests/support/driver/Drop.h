@@ -1,0 +1,23 @@
+// Files dropped onto a window of another process.
+#pragma once
+
+#include <windows.h>
+#include <oleidl.h>
+
+#include <string>
+#include <vector>
+
+#include "support/driver/Window.h"
+
+namespace zq::test {
+
+// Posts WM_DROPFILES, as the shell does to a window that accepts files. The place is in the
+// window's own coordinates.
+void PostDroppedFiles(Window target, const std::vector<std::string>& paths, POINT client = {4, 4});
+
+// Drags the paths as a shell's file list (CF_HDROP) from a window of our own with the real mouse,
+// onto a point of the screen. Gives the effect that the target chose, DROPEFFECT_NONE when it took
+// nothing. Throws a DriverError when the drag doesn't get on its way.
+DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths);
+
+}  // namespace zq::test

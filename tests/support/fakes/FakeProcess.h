@@ -1,0 +1,34 @@
+// FakeProcess: a process whose facts the test sets, and whose messages the test handles.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/Process.h"
+#include "support/fakes/EventLog.h"
+
+namespace zq::test {
+
+class FakeProcess final : public Process {
+ public:
+  explicit FakeProcess(EventLog& log) : log_(log) {}
+
+  bool earlierInstanceRuns = false;
+  std::string applicationPath = "C:\\Zeroquill";
+  std::string commandLine;
+  std::function<void()> onPump;  // what the waiting messages do
+
+  bool EarlierInstanceRuns() override { return earlierInstanceRuns; }
+  std::string ApplicationPath() override { return applicationPath; }
+  std::string CommandLine() override { return commandLine; }
+  void PumpMessages() override {
+    log_.push_back("pump");
+    if (onPump) onPump();
+  }
+  void End() override { log_.push_back("end"); }
+
+ private:
+  EventLog& log_;
+};
+
+}  // namespace zq::test

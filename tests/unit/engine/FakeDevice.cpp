@@ -1,0 +1,575 @@
+#include "unit/engine/FakeDevice.h"
+
+#include <algorithm>
+
+namespace zq::engine::test {
+namespace {
+
+// With all that a text of a system can bring: quotes and line breaks.
+Status Broken() {
+  return {Trouble::Other, 1117, "The \"device\" has failed.\r\n"};
+}
+Status NotFound() {
+  return {Trouble::NotFound, 2, "The file is not there."};
+}
+Status Taken() {
+  return {Trouble::Exists, 183, "The name is taken."};
+}
+Status Full() {
+  return {Trouble::NoSpace, 112, "The disk is full."};
+}
+
+std::vector<std::string> PartsOf(const std::string& path) {
+  std::vector<std::string> parts;
+  std::string part;
+  for (const char c : path + '/') {
+    if (c != '/') {
+      part += c;
+    } else if (!part.empty()) {
+      parts.push_back(std::move(part));
+      part.clear();
+    }
+  }
+  return parts;
+}
+
+}  // namespace
+
+Status FakeSeeds::Fill(std::span<std::byte> seed) {
+  ++calls;
+  if (calls == failAtCall) return Broken();
+  for (std::size_t i = 0; i < seed.size(); ++i) {
+    seed[i] = static_cast<std::byte>(i < 4 ? calls >> (8 * static_cast<int>(i)) : 7);
+  }
+  return {};
+}
+
+class FakeFile final : public File {
+ public:
+  FakeFile(FakeDevice& device, std::shared_ptr<Node> node,
+           std::map<std::string, std::shared_ptr<Node>>& siblings, std::string folderPath, std::string name,
+           bool direct, bool isStream)
+      : device_(device),
+        node_(std::move(node)),
+        siblings_(siblings),
+        folderPath_(std::move(folderPath)),
+        name_(std::move(name)),
+        direct_(direct),
+        isStream_(isStream) {
+    ++device_.openHandles;
+  }
+  ~FakeFile() override {
+    if (device_.underWay_.count(this) != 0) device_.violations.push_back("closed in a transfer: " + Path());
+    --device_.openHandles;
+  }
+
+  Status Info(FileInfo& info) override {
+    if (Status status = device_.Begin("info", Path()); !status.Ok()) return status;
+    info.lengthBytes = node_->written.size();
+    info.allocatedBytes = node_->allocatedBytes;
+    info.clusterBytes = device_.clusterBytes;
+    info.inRecord =
+        device_.recordBytes > 0 && !node_->written.empty() && node_->written.size() <= device_.recordBytes;
+    info.notInPlace = node_->notInPlace;
+    return {};
+  }
+
+  std::size_t Alignment() const override { return direct_ ? device_.sectorBytes : 1; }
+
+  Status Write(std::uint64_t offset, std::span<const std::byte> data, std::size_t& written) override {
+    written = 0;
+    CheckAlignment(offset, data.data(), data.size());
+    if (Status status = device_.Begin("write", Path(), offset, data.size()); !status.Ok()) return status;
+    std::size_t size = data.size();
+    if (device_.HitBy(FakeDevice::Fault::ShortWrite)) {
+      device_.faultHappened = true;
+      size = size / 2 / device_.sectorBytes * device_.sectorBytes;
+    }
+    // Some systems write what fits when not all does, others nothing.
+    const std::size_t room = RoomFor(offset, size);
+    if (room < size) size = device_.writesWhatFits ? room : 0;
+    if (direct_ && !node_->original.empty() && node_->original.size() <= device_.recordBytes) {
+      device_.violations.push_back("moved out of its record: " + Path());
+    }
+    if (size == 0 && !data.empty() && !device_.HitBy(FakeDevice::Fault::ShortWrite)) {
+      device_.ops.back().ok = false;
+      return Full();
+    }
+    const std::string bytes(reinterpret_cast<const char*>(data.data()), size);
+    device_.ops.back().size = size;
+    device_.ops.back().data = bytes;
+    if (node_->written.size() < offset + size) node_->written.resize(offset + size);
+    node_->written.replace(offset, size, bytes);
+    if (device_.HitBy(FakeDevice::Fault::LoseWrite)) {
+      device_.faultHappened = true;
+    } else {
+      node_->dirty.push_back({offset, bytes});
+    }
+    if (direct_) device_.Pass(size);
+    written = size;
+    return {};
+  }
+
+  Status Flush() override {
+    if (device_.underWay_.count(this) != 0) device_.violations.push_back("flushed in a transfer: " + Path());
+    if (Status status = device_.Begin("flush", Path()); !status.Ok()) return status;
+    Store();
+    return {};
+  }
+
+  Status DropCache() override {
+    if (Status status = device_.Begin("drop cache", Path()); !status.Ok()) return status;
+    dropped_ = true;
+    return {};
+  }
+
+  Status Read(std::uint64_t offset, std::span<std::byte> data, std::size_t& got) override {
+    got = 0;
+    CheckAlignment(offset, data.data(), data.size());
+    if (Status status = device_.Begin("read", Path(), offset, data.size()); !status.Ok()) return status;
+    const std::string& source = direct_ || dropped_ ? node_->stored : node_->written;
+    if (offset < source.size()) {
+      got = std::min<std::size_t>(data.size(), source.size() - offset);
+      std::transform(source.begin() + static_cast<std::ptrdiff_t>(offset),
+                     source.begin() + static_cast<std::ptrdiff_t>(offset + got), data.begin(),
+                     [](char c) { return static_cast<std::byte>(c); });
+    }
+    device_.Pass(got);
+    return {};
+  }
+
+  Status ListStreams(std::vector<std::string>& names) override {
+    names.clear();
+    if (Status status = device_.Begin("list streams", Path()); !status.Ok()) return status;
+    for (const auto& [name, stream] : node_->streams) names.push_back(name);
+    return {};
+  }
+
+  Status OpenStream(const std::string& name, Access access, std::unique_ptr<File>& stream) override {
+    if (Status status = device_.Begin("open stream", Path() + ':' + name); !status.Ok()) return status;
+    const auto found = node_->streams.find(name);
+    if (found == node_->streams.end()) return NotFound();
+    stream = std::make_unique<FakeFile>(device_, found->second, node_->streams, Path(), name,
+                                        access == Access::Direct && device_.direct, true);
+    return {};
+  }
+
+  Status SetLength(std::uint64_t length) override {
+    if (Status status = device_.Begin("set length", Path(), length); !status.Ok()) return status;
+    device_.CheckOverwritten(*node_, Path(), "shortened");
+    node_->written.resize(length);
+    node_->stored.resize(length);
+    node_->writeCounts.resize(length);
+    node_->original.resize(std::min<std::size_t>(node_->original.size(), length));
+    node_->allocatedBytes = 0;
+    return {};
+  }
+
+  Status SetDates() override {
+    if (Status status = device_.Begin("set dates", Path()); !status.Ok()) return status;
+    node_->dated = true;
+    return {};
+  }
+
+  Status Rename(const std::string& newName) override {
+    if (Status status = device_.Begin("rename", Path() + " > " + newName); !status.Ok()) return status;
+    if (siblings_.count(newName) != 0) {
+      device_.ops.back().ok = false;
+      return Taken();
+    }
+    if (!IsOurs()) return Status::Refusal("another file has come under this name");
+    siblings_[newName] = siblings_[name_];
+    siblings_.erase(name_);
+    name_ = newName;
+    return {};
+  }
+
+  Status FlushEntry() override {
+    if (Status status = device_.Begin("flush entry", Path()); !status.Ok()) return status;
+    Store();
+    return {};
+  }
+
+  Status Remove() override {
+    if (Status status = device_.Begin("remove", Path()); !status.Ok()) return status;
+    if (!IsOurs()) return Status::Refusal("another file has come under this name");
+    device_.CheckOverwritten(*node_, Path(), "removed");
+    if (!isStream_ && !node_->streams.empty())
+      device_.violations.push_back("removed with a stream: " + Path());
+    siblings_.erase(name_);
+    return {};
+  }
+
+ private:
+  std::string Path() const {
+    return isStream_ ? folderPath_ + ':' + name_ : device_.Join(folderPath_, name_);
+  }
+  bool IsOurs() const {
+    const auto found = siblings_.find(name_);
+    return found != siblings_.end() && found->second == node_;
+  }
+
+  void CheckAlignment(std::uint64_t offset, const std::byte* data, std::size_t size) {
+    const std::size_t alignment = Alignment();
+    if (offset % alignment != 0 || size % alignment != 0 ||
+        reinterpret_cast<std::uintptr_t>(data) % alignment != 0) {
+      device_.violations.push_back("not aligned: " + Path());
+    }
+  }
+
+  // How much of a write the device has room for.
+  std::size_t RoomFor(std::uint64_t offset, std::size_t size) const {
+    if (device_.capacityBytes == 0) return size;
+    const std::uint64_t end = offset + size;
+    if (end <= node_->written.size()) return size;
+    if (node_->written.empty() && end <= device_.recordBytes && device_.recordSlots > 0) {
+      --device_.recordSlots;
+      return size;
+    }
+    const std::uint64_t own = device_.ClustersOf(*node_);
+    const std::uint64_t free = device_.capacityBytes - (device_.UsedBytes() - own);
+    const std::uint64_t most = free / device_.clusterBytes * device_.clusterBytes;
+    if (most <= offset) return 0;
+    return static_cast<std::size_t>(std::min<std::uint64_t>(size, most - offset));
+  }
+
+  void Store() {
+    // A byte that was written twice before a flush reached the medium once.
+    std::uint64_t dirtyBytes = 0;
+    std::vector<bool> reached;
+    for (const Node::Range& range : node_->dirty) {
+      const std::size_t end = range.offset + range.data.size();
+      if (node_->stored.size() < end) {
+        node_->stored.resize(end);
+        node_->writeCounts.resize(end);
+      }
+      node_->stored.replace(range.offset, range.data.size(), range.data);
+      dirtyBytes += range.data.size();
+      if (node_->original.empty()) continue;  // nobody asks
+      reached.resize(std::max(reached.size(), end));
+      std::fill(reached.begin() + static_cast<std::ptrdiff_t>(range.offset),
+                reached.begin() + static_cast<std::ptrdiff_t>(end), true);
+    }
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+      if (reached[i]) ++node_->writeCounts[i];
+    }
+    if (!direct_) device_.Pass(dirtyBytes);
+    device_.clock_.Advance(device_.flushLatency);
+    node_->dirty.clear();
+  }
+
+  FakeDevice& device_;
+  std::shared_ptr<Node> node_;
+  std::map<std::string, std::shared_ptr<Node>>& siblings_;
+  std::string folderPath_;
+  std::string name_;
+  bool direct_;
+  bool isStream_;
+  bool dropped_ = false;
+};
+
+class FakeFolder final : public Folder {
+ public:
+  FakeFolder(FakeDevice& device, std::shared_ptr<Node> node, std::string path)
+      : device_(device), node_(std::move(node)), path_(std::move(path)) {
+    ++device_.openHandles;
+  }
+  ~FakeFolder() override { --device_.openHandles; }
+
+  Status List(std::vector<Entry>& entries) override {
+    entries.clear();
+    if (Status status = device_.Begin("list", path_); !status.Ok()) return status;
+    for (const auto& [name, child] : node_->children) entries.push_back({name, child->kind});
+    return {};
+  }
+
+  Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
+    if (Status status = device_.Begin("open", PathOf(name)); !status.Ok()) return status;
+    const auto found = node_->children.find(name);
+    if (found == node_->children.end()) return NotFound();
+    switch (found->second->kind) {
+      case EntryKind::File:
+        break;
+      case EntryKind::Folder:
+        return Status::Refusal("it is a folder");
+      case EntryKind::Other:
+        return Status::Refusal("it is not a regular file");
+      default:
+        return Status::Refusal("it is a link");
+    }
+    if (found->second->readOnly) return {Trouble::Other, 5, "Access is denied."};
+    file = std::make_unique<FakeFile>(device_, found->second, node_->children, path_, name,
+                                      access == Access::Direct && device_.direct, false);
+    return {};
+  }
+
+  Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
+    if (Status status = device_.Begin("add", PathOf(name)); !status.Ok()) return status;
+    if (node_->children.count(name) != 0) return Taken();
+    node_->children[name] = std::make_shared<Node>();
+    file = std::make_unique<FakeFile>(device_, node_->children[name], node_->children, path_, name,
+                                      access == Access::Direct && device_.direct, false);
+    return {};
+  }
+
+  Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) override {
+    if (Status status = device_.Begin("open folder", PathOf(name)); !status.Ok()) return status;
+    const auto found = node_->children.find(name);
+    if (found == node_->children.end()) return NotFound();
+    if (found->second->kind == EntryKind::Link || found->second->kind == EntryKind::FolderLink) {
+      return Status::Refusal("it is a link");
+    }
+    if (found->second->kind != EntryKind::Folder) return Status::Refusal("it is not a folder");
+    folder = std::make_unique<FakeFolder>(device_, found->second, PathOf(name));
+    return {};
+  }
+
+  Status AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) override {
+    if (Status status = device_.Begin("add folder", PathOf(name)); !status.Ok()) return status;
+    if (node_->children.count(name) != 0) return Taken();
+    auto made = std::make_shared<Node>();
+    made->kind = EntryKind::Folder;
+    node_->children[name] = made;
+    folder = std::make_unique<FakeFolder>(device_, made, PathOf(name));
+    return {};
+  }
+
+  Status ListStreams(std::vector<std::string>& names) override {
+    names.clear();
+    if (Status status = device_.Begin("list streams", path_); !status.Ok()) return status;
+    for (const auto& [name, stream] : node_->streams) names.push_back(name);
+    return {};
+  }
+
+  Status OpenStream(const std::string& name, Access access, std::unique_ptr<File>& stream) override {
+    if (Status status = device_.Begin("open stream", path_ + ':' + name); !status.Ok()) return status;
+    const auto found = node_->streams.find(name);
+    if (found == node_->streams.end()) return NotFound();
+    stream = std::make_unique<FakeFile>(device_, found->second, node_->streams, path_, name,
+                                        access == Access::Direct && device_.direct, true);
+    return {};
+  }
+
+  Status Rename(const Entry& entry, const std::string& newName) override {
+    if (Status status = device_.Begin("rename entry", PathOf(entry.name) + " > " + newName); !status.Ok()) {
+      return status;
+    }
+    if (Status status = CheckKind(entry); !status.Ok()) return status;
+    if (node_->children.count(newName) != 0) return Taken();
+    node_->children[newName] = node_->children[entry.name];
+    node_->children.erase(entry.name);
+    return {};
+  }
+
+  Status Remove(const Entry& entry) override {
+    if (Status status = device_.Begin("remove entry", PathOf(entry.name)); !status.Ok()) return status;
+    if (Status status = CheckKind(entry); !status.Ok()) return status;
+    const std::shared_ptr<Node> node = node_->children[entry.name];
+    if (!node->children.empty()) return {Trouble::Other, 145, "The folder is not empty."};
+    if (!node->streams.empty()) device_.violations.push_back("removed with a stream: " + PathOf(entry.name));
+    if (!node->original.empty()) device_.violations.push_back("removed unwiped: " + PathOf(entry.name));
+    node_->children.erase(entry.name);
+    return {};
+  }
+
+  Status Flush() override { return device_.Begin("flush folder", path_); }
+
+  Status Space(SpaceInfo& space) override {
+    if (Status status = device_.Begin("space", path_); !status.Ok()) return status;
+    space.freeBytes = device_.capacityBytes - device_.UsedBytes();
+    space.clusterBytes = device_.clusterBytes;
+    return {};
+  }
+
+ private:
+  std::string PathOf(const std::string& name) const { return device_.Join(path_, name); }
+  Status CheckKind(const Entry& entry) const {
+    const auto found = node_->children.find(entry.name);
+    if (found == node_->children.end()) return NotFound();
+    if (found->second->kind != entry.kind) return Status::Refusal("something else has come under this name");
+    return {};
+  }
+
+  FakeDevice& device_;
+  std::shared_ptr<Node> node_;
+  std::string path_;
+};
+
+// What real queues do at their worst: a transfer happens as late as it may, and after those that were begun
+// later. The memory of a write is looked at only then.
+class FakeQueue final : public TransferQueue {
+ public:
+  explicit FakeQueue(FakeDevice& device) : device_(device) {}
+  ~FakeQueue() override {
+    if (!transfers_.empty()) device_.violations.push_back("a transfer was never waited for");
+  }
+
+  std::size_t Depth() const override { return device_.queueDepth; }
+
+  void BeginWrite(File& file, std::uint64_t offset, std::span<const std::byte> data,
+                  std::size_t tag) override {
+    Begin(file, tag, [&file, offset, data](std::size_t& done) { return file.Write(offset, data, done); });
+  }
+  void BeginRead(File& file, std::uint64_t offset, std::span<std::byte> data, std::size_t tag) override {
+    Begin(file, tag, [&file, offset, data](std::size_t& done) { return file.Read(offset, data, done); });
+  }
+
+  Ended Wait() override {
+    const Transfer transfer = std::move(transfers_.back());
+    transfers_.pop_back();
+    if (--device_.underWay_[transfer.file] == 0) device_.underWay_.erase(transfer.file);
+    Ended ended;
+    ended.tag = transfer.tag;
+    ended.status = transfer.carryOut(ended.bytes);
+    return ended;
+  }
+
+ private:
+  struct Transfer {
+    const File* file;
+    std::size_t tag;
+    std::function<Status(std::size_t& done)> carryOut;
+  };
+
+  void Begin(File& file, std::size_t tag, std::function<Status(std::size_t& done)> carryOut) {
+    ++device_.underWay_[&file];
+    transfers_.push_back({&file, tag, std::move(carryOut)});
+    if (transfers_.size() > device_.queueDepth) device_.violations.push_back("too many transfers");
+  }
+
+  FakeDevice& device_;
+  std::vector<Transfer> transfers_;
+};
+
+std::unique_ptr<TransferQueue> FakeDevice::MakeQueue() {
+  if (queueDepth == 1) return Device::MakeQueue();
+  return std::make_unique<FakeQueue>(*this);
+}
+
+FakeDevice::FakeDevice(FakeClock& clock) : clock_(clock), root_(std::make_shared<Node>()) {
+  root_->kind = EntryKind::Folder;
+}
+
+std::shared_ptr<Node> FakeDevice::MakeFolder(const std::string& path) {
+  std::shared_ptr<Node> node = root_;
+  for (const std::string& part : PartsOf(path)) {
+    std::shared_ptr<Node>& child = node->children[part];
+    if (!child) {
+      child = std::make_shared<Node>();
+      child->kind = EntryKind::Folder;
+    }
+    node = child;
+  }
+  return node;
+}
+
+std::shared_ptr<Node> FakeDevice::MakeFile(const std::string& path, const std::string& content) {
+  std::string folderPath;
+  std::string name;
+  if (!Split(path, folderPath, name).Ok()) return nullptr;
+  auto node = std::make_shared<Node>();
+  node->original = node->written = node->stored = content;
+  node->writeCounts.resize(content.size());
+  MakeFolder(folderPath)->children[name] = node;
+  return node;
+}
+
+std::shared_ptr<Node> FakeDevice::MakeLink(const std::string& path, EntryKind kind) {
+  std::shared_ptr<Node> node = MakeFile(path, "");
+  node->kind = kind;
+  return node;
+}
+
+std::shared_ptr<Node> FakeDevice::Find(const std::string& path) const {
+  std::shared_ptr<Node> node = root_;
+  for (const std::string& part : PartsOf(path)) {
+    const auto found = node->children.find(part);
+    if (found == node->children.end()) return nullptr;
+    node = found->second;
+  }
+  return node;
+}
+
+std::uint64_t FakeDevice::ClustersOf(const Node& node) const {
+  if (node.written.size() <= recordBytes) return 0;
+  return (node.written.size() + clusterBytes - 1) / clusterBytes * clusterBytes;
+}
+
+std::uint64_t FakeDevice::UsedBytes() const {
+  std::uint64_t used = 0;
+  std::vector<const Node*> todo{root_.get()};
+  while (!todo.empty()) {
+    const Node* node = todo.back();
+    todo.pop_back();
+    used += ClustersOf(*node);
+    for (const auto& [name, child] : node->children) todo.push_back(child.get());
+  }
+  return used;
+}
+
+std::size_t FakeDevice::Count(const std::string& kind) const {
+  return static_cast<std::size_t>(
+      std::count_if(ops.begin(), ops.end(), [&](const Op& op) { return op.ok && op.kind == kind; }));
+}
+
+Status FakeDevice::OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) {
+  if (Status status = Begin("open folder", path); !status.Ok()) return status;
+  const std::shared_ptr<Node> node = Find(path);
+  if (!node) return NotFound();
+  if (node->kind != EntryKind::Folder) return Status::Refusal("it is not a folder");
+  folder = std::make_unique<FakeFolder>(*this, node, path);
+  return {};
+}
+
+Status FakeDevice::Split(const std::string& path, std::string& folderPath, std::string& name) const {
+  const std::size_t end = path.find_last_not_of('/');
+  if (path.empty()) return Status::Refusal("the path is empty");
+  if (end == std::string::npos) {
+    folderPath = "/";
+    name.clear();
+    return {};
+  }
+  const std::size_t slash = path.rfind('/', end);
+  folderPath = path.substr(0, slash + 1);
+  name = path.substr(slash + 1, end - slash);
+  return {};
+}
+
+std::string FakeDevice::Join(const std::string& folderPath, const std::string& name) const {
+  return folderPath.back() == '/' ? folderPath + name : folderPath + '/' + name;
+}
+
+Status FakeDevice::Begin(const std::string& kind, const std::string& path, std::uint64_t offset,
+                         std::size_t size) {
+  ops.push_back({kind, path, offset, size, {}, true});
+  if (onOp) onOp(ops.back());
+  const std::size_t number = ops.size();
+  if (number == faultAt) faultKind = kind;
+  const bool hit = (fault == Fault::FailOnce && number == faultAt) ||
+                   (fault == Fault::FailFromThenOn && number >= faultAt);
+  if (!hit) return {};
+  faultHappened = true;
+  ops.back().ok = false;
+  return Broken();
+}
+
+void FakeDevice::Pass(std::uint64_t bytes) {
+  if (bytesPerSecond > 0) {
+    clock_.Advance(Clock::Time{static_cast<std::int64_t>(bytes * 1'000'000 / bytesPerSecond)});
+  }
+}
+
+// What goes must have been overwritten in all passes, to the end of its last cluster (or of its record),
+// and on the medium itself.
+void FakeDevice::CheckOverwritten(const Node& node, const std::string& path, const char* what) {
+  if (node.original.empty()) return;
+  std::uint64_t extent = std::max<std::uint64_t>(node.original.size(), node.allocatedBytes);
+  if (node.original.size() > recordBytes) extent = (extent + clusterBytes - 1) / clusterBytes * clusterBytes;
+  const bool covered =
+      node.writeCounts.size() >= extent &&
+      std::all_of(node.writeCounts.begin(), node.writeCounts.begin() + static_cast<std::ptrdiff_t>(extent),
+                  [this](int count) { return count >= passesNeeded; });
+  if (!covered) violations.push_back(std::string(what) + " before it was overwritten: " + path);
+}
+
+}  // namespace zq::engine::test

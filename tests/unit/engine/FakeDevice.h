@@ -1,0 +1,131 @@
+// A device in memory that records every operation, fails the ones it is told to fail, and enforces what
+// real devices ask for. It keeps apart what was written and what is on the medium.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/Clock.h"
+#include "engine/Device.h"
+#include "engine/SeedSource.h"
+
+namespace zq::engine::test {
+
+class FakeClock final : public Clock {
+ public:
+  Time Now() const override { return now_; }
+  void Advance(Time time) { now_ += time; }
+
+ private:
+  Time now_{1'000'000};
+};
+
+// Seeds that count up, so that no two are the same and every run is.
+class FakeSeeds final : public SeedSource {
+ public:
+  Status Fill(std::span<std::byte> seed) override;
+  int calls = 0;
+  int failAtCall = 0;  // from 1; 0: never
+};
+
+struct Node {
+  EntryKind kind = EntryKind::File;
+  std::map<std::string, std::shared_ptr<Node>> children;
+  std::map<std::string, std::shared_ptr<Node>> streams;
+  std::string original;                    // what it held when the test made it
+  std::string written;                     // what a cached read gives
+  std::string stored;                      // what is on the medium
+  std::vector<std::uint16_t> writeCounts;  // how often each byte of the medium was overwritten
+  struct Range {
+    std::uint64_t offset;
+    std::string data;
+  };
+  std::vector<Range> dirty;
+  std::uint64_t allocatedBytes = 0;
+  std::string notInPlace;
+  bool readOnly = false;
+  bool dated = false;
+  int links = 1;
+};
+
+struct Op {
+  std::string kind;
+  std::string path;
+  std::uint64_t offset = 0;
+  std::size_t size = 0;
+  std::string data;  // of a write: its bytes, if keepData
+  bool ok = true;
+};
+
+class FakeDevice final : public Device {
+ public:
+  explicit FakeDevice(FakeClock& clock);
+
+  // --- what a test sets up ---
+  std::shared_ptr<Node> MakeFile(const std::string& path, const std::string& content);
+  std::shared_ptr<Node> MakeFolder(const std::string& path);
+  std::shared_ptr<Node> MakeLink(const std::string& path, EntryKind kind);
+  std::shared_ptr<Node> Find(const std::string& path) const;  // null if there is none
+  bool Exists(const std::string& path) const { return Find(path) != nullptr; }
+
+  std::uint32_t clusterBytes = 4096;
+  std::uint32_t sectorBytes = 512;
+  bool direct = true;          // whether it can do without the cache
+  std::size_t queueDepth = 1;  // with more, transfers are carried out at Wait, the latest first
+  bool renamesOpenFolders = false;
+  std::uint64_t bytesPerSecond = 0;  // 0: no time passes
+  Clock::Time flushLatency{0};
+  std::uint64_t capacityBytes = 0;      // 0: no end
+  bool writesWhatFits = false;          // of a write that the end of the device cuts
+  std::size_t recordBytes = 0;          // files up to this length take no clusters
+  std::size_t recordSlots = 0;          // and so many of them have room
+  int passesNeeded = 9;                 // less than these on any byte at a removal is a violation
+  std::function<void(const Op&)> onOp;  // before the operation is carried out
+
+  // The n-th operation (from 1) goes wrong.
+  enum class Fault { None, FailOnce, FailFromThenOn, ShortWrite, LoseWrite };
+  Fault fault = Fault::None;
+  std::size_t faultAt = 0;
+  bool faultHappened = false;
+  std::string faultKind;  // of the operation that it hit
+
+  // --- what a test looks at ---
+  std::vector<Op> ops;
+  std::vector<std::string> violations;
+  int openHandles = 0;
+  std::uint64_t UsedBytes() const;
+  // How many operations of one kind succeeded.
+  std::size_t Count(const std::string& kind) const;
+
+  // --- Device ---
+  Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override;
+  Status Split(const std::string& path, std::string& folderPath, std::string& name) const override;
+  std::string Join(const std::string& folderPath, const std::string& name) const override;
+  std::size_t NameLength(const std::string& name) const override { return name.size(); }
+  bool RenamesOpenFolders() const override { return renamesOpenFolders; }
+  std::unique_ptr<TransferQueue> MakeQueue() override;
+
+ private:
+  friend class FakeQueue;
+  friend class FakeFile;
+  friend class FakeFolder;
+
+  // Records the operation. Not Ok if the fault has hit it.
+  Status Begin(const std::string& kind, const std::string& path, std::uint64_t offset = 0,
+               std::size_t size = 0);
+  bool HitBy(Fault wanted) const { return fault == wanted && ops.size() == faultAt; }
+  std::uint64_t ClustersOf(const Node& node) const;
+  void Pass(std::uint64_t bytes);
+  void CheckOverwritten(const Node& node, const std::string& path, const char* what);
+
+  FakeClock& clock_;
+  std::shared_ptr<Node> root_;
+  std::map<const File*, int> underWay_;  // transfers of each open file
+};
+
+}  // namespace zq::engine::test

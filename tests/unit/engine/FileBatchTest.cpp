@@ -1,0 +1,167 @@
+// Many files at once, as their operations on the device and their events.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "unit/engine/EngineRig.h"
+
+namespace zq::engine::test {
+namespace {
+
+using ::testing::IsEmpty;
+
+void MakeFiles(EngineRig& rig, int count, std::size_t size) {
+  for (int i = 0; i < count; ++i) rig.device.MakeFile("/f/" + std::to_string(1'000 + i), Secret(size));
+}
+
+TEST(FileBatch, WritesAPassToAllFilesBeforeTheNextPassToAny) {
+  EngineRig rig;
+  MakeFiles(rig, 20, 3'000);
+  ASSERT_TRUE(rig.engine.WipeFolderFiles("/f", "*.*", false, 3)) << rig.engine.LastErrorText();
+  std::map<std::string, int> written;
+  for (const Op& op : rig.device.ops) {
+    if (op.kind != "write") continue;
+    const int pass = ++written[op.path];
+    for (const auto& [path, passes] : written) EXPECT_GE(passes, pass - 1) << path;
+  }
+  EXPECT_EQ(written.size(), 20u);
+  EXPECT_THAT(rig.device.violations, IsEmpty());
+}
+
+TEST(FileBatch, FlushesEachFileBetweenTwoPassesOverIt) {
+  for (const std::size_t depth : {1u, 8u}) {
+    EngineRig rig;
+    rig.device.queueDepth = depth;
+    MakeFiles(rig, 30, 9'000);
+    ASSERT_TRUE(rig.engine.WipeFolder("/f", 3)) << rig.engine.LastErrorText();
+    EXPECT_THAT(rig.device.violations, IsEmpty()) << "each byte has reached the medium nine times";
+    EXPECT_EQ(rig.events.Of("wiped").size(), 30u);
+  }
+}
+
+TEST(FileBatch, ReplacesAllNamesThenMakesThemDurableThenRemoves) {
+  EngineRig rig;
+  MakeFiles(rig, 20, 100);
+  ASSERT_TRUE(rig.engine.WipeFolder("/f", 3));
+  std::size_t lastRename = 0;
+  std::size_t firstFlush = 0;
+  std::size_t lastFlush = 0;
+  std::size_t firstRemove = 0;
+  std::size_t lastRemove = 0;
+  std::size_t folderFlush = 0;
+  for (std::size_t i = 1; i < rig.device.ops.size(); ++i) {
+    const std::string& kind = rig.device.ops[i].kind;
+    if (kind == "rename") lastRename = i;
+    if (kind == "flush entry") lastFlush = i;
+    if (kind == "flush entry" && firstFlush == 0) firstFlush = i;
+    if (kind == "remove") lastRemove = i;
+    if (kind == "remove" && firstRemove == 0) firstRemove = i;
+    if (kind == "flush folder" && folderFlush == 0) folderFlush = i;
+  }
+  EXPECT_LT(lastRename, firstFlush);
+  EXPECT_LT(lastFlush, firstRemove);
+  EXPECT_LT(lastRemove, folderFlush);
+}
+
+TEST(FileBatch, GivesEachFileItsStartAndItsEndAndNeverGoesBack) {
+  for (const std::size_t depth : {1u, 8u}) {
+    EngineRig rig;
+    rig.device.queueDepth = depth;
+    rig.device.bytesPerSecond = 5'000'000;
+    rig.device.flushLatency = Clock::Time{1'000};
+    MakeFiles(rig, 150, 10'000);
+    ASSERT_TRUE(rig.engine.WipeFolder("/f", 3)) << rig.engine.LastErrorText();
+    std::map<std::string, std::vector<std::int32_t>> done;
+    Clock::Time lastBetween{};
+    Clock::Time last{};
+    for (const Event& event : rig.events.Of("progress")) {
+      EXPECT_EQ(event.total, 10'000);
+      done[event.name].push_back(event.done);
+      if (last != Clock::Time{}) {
+        EXPECT_LE(event.at - last, Clock::Time{100'000});
+      }
+      if (event.done != 0 && event.done != event.total) {
+        EXPECT_GE(event.at - lastBetween, Clock::Time{30'000});
+        lastBetween = event.at;
+      }
+      last = event.at;
+    }
+    EXPECT_EQ(done.size(), 150u);
+    for (const auto& [name, values] : done) {
+      EXPECT_EQ(values.front(), 0) << name;
+      EXPECT_EQ(values.back(), 10'000) << name;
+      EXPECT_TRUE(std::is_sorted(values.begin(), values.end())) << name;
+      EXPECT_EQ(std::count(values.begin(), values.end(), 0), 1) << name;
+      EXPECT_EQ(std::count(values.begin(), values.end(), 10'000), 1) << name;
+    }
+  }
+}
+
+TEST(FileBatch, UsesNoRandomByteTwice) {
+  EngineRig rig;
+  rig.device.queueDepth = 8;
+  MakeFiles(rig, 12, 20'000);
+  ASSERT_TRUE(rig.engine.WipeFolder("/f", 7));
+  std::set<std::string> blocks;
+  std::size_t count = 0;
+  for (const Op& op : rig.device.ops) {
+    if (op.kind != "write" || op.data.find_first_not_of(op.data[0]) == std::string::npos) continue;
+    for (std::size_t at = 0; at + 64 <= op.data.size(); at += 64, ++count) {
+      blocks.insert(op.data.substr(at, 64));
+    }
+  }
+  EXPECT_EQ(count, 12u * 7 * 20'480 / 64);
+  EXPECT_EQ(blocks.size(), count);
+}
+
+TEST(FileBatch, EndsBeforeAFileThatIsTooLargeForIt) {
+  EngineRig rig;
+  rig.device.passesNeeded = 9;
+  rig.device.MakeFile("/f/a", Secret(1'000));
+  rig.device.MakeFile("/f/b", Secret((64 << 20) + 1));
+  rig.device.MakeFile("/f/c", Secret(1'000));
+  bool bigStarted = false;
+  rig.events.onEvent = [&](const Event& event) {
+    if (event.name != "b" || bigStarted) return;
+    bigStarted = true;
+    EXPECT_FALSE(rig.device.Exists("/f/a"));
+    rig.engine.CancelOperation();  // the rest of it would only take time
+  };
+  EXPECT_FALSE(rig.engine.WipeFolder("/f", 3));
+  EXPECT_TRUE(bigStarted);
+  EXPECT_EQ(rig.device.Find("/f/c")->stored, Secret(1'000));
+}
+
+TEST(FileBatch, HandlesALargeFileWithSeveralWritesUnderWay) {
+  EngineRig rig;
+  rig.device.queueDepth = 4;
+  rig.device.MakeFile("/x", Secret(12'345'678));
+  EXPECT_TRUE(rig.engine.WipeFile("/x", 3)) << rig.engine.LastErrorText();
+  EXPECT_THAT(rig.device.violations, IsEmpty());
+}
+
+TEST(FolderWipe, RenamesFoldersTogetherWhereTheyMayBeOpen) {
+  EngineRig rig;
+  rig.device.renamesOpenFolders = true;
+  for (const char* path : {"/top/a/one/x", "/top/a/two/y", "/top/b/z"}) {
+    rig.device.MakeFile(path, Secret(100));
+  }
+  ASSERT_TRUE(rig.engine.WipeFolder("/top", 3)) << rig.engine.LastErrorText();
+  EXPECT_FALSE(rig.device.Exists("/top"));
+  std::size_t lastRename = 0;
+  std::size_t firstRemove = 0;
+  for (std::size_t i = 1; i < rig.device.ops.size(); ++i) {
+    if (rig.device.ops[i].kind == "rename entry") lastRename = i;
+    if (rig.device.ops[i].kind == "remove entry" && firstRemove == 0) firstRemove = i;
+  }
+  EXPECT_LT(lastRename, firstRemove);
+  EXPECT_EQ(rig.device.Count("remove entry"), 5u);
+  EXPECT_EQ(rig.device.ops.back().kind, "flush folder");
+  EXPECT_EQ(rig.device.openHandles, 0);
+}
+
+}  // namespace
+}  // namespace zq::engine::test

@@ -1,0 +1,178 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "support/fakes/FakeFiles.h"
+#include "wipe/RecursiveSearch.h"
+
+namespace zq {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::uint32_t kLocked = kAttributeReadOnly | kAttributeHidden | kAttributeSystem;
+
+class RecursiveSearchTest : public testing::Test {
+ protected:
+  // The number of files counted below `path`.
+  std::int64_t Search(std::string path, const std::string& mask, bool includeSubFolders,
+                      const std::string& pathPattern = "*") {
+    FixedPoint total;
+    SearchFolder(files, path, pathPattern, mask, includeSubFolders, total);
+    return total.Whole();
+  }
+  test::FakeFiles files;
+};
+
+TEST_F(RecursiveSearchTest, TheWalkIsDepthFirstInTheFileSystemsOrder) {
+  files.AddFile("C:\\r\\b.txt");
+  files.AddFolder("C:\\r\\sub");
+  files.AddFile("C:\\r\\a.txt");
+  files.AddFolder("C:\\r\\sub\\deep");
+  files.AddFile("C:\\r\\sub\\deep\\d.txt");
+  files.AddFile("C:\\r\\sub\\c.txt");
+  EXPECT_EQ(Search("C:\\r", "*.txt", true), 4);
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\b.txt 128", "attributes C:\\r\\sub\\deep\\d.txt 128",
+                                     "attributes C:\\r\\sub\\c.txt 128", "attributes C:\\r\\a.txt 128"));
+}
+
+TEST_F(RecursiveSearchTest, UnderTheFullMaskFoldersAreClearedByTheirParentsPass) {
+  files.AddFolder("C:\\r", kAttributeDirectory | kLocked);
+  files.AddFile("C:\\r\\a.txt", "", kLocked);
+  files.AddFolder("C:\\r\\one", kAttributeDirectory | kLocked);
+  files.AddFile("C:\\r\\one\\b.txt", "", kLocked);
+  files.AddFolder("C:\\r\\two", kAttributeDirectory | kLocked);
+  EXPECT_EQ(Search("C:\\r", "*.*", true), 2);
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\a.txt 128", "attributes C:\\r\\ 128",
+                                     "attributes C:\\r\\one 128", "attributes C:\\r\\one\\b.txt 128",
+                                     "attributes C:\\r\\ 128", "attributes C:\\r\\two 128"));
+  for (const char* path : {"C:\\r", "C:\\r\\a.txt", "C:\\r\\one", "C:\\r\\one\\b.txt", "C:\\r\\two"}) {
+    EXPECT_EQ(files.Find(path)->attributes & kLocked, 0U) << path;
+  }
+}
+
+TEST_F(RecursiveSearchTest, AFolderWithoutSubFoldersKeepsItsOwnAttributes) {
+  files.AddFolder("C:\\r", kAttributeDirectory | kAttributeReadOnly);
+  files.AddFile("C:\\r\\a.txt", "", kLocked);
+  EXPECT_EQ(Search("C:\\r", "*.*", true), 1);
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\a.txt 128"));
+  EXPECT_EQ(files.Find("C:\\r")->attributes, kAttributeDirectory | kAttributeReadOnly);
+}
+
+TEST_F(RecursiveSearchTest, UnderAnyOtherMaskFoldersKeepTheirAttributes) {
+  files.AddFolder("C:\\r\\sub", kAttributeDirectory | kLocked);
+  files.AddFile("C:\\r\\sub\\a.txt", "", kLocked);
+  for (const char* mask : {"*", "*.txt", "*.*x*"}) {
+    files.log.clear();
+    Search("C:\\r", mask, true);
+    EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\sub\\a.txt 128")) << mask;
+  }
+}
+
+TEST_F(RecursiveSearchTest, WithoutSubFoldersTheyAreNeitherEnteredNorChanged) {
+  files.AddFile("C:\\r\\a.txt");
+  files.AddFolder("C:\\r\\sub", kAttributeDirectory | kLocked);
+  files.AddFile("C:\\r\\sub\\b.txt", "", kLocked);
+  EXPECT_EQ(Search("C:\\r", "*.*", false), 1);
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\a.txt 128"));
+}
+
+TEST_F(RecursiveSearchTest, TheFullMaskNeedsADot) {
+  files.AddFile("C:\\r\\README", "", kAttributeReadOnly);
+  files.AddFile("C:\\r\\a.txt");
+  files.AddFile("C:\\r\\.profile");
+  EXPECT_EQ(Search("C:\\r", "*.*", true), 2);
+  EXPECT_EQ(files.Find("C:\\r\\README")->attributes, kAttributeReadOnly);
+  EXPECT_EQ(Search("C:\\r", "*", true), 3);
+}
+
+TEST_F(RecursiveSearchTest, TheMaskRespectsCase) {
+  files.AddFile("C:\\r\\report.doc", "", kAttributeReadOnly);
+  files.AddFile("C:\\r\\LETTER.DOC", "", kAttributeReadOnly);
+  EXPECT_EQ(Search("C:\\r", "*.DOC", false), 1);
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\LETTER.DOC 128"));
+  EXPECT_EQ(files.Find("C:\\r\\report.doc")->attributes, kAttributeReadOnly);
+}
+
+TEST_F(RecursiveSearchTest, ThePathHasToMatchItsPatternToo) {
+  files.AddFile("C:\\r\\a.txt");
+  files.AddFile("C:\\r\\sub\\b.txt");
+  EXPECT_EQ(Search("C:\\r", "*", true, "*\\sub\\"), 1);
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\sub\\b.txt 128"));
+}
+
+TEST_F(RecursiveSearchTest, TheCallersPathGetsItsBackslash) {
+  files.AddFile("C:\\a.txt");
+  FixedPoint total;
+  std::string path = "C:";
+  SearchFolder(files, path, "*", "*", false, total);
+  EXPECT_EQ(path, "C:\\");
+  SearchFolder(files, path, "*", "*", false, total);
+  EXPECT_EQ(path, "C:\\");
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\a.txt 128", "attributes C:\\a.txt 128"));
+  EXPECT_EQ(total, FixedPoint(2));  // the sum runs on
+}
+
+TEST_F(RecursiveSearchTest, WhatCannotBeOpenedAddsNothing) {
+  files.AddFolder("C:\\empty");
+  EXPECT_EQ(Search("C:\\empty", "*.*", true), 0);
+  EXPECT_EQ(Search("C:\\none", "*.*", true), 0);
+  files.AddFile("C:\\r\\a.txt");
+  files.failEverything = true;
+  EXPECT_EQ(Search("C:\\r", "*.*", true), 0);
+  EXPECT_THAT(files.log, IsEmpty());
+}
+
+TEST_F(RecursiveSearchTest, AFileWhoseAttributesStayIsCountedAllTheSame) {
+  files.AddFile("C:\\r\\a.txt", "", kAttributeReadOnly);
+  files.keepAttributes.insert("C:\\r\\a.txt");
+  EXPECT_EQ(Search("C:\\r", "*.*", true), 1);
+  EXPECT_EQ(files.Find("C:\\r\\a.txt")->attributes, kAttributeReadOnly);
+}
+
+TEST_F(RecursiveSearchTest, NamesBeyondAsciiAreWalkedWhole) {
+  files.AddFile("C:\\\u0416\\\u4e2d\\\U0001F600.txt");
+  EXPECT_EQ(Search("C:\\\u0416", "?.txt", true), 1);
+  EXPECT_THAT(files.log, ElementsAre("attributes C:\\\u0416\\\u4e2d\\\U0001F600.txt 128"));
+}
+
+// A file system whose names come as whole fields, padded behind a null.
+class PaddingFiles final : public Files {
+ public:
+  std::vector<std::string> log;
+
+  bool List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) override {
+    log.push_back("list " + pattern);
+    if (pattern != "C:\\r\\*") return false;
+    using namespace std::string_literals;
+    visit({".\0junk"s, kAttributeDirectory, 0, 0});
+    visit({"..\0.txt"s, kAttributeDirectory, 0, 0});
+    visit({"a.txt\0.doc"s, kAttributeArchive, 0, 0});
+    visit({"sub\0x"s, kAttributeDirectory, 0, 0});
+    return true;
+  }
+  bool SetAttributes(const std::string& path, std::uint32_t) override {
+    log.push_back("attributes " + path);
+    return true;
+  }
+
+  std::optional<FileEntry> FindEntry(const std::string&) override { return std::nullopt; }
+  std::optional<std::uint32_t> Attributes(const std::string&) override { return std::nullopt; }
+  bool MakeFolder(const std::string&) override { return false; }
+  bool Remove(const std::string&) override { return false; }
+  std::string Read(const std::string&) override { return {}; }
+  void Write(const std::string&, const std::string&) override {}
+  std::string CurrentFolder() override { return {}; }
+};
+
+TEST(RecursiveSearch, ANameEndsAtItsFirstNull) {
+  PaddingFiles files;
+  FixedPoint total;
+  std::string path = "C:\\r";
+  SearchFolder(files, path, "*", "*.txt", true, total);
+  EXPECT_EQ(total, FixedPoint(1));
+  EXPECT_THAT(files.log, ElementsAre("list C:\\r\\*", "attributes C:\\r\\a.txt", "list C:\\r\\sub\\*"));
+}
+
+}  // namespace
+}  // namespace zq

@@ -1,0 +1,174 @@
+// The folder tree over the shell's real name space.
+#include <windows.h>
+#include <commctrl.h>
+#include <gtest/gtest.h>
+
+#include "Driving.h"
+#include "controls/Default.h"
+#include "controls/FolderTreeview.h"
+#include "platform/win32/Wide.h"
+#include "resource.h"
+#include "support/driver/Scratch.h"
+
+namespace zq::test {
+namespace {
+
+using Selection = std::pair<std::string, std::string>;
+
+class frmTree final : public Form {
+ public:
+  frmTree() : Form(IDD_frmFolder) {
+    FT1.SelectionChange = [this](const std::string& text, const std::string& fullPath) {
+      selections.emplace_back(text, fullPath);
+    };
+  }
+
+  FolderTreeview FT1{*this, IDC_frmFolder_FT1};
+  std::vector<Selection> selections;
+};
+
+class FolderTreeviewTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    Default<frmTree>::SetFactory([] { return std::make_unique<frmTree>(); });
+    form_ = &Default<frmTree>::Touch();
+  }
+  void TearDown() override {
+    form_->Unload();
+    Form::DestroyClosed();
+  }
+
+  HWND Tree() const { return form_->FT1.Handle(); }
+  HTREEITEM Selected() const { return TreeView_GetSelection(Tree()); }
+  std::string NameOf(HTREEITEM item) const {
+    wchar_t text[300] = L"";
+    TVITEMW info{};
+    info.mask = TVIF_TEXT;
+    info.hItem = item;
+    info.pszText = text;
+    info.cchTextMax = 300;
+    ::SendMessageW(Tree(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&info));
+    return FromWide(text);
+  }
+  std::vector<std::string> ChildrenOf(HTREEITEM item) const {
+    std::vector<std::string> names;
+    for (HTREEITEM child = TreeView_GetChild(Tree(), item); child;
+         child = TreeView_GetNextSibling(Tree(), child)) {
+      names.push_back(NameOf(child));
+    }
+    return names;
+  }
+  bool HasButton(HTREEITEM item) const {
+    TVITEMW info{};
+    info.mask = TVIF_CHILDREN;
+    info.hItem = item;
+    ::SendMessageW(Tree(), TVM_GETITEMW, 0, reinterpret_cast<LPARAM>(&info));
+    return info.cChildren != 0;
+  }
+
+  ScratchFolder scratch_;
+  frmTree* form_ = nullptr;
+};
+
+TEST_F(FolderTreeviewTest, OpensOnTheDesktopWithNothingSelected) {
+  const HTREEITEM root = TreeView_GetRoot(Tree());
+  EXPECT_EQ(NameOf(root), "Desktop");
+  EXPECT_FALSE(ChildrenOf(root).empty());
+  EXPECT_EQ(Selected(), nullptr);
+  EXPECT_TRUE(form_->selections.empty());
+}
+
+TEST_F(FolderTreeviewTest, TellsTheDesktopByItsNameAndNotByAPath) {
+  form_->FT1.SelectDesktop();
+  ASSERT_EQ(form_->selections.size(), 1U);
+  EXPECT_EQ(form_->selections[0].first, "Desktop");
+}
+
+TEST_F(FolderTreeviewTest, SelectsAFolderByItsPathAndTellsThatPath) {
+  scratch_.Make("Papers & more\\Grüße – письмо\\a.txt", "a");
+  const std::string path = scratch_ / "Papers & more\\Grüße – письмо";
+  form_->FT1.SelectPath(path);
+  ASSERT_EQ(form_->selections.size(), 1U);
+  EXPECT_EQ(form_->selections[0], Selection(path, path));
+  EXPECT_EQ(NameOf(Selected()), "Grüße – письмо");
+  EXPECT_EQ(NameOf(TreeView_GetParent(Tree(), Selected())), "Papers & more");
+  RECT place{};
+  EXPECT_TRUE(TreeView_GetItemRect(Tree(), Selected(), &place, FALSE)) << "its parents are open";
+}
+
+TEST_F(FolderTreeviewTest, SelectsADriveByItsRoot) {
+  form_->FT1.SelectPath("C:\\");
+  ASSERT_EQ(form_->selections.size(), 1U);
+  EXPECT_EQ(form_->selections[0], Selection("C:\\", "C:\\"));
+}
+
+TEST_F(FolderTreeviewTest, IgnoresWhatIsNoFolderOfTheShell) {
+  const std::string file = scratch_.Make("a.txt", "a");
+  form_->FT1.SelectPath(scratch_.Path());
+  const HTREEITEM before = Selected();
+  form_->selections.clear();
+  for (const std::string& path : {std::string(), std::string(150, '\0'), std::string("Q:\\none"),
+                                  scratch_ / "none", file, std::string("*?<>|")}) {
+    form_->FT1.SelectPath(path);
+    EXPECT_EQ(Selected(), before) << path;
+  }
+  EXPECT_TRUE(form_->selections.empty());
+}
+
+TEST_F(FolderTreeviewTest, ListsFoldersAloneInOrder) {
+  for (const char* name : {"Delta\\x.txt", "alpha\\x.txt", "Charlie\\x.txt", "bravo\\x.txt", "file.txt"})
+    scratch_.Make(name, "x");
+  form_->FT1.SelectPath(scratch_.Path());
+  TreeView_Expand(Tree(), Selected(), TVE_EXPAND);
+  EXPECT_EQ(ChildrenOf(Selected()), (std::vector<std::string>{"alpha", "bravo", "Charlie", "Delta"}));
+}
+
+TEST_F(FolderTreeviewTest, LooksAFolderUpOnlyWhenItIsOpened) {
+  scratch_.Make("Papers\\Letters\\a.txt", "a");
+  form_->FT1.SelectPath(scratch_ / "Papers");
+  EXPECT_TRUE(ChildrenOf(Selected()).empty());
+  EXPECT_TRUE(HasButton(Selected()));
+  scratch_.Make("Papers\\Later\\a.txt", "a");
+  ::SendMessageA(Tree(), WM_KEYDOWN, VK_RIGHT, 0);
+  EXPECT_EQ(ChildrenOf(Selected()), (std::vector<std::string>{"Later", "Letters"}));
+}
+
+TEST_F(FolderTreeviewTest, FolderWithoutFoldersHasNoButtonOnceItWasOpened) {
+  scratch_.Make("Papers\\a.txt", "a");
+  form_->FT1.SelectPath(scratch_ / "Papers");
+  TreeView_Expand(Tree(), Selected(), TVE_EXPAND);
+  EXPECT_FALSE(HasButton(Selected()));
+}
+
+TEST_F(FolderTreeviewTest, SelectsAHiddenFolderInItsPlaceAmongTheOthers) {
+  scratch_.Make("!first\\a.txt", "a");
+  scratch_.Make("zulu\\a.txt", "a");
+  scratch_.Make(".mine\\a.txt", "a");
+  const std::string hidden = scratch_ / ".mine";
+  ::SetFileAttributesA(hidden.c_str(), FILE_ATTRIBUTE_HIDDEN);
+  ASSERT_TRUE(::GetFileAttributesA(hidden.c_str()) & FILE_ATTRIBUTE_HIDDEN);
+  form_->FT1.SelectPath(scratch_ / "zulu");
+  const HTREEITEM parent = TreeView_GetParent(Tree(), Selected());
+  ASSERT_EQ(ChildrenOf(parent), (std::vector<std::string>{"!first", "zulu"}));
+
+  form_->FT1.SelectPath(hidden);
+  EXPECT_EQ(form_->selections.back(), Selection(hidden, hidden));
+  EXPECT_EQ(ChildrenOf(parent), (std::vector<std::string>{"!first", ".mine", "zulu"}));
+  form_->FT1.SelectPath(scratch_ / "zulu");
+  form_->FT1.SelectPath(hidden);
+  EXPECT_EQ(ChildrenOf(parent).size(), 3U) << "it is there by now";
+}
+
+TEST_F(FolderTreeviewTest, FolderThatIsGoneOpensEmptyAndWithoutABox) {
+  scratch_.Make("Papers\\Letters\\a.txt", "a");
+  form_->FT1.SelectPath(scratch_ / "Papers");
+  ::DeleteFileA((scratch_ / "Papers\\Letters\\a.txt").c_str());
+  ::RemoveDirectoryA((scratch_ / "Papers\\Letters").c_str());
+  ::RemoveDirectoryA((scratch_ / "Papers").c_str());
+  TreeView_Expand(Tree(), Selected(), TVE_EXPAND);
+  EXPECT_TRUE(ChildrenOf(Selected()).empty());
+  EXPECT_EQ(form_->selections.size(), 1U);
+}
+
+}  // namespace
+}  // namespace zq::test

@@ -1,0 +1,76 @@
+#include <gtest/gtest.h>
+
+#include "controls/Default.h"
+#include "controls/ProgressBarEx.h"
+#include "resource.h"
+
+namespace zq::test {
+namespace {
+
+class frmBars final : public Form {
+ public:
+  frmBars() : Form(IDD_frmStatus) {}
+  ProgressBarEx pbCurrent{*this, IDC_frmStatus_pbCurrent};
+};
+
+class ProgressBarExTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    form_.Create();
+    form_.Show();
+  }
+
+  // The colour of the bar at a share of its width, three pixels above its lower edge: the text stands higher.
+  COLORREF ColourAt(int percent) {
+    const HWND bar = form_.pbCurrent.Handle();
+    RECT client{};
+    ::GetClientRect(bar, &client);
+    const HDC window = ::GetDC(bar);
+    const HDC memory = ::CreateCompatibleDC(window);
+    const UniqueBitmap bitmap(::CreateCompatibleBitmap(window, client.right, client.bottom));
+    const HGDIOBJ before = ::SelectObject(memory, bitmap.Get());
+    ::SendMessageA(bar, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(memory), PRF_CLIENT);
+    const COLORREF colour = ::GetPixel(memory, 1 + (client.right - 3) * percent / 100, client.bottom - 3);
+    ::SelectObject(memory, before);
+    ::DeleteDC(memory);
+    ::ReleaseDC(bar, window);
+    return colour;
+  }
+
+  LRESULT SystemPosition() { return ::SendMessageA(form_.pbCurrent.Handle(), PBM_GETPOS, 0, 0); }
+
+  frmBars form_;
+};
+
+TEST_F(ProgressBarExTest, KeepsTheSystemControlsPositionForScreenReaders) {
+  form_.pbCurrent.SetValue(42);
+  EXPECT_EQ(SystemPosition(), 42);
+}
+
+TEST_F(ProgressBarExTest, TakesValuesBeyondItsRangeAndDrawsThemFull) {
+  form_.pbCurrent.UsePlainLook();
+  form_.pbCurrent.SetValue(32767);
+  EXPECT_EQ(form_.pbCurrent.Value(), 32767);
+  EXPECT_EQ(SystemPosition(), 100);
+  EXPECT_EQ(ColourAt(100), kProgressColourPlain);
+  form_.pbCurrent.SetValue(-5);
+  EXPECT_EQ(form_.pbCurrent.Value(), -5);
+  EXPECT_EQ(SystemPosition(), 0);
+  EXPECT_EQ(ColourAt(0), RGB(255, 255, 255));
+}
+
+TEST_F(ProgressBarExTest, FillsTheShareThatItsValueTells) {
+  form_.pbCurrent.UsePlainLook();
+  form_.pbCurrent.SetValue(50);
+  EXPECT_EQ(ColourAt(10), RGB(40, 210, 43));
+  EXPECT_EQ(ColourAt(40), RGB(40, 210, 43));
+  EXPECT_EQ(ColourAt(65), RGB(255, 255, 255));
+}
+
+TEST_F(ProgressBarExTest, HasItsStoredBlueUntilThePlainLookIsAskedFor) {
+  form_.pbCurrent.SetValue(100);
+  EXPECT_EQ(ColourAt(10), RGB(49, 106, 197));
+}
+
+}  // namespace
+}  // namespace zq::test

@@ -1,0 +1,151 @@
+#include <gtest/gtest.h>
+
+#include "Driving.h"
+#include "FakePlatform.h"
+#include "jobs/frmOpenJob.h"
+#include "platform/RunTimeError.h"
+
+namespace zq::test {
+namespace {
+
+class frmOpenJobTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    state_.AppFolder = "C:\\Zeroquill\\";
+    state_.CurrentJobName = "Monthly";
+    state_.JobActionCancelled = true;  // as the Open command sets it
+    fake_.files.AddFolder("C:\\Zeroquill");
+    fake_.files.AddFolder("C:\\Zeroquill\\Jobs");
+    Default<frmOpenJob>::SetFactory([this] { return std::make_unique<frmOpenJob>(state_, fake_.platform); });
+  }
+  void TearDown() override {
+    if (Default<frmOpenJob>::IsLoaded()) Default<frmOpenJob>::Touch().Unload();
+    Form::DestroyClosed();
+  }
+
+  void AddJobs() {
+    fake_.files.AddFile("C:\\Zeroquill\\Jobs\\Monthly.zqj", "\"1/2/2026 10:00:00 AM\"\r\n");
+    fake_.files.AddFile("C:\\Zeroquill\\Jobs\\a.b.zqj", "\"N/A\"\r\nand no more of a job");
+    fake_.files.AddFile("C:\\Zeroquill\\Jobs\\monthly cleaning.zqj", "\"N/A\"\r\n");
+  }
+  frmOpenJob& Open() { return Default<frmOpenJob>::Touch(); }
+  std::string Cell(int row, int column) { return Open().ListView1.CellText(row, column); }
+  void DoubleClick() {
+    NMITEMACTIVATE notification{};
+    notification.hdr = {Open().ListView1.Handle(), IDC_frmOpenJob_ListView1, static_cast<UINT>(NM_DBLCLK)};
+    ::SendMessageA(Open().Handle(), WM_NOTIFY, IDC_frmOpenJob_ListView1,
+                   reinterpret_cast<LPARAM>(&notification));
+  }
+
+  FakePlatform fake_;
+  AppState state_;
+};
+
+TEST_F(frmOpenJobTest, OpensWithItsTexts) {
+  AddJobs();
+  Form& form = Open();
+  EXPECT_EQ(CaptionOf(form), "Open Job");
+  EXPECT_EQ(TextOf(form, IDC_frmOpenJob_Label1),
+            "This option allows you to open any previously saved Wiping Jobs.  Select the Job you wish to "
+            "open and click OK, or simply double click a listed Job to open it.");
+  EXPECT_EQ(TextOf(form, IDC_frmOpenJob_cmdOK), "&OK");
+  EXPECT_EQ(TextOf(form, IDC_frmOpenJob_cmdCancel), "&Close");
+  EXPECT_EQ(TextOf(form, IDC_frmOpenJob_cmdHelp), "&Help");
+  EXPECT_EQ(DefaultButtonOf(form), IDC_frmOpenJob_cmdOK);
+  EXPECT_EQ(TabOrder(form), (std::vector<int>{IDC_frmOpenJob_ListView1, IDC_frmOpenJob_cmdOK,
+                                              IDC_frmOpenJob_cmdCancel, IDC_frmOpenJob_cmdHelp}));
+}
+
+TEST_F(frmOpenJobTest, ListsTheSavedJobsWithTheirLastWipingAndSelectsTheFirst) {
+  AddJobs();
+  frmOpenJob& form = Open();
+  ASSERT_EQ(form.ListView1.RowCount(), 3);
+  EXPECT_EQ(Cell(1, 0), "Monthly");
+  EXPECT_EQ(Cell(1, 1), "1/2/2026 10:00:00 AM");
+  EXPECT_EQ(Cell(2, 0), "a.b");
+  EXPECT_EQ(Cell(2, 1), "N/A");
+  EXPECT_EQ(form.ListView1.SelectedRow(), 1);
+  EXPECT_TRUE(IsEnabled(form, IDC_frmOpenJob_cmdOK));
+}
+
+TEST_F(frmOpenJobTest, WithoutSavedJobsOnlyCloseAndHelpWork) {
+  frmOpenJob& form = Open();
+  EXPECT_EQ(form.ListView1.RowCount(), 0);
+  EXPECT_FALSE(IsEnabled(form, IDC_frmOpenJob_cmdOK));
+  DoubleClick();
+  EXPECT_TRUE(Default<frmOpenJob>::IsLoaded());
+  Press(form, IDC_frmOpenJob_cmdHelp);
+  EXPECT_TRUE(Default<frmOpenJob>::IsLoaded());
+  Press(form, IDC_frmOpenJob_cmdCancel);
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+  EXPECT_TRUE(state_.JobActionCancelled);
+}
+
+TEST_F(frmOpenJobTest, OkChoosesTheSelectedJob) {
+  AddJobs();
+  Open().ListView1.SelectRow(2);
+  Press(Open(), IDC_frmOpenJob_cmdOK);
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+  EXPECT_EQ(state_.SelectedJobName, "a.b");
+  EXPECT_FALSE(state_.JobActionCancelled);
+}
+
+TEST_F(frmOpenJobTest, OkOnTheOpenJobIsACancel) {
+  AddJobs();
+  Press(Open(), IDC_frmOpenJob_cmdOK);
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+  EXPECT_EQ(state_.SelectedJobName, "");
+  EXPECT_TRUE(state_.JobActionCancelled);
+}
+
+TEST_F(frmOpenJobTest, DoubleClickDoesAsOkDoes) {
+  AddJobs();
+  Open().ListView1.SelectRow(3);
+  DoubleClick();
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+  EXPECT_EQ(state_.SelectedJobName, "monthly cleaning");
+}
+
+TEST_F(frmOpenJobTest, WithNoRowSelectedNothingCanBeChosen) {
+  AddJobs();
+  frmOpenJob& form = Open();
+  // As the user does, by a click beside the rows.
+  ListView_SetItemState(form.ListView1.Handle(), -1, 0, LVIS_SELECTED);
+  EXPECT_FALSE(IsEnabled(form, IDC_frmOpenJob_cmdOK));
+  DoubleClick();
+  EXPECT_TRUE(Default<frmOpenJob>::IsLoaded());
+  ListView_SetItemState(form.ListView1.Handle(), 1, LVIS_SELECTED, LVIS_SELECTED);
+  EXPECT_TRUE(IsEnabled(form, IDC_frmOpenJob_cmdOK));
+}
+
+TEST_F(frmOpenJobTest, CloseAndTheCloseBoxChooseNothing) {
+  AddJobs();
+  Open().ListView1.SelectRow(2);
+  Press(Open(), IDC_frmOpenJob_cmdCancel);
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+  Open().ListView1.SelectRow(2);
+  Close(Open());
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+  EXPECT_EQ(state_.SelectedJobName, "");
+  EXPECT_TRUE(state_.JobActionCancelled);
+}
+
+TEST_F(frmOpenJobTest, TypingFindsTheNextJobWhoseNameBeginsSo) {
+  AddJobs();
+  const auto& findRow = Open().ListView1.FindRow;
+  EXPECT_EQ(findRow("MONTHLY", 1), 1);
+  EXPECT_EQ(findRow("mon", 2), 3);
+  EXPECT_EQ(findRow("A", 3), 2);
+  EXPECT_EQ(findRow("mon", 4), 1);
+  EXPECT_EQ(findRow("x", 1), 0);
+}
+
+TEST_F(frmOpenJobTest, JobWhoseFirstFieldIsMissingEndsTheLoad) {
+  AddJobs();
+  fake_.files.AddFile("C:\\Zeroquill\\Jobs\\empty.zqj", "");
+  EXPECT_THROW(Open(), RunTimeError);
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+}
+
+}  // namespace
+}  // namespace zq::test

@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include "FakePlatform.h"
+#include "jobs/JobList.h"
+#include "support/fakes/FakeEngine.h"
+#include "support/fakes/FakeWindows.h"
+#include "wipe/JobWipe.h"
+#include "wipe/frmStatus.h"
+
+namespace zq::test {
+namespace {
+
+const Message kCancelQuestion{.text = "Cancel the current operation?",
+                              .title = "Cancel",
+                              .icon = MessageIcon::Question,
+                              .buttons = MessageButtons::YesNo};
+
+class frmStatusTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    jobWipe_.SetEngine(&engine_);
+    Default<frmStatus>::SetFactory(
+        [this] { return std::make_unique<frmStatus>(state_, fake_.platform, jobWipe_); });
+  }
+  void TearDown() override {
+    if (Default<frmStatus>::IsLoaded()) Default<frmStatus>::Touch().Unload();
+    Form::DestroyClosed();
+  }
+
+  bool EngineWasCancelled() const {
+    return std::find(fake_.files.log.begin(), fake_.files.log.end(), "CancelOperation") !=
+           fake_.files.log.end();
+  }
+  void PressCancel() { ::SendMessageA(Default<frmStatus>::Touch().cmdCancel.Handle(), BM_CLICK, 0, 0); }
+  void PressCloseBox() { ::SendMessageA(Default<frmStatus>::Touch().Handle(), WM_CLOSE, 0, 0); }
+
+  FakePlatform fake_;
+  AppState state_;
+  JobList jobList_{fake_.regional};
+  FakeMainWindow mainWindow_{fake_.files.log};
+  StatusWindow statusWindow_;
+  JobWipe jobWipe_{state_, jobList_, fake_.platform, mainWindow_, statusWindow_, nullptr};
+  FakeEngine engine_{fake_.files.log, jobWipe_};
+};
+
+TEST_F(frmStatusTest, OpensWithItsTexts) {
+  frmStatus& form = Default<frmStatus>::Touch();
+  char caption[100] = {};
+  ::GetWindowTextA(form.Handle(), caption, sizeof caption);
+  EXPECT_STREQ(caption, "Wipe Operation");
+  EXPECT_EQ(form.lblStatus.Text(), "Preparing wipe operation...please wait...");
+  EXPECT_EQ(form.cmdCancel.Text(), "Cancel Operation");
+  const auto text = [&](int id) {
+    char buffer[100] = {};
+    ::GetDlgItemTextA(form.Handle(), id, buffer, sizeof buffer);
+    return std::string(buffer);
+  };
+  EXPECT_EQ(text(IDC_frmStatus_Frame1), "Operation Status");
+  EXPECT_EQ(text(IDC_frmStatus_Label2), "Current Item");
+  EXPECT_EQ(text(IDC_frmStatus_Label3), "Overall Items");
+}
+
+TEST_F(frmStatusTest, CloseBoxIsRefusedWithoutAWordWhileCancelIsDisabled) {
+  statusWindow_.SetCancelEnabled(false);
+  PressCloseBox();
+  EXPECT_TRUE(Default<frmStatus>::IsLoaded());
+  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_FALSE(state_.CancelRequested);
+}
+
+TEST_F(frmStatusTest, CancelButtonAsksAndOnNoTheWipeGoesOn) {
+  fake_.messageBoxes.answers = {MessageAnswer::No};
+  PressCancel();
+  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+  EXPECT_TRUE(Default<frmStatus>::IsLoaded());
+  EXPECT_FALSE(state_.CancelRequested);
+  EXPECT_FALSE(EngineWasCancelled());
+}
+
+TEST_F(frmStatusTest, CancelButtonStopsTheEngineAndClosesTheWindow) {
+  fake_.messageBoxes.answers = {MessageAnswer::Yes};
+  PressCancel();
+  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion}) << "its own unload asks nothing";
+  EXPECT_FALSE(Default<frmStatus>::IsLoaded());
+  EXPECT_TRUE(state_.CancelRequested);
+  EXPECT_TRUE(EngineWasCancelled());
+}
+
+TEST_F(frmStatusTest, AnyAnswerButNoCancels) {
+  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  PressCancel();
+  EXPECT_TRUE(state_.CancelRequested);
+  EXPECT_FALSE(Default<frmStatus>::IsLoaded());
+}
+
+TEST_F(frmStatusTest, CloseBoxAsksTheSameWhileCancelIsEnabled) {
+  fake_.messageBoxes.answers = {MessageAnswer::No};
+  PressCloseBox();
+  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+  EXPECT_TRUE(Default<frmStatus>::IsLoaded());
+  EXPECT_FALSE(state_.CancelRequested);
+
+  fake_.messageBoxes.answers = {MessageAnswer::Yes};
+  PressCloseBox();
+  EXPECT_FALSE(Default<frmStatus>::IsLoaded());
+  EXPECT_TRUE(state_.CancelRequested);
+  EXPECT_TRUE(EngineWasCancelled());
+}
+
+TEST_F(frmStatusTest, CloseByTheProgramAsksNothing) {
+  statusWindow_.SetCancelEnabled(true);
+  statusWindow_.Unload();
+  EXPECT_FALSE(Default<frmStatus>::IsLoaded());
+  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_FALSE(state_.CancelRequested);
+}
+
+TEST_F(frmStatusTest, EventAfterTheCloseWorksOnAFreshHiddenInstance) {
+  statusWindow_.Show();
+  statusWindow_.Unload();
+  jobWipe_.SFD1_WipeProgress(50, 100, 0, "C:\\a.txt");
+  ASSERT_TRUE(Default<frmStatus>::IsLoaded());
+  EXPECT_FALSE(Default<frmStatus>::Touch().IsVisible());
+  EXPECT_EQ(Default<frmStatus>::Touch().lblStatus.Text(), "Processed 50 bytes of 100 of C:\\a.txt...");
+  EXPECT_EQ(Default<frmStatus>::Touch().pbCurrent.Value(), 50);
+}
+
+TEST_F(frmStatusTest, PathsWithAmpersandsAreShownAsTheyAre) {
+  statusWindow_.SetStatus("Processed  bytes of 5 of C:\\R&D\\a.txt...");
+  const auto style = ::GetWindowLongA(Default<frmStatus>::Touch().lblStatus.Handle(), GWL_STYLE);
+  EXPECT_TRUE(style & SS_NOPREFIX);
+}
+
+TEST_F(frmStatusTest, PlainBarsFollowTheSetting) {
+  state_.Settings.ProgressBars = 0;
+  frmStatus& form = Default<frmStatus>::Touch();
+  form.Show();
+  for (ProgressBarEx* bar : {&form.pbCurrent, &form.pbOverall}) {
+    bar->SetValue(100);
+    ::UpdateWindow(bar->Handle());
+    const HDC context = ::GetDC(bar->Handle());
+    EXPECT_EQ(::GetPixel(context, 5, 5), kProgressColourPlain);
+    ::ReleaseDC(bar->Handle(), context);
+  }
+}
+
+}  // namespace
+}  // namespace zq::test
