@@ -9,7 +9,9 @@ namespace {
 using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
+using ::testing::Ge;
 using ::testing::HasSubstr;
+using ::testing::Le;
 using ::testing::StartsWith;
 
 constexpr char kCancelLine[] =
@@ -175,7 +177,10 @@ class Cancelling : public WipingTest {
     EXPECT_THAT(report.files, ElementsAre(paths_[0], paths_[1]));
     EXPECT_THAT(report.errors, ElementsAre(StartsWith(paths_[1] + " - "), kCancelLine));
     EXPECT_FALSE(PathExists(paths_[0]));
-    EXPECT_EQ(ReadFileBytes(paths_[1]).size(), kLargeBytes) << "what isn't wholly overwritten is not deleted";
+    // What the file system has given it is overwritten up to the end, which may be behind the content's.
+    // Under Wine that counts the block that a file in many pieces has for their list.
+    EXPECT_THAT(ReadFileBytes(paths_[1]).size(), AllOf(Ge(kLargeBytes), Le(kLargeBytes + (1u << 20))))
+        << "what isn't wholly overwritten is not deleted";
     EXPECT_EQ(ReadFileBytes(paths_[2]), third);
     EXPECT_EQ(ReadFileBytes(paths_[3]), fourth);
     EXPECT_EQ(main.list.Rows(), 4);
