@@ -15,7 +15,7 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
   item->path = path;
-  item->file.emplace(operation_, *item->place->folder, name, path);
+  item->file.emplace(operation_, *item->place, name, path);
   try {
     item->file->Open();
   } catch (const Failure& failure) {
@@ -176,9 +176,14 @@ void FileBatch::CheckTransfers() {
 // the folder, with the names that are still in it, into the file system's journal.
 void FileBatch::Erase() {
   for (const auto& item : items_) {
+    if (item->file) Try(*item, [&] { item->file->RemoveStreams(); });
+  }
+  TryTogether("Shortening", &Device::EmptyMany);
+  for (const auto& item : items_) {
     Try(*item, [&] { item->file ? item->file->Hide() : HideLink(*item); });
   }
-  FlushNames();
+  TryTogether("Flushing the entry of", &Device::FlushEntries);
+  FlushPlaces(true);
   for (const auto& item : items_) {
     Try(*item, [&] {
       if (item->file) {
@@ -195,14 +200,16 @@ void FileBatch::Erase() {
 
 void FileBatch::HideLink(Item& item) {
   Folder& folder = *item.place->folder;
-  item.link.name = HideName(operation_, item.link.name, item.path, [&](const std::string& newName) {
-    Status status = folder.Rename(item.link, newName);
-    if (status.Ok()) item.link.name = newName;
-    return status;
-  });
+  item.link.name = HideName(operation_, item.link.name, item.path, item.place->shortestName,
+                            [&](const std::string& newName) {
+                              Status status = folder.Rename(item.link, newName);
+                              if (status.Ok()) item.link.name = newName;
+                              return status;
+                            });
 }
 
-void FileBatch::FlushNames() {
+void FileBatch::TryTogether(const char* doing,
+                            void (Device::*call)(std::span<File* const>, std::span<Status>)) {
   std::vector<File*> files;
   std::vector<Item*> items;
   for (const auto& item : items_) {
@@ -211,11 +218,10 @@ void FileBatch::FlushNames() {
     items.push_back(item.get());
   }
   std::vector<Status> outcomes(files.size());
-  if (!files.empty()) operation_.device.FlushEntries(files, outcomes);
+  if (!files.empty()) (operation_.device.*call)(files, outcomes);
   for (std::size_t i = 0; i < items.size(); ++i) {
-    Try(*items[i], [&] { Require(outcomes[i], "Flushing the entry of", items[i]->file->HiddenPath()); });
+    Try(*items[i], [&] { Require(outcomes[i], doing, items[i]->file->HiddenPath()); });
   }
-  FlushPlaces(true);
 }
 
 // A folder that can't be flushed fails all that was done in it: nobody knows what of it is on the device.

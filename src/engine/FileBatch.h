@@ -15,13 +15,6 @@
 
 namespace zq::engine {
 
-// A folder in which something is wiped.
-struct Place {
-  std::unique_ptr<Folder> folder;
-  std::string path;
-  bool somethingStays = false;  // something in it has failed, so it has to stay too
-};
-
 // With small files the flushes are all that takes time: one for each file and pass, and as many again for
 // names and removals. Here the pass is written to all files, then made durable once, and so are the names,
 // and the removals. A file that fails is taken out and stays, and the others go on. Nothing is removed
@@ -68,7 +61,8 @@ class FileBatch {
   void CheckTransfers();
   void Erase();
   void HideLink(Item& item);
-  void FlushNames();
+  // Calls the device once for all files that are still in the batch, each with its own outcome.
+  void TryTogether(const char* doing, void (Device::*call)(std::span<File* const>, std::span<Status>));
   void FlushPlaces(bool ofLinksAlone);
 
   Operation& operation_;

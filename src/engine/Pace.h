@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "engine/AlignedBuffer.h"
 #include "engine/Clock.h"
 #include "engine/Device.h"
 
@@ -14,8 +15,9 @@ namespace zq::engine {
 // large writes. So both start small and double while they prove quick.
 class Pace {
  public:
-  static constexpr std::size_t kLargestUnit = std::size_t{1} << 20;
-  static constexpr std::size_t kMostTransfers = 32;
+  static constexpr std::size_t kLargestUnit = UnitBuffers::kLargest;
+  static constexpr std::size_t kLargestUnits = 4;  // so many are under way: more gain nothing
+  static constexpr std::size_t kMostTransfers = 128;
   static constexpr std::size_t kMostFiles = 256;
 
   // The size of the next write or read. Into a cache no more is written at once than may wait there.
@@ -42,9 +44,10 @@ class Pace {
 
   // `time` is what the transfer has taken beyond the one that ended before it.
   void UnitTook(Clock::Time time, std::size_t unitBytes) {
-    if (time > kLongTransfer) {
+    const auto untilAllEnd = time * static_cast<std::int64_t>(transfers_);
+    if (untilAllEnd > kLongQueue) {
       transfers_ = std::max<std::size_t>(transfers_ / 2, 1);
-    } else if (time < kShortTransfer) {
+    } else if (untilAllEnd < kShortQueue) {
       transfers_ = std::min(transfers_ * 2, kMostTransfers);
     }
     if (time > kLongUnit) {
@@ -75,10 +78,9 @@ class Pace {
   static constexpr std::size_t kSmallestUnit = std::size_t{4} << 10;
   static constexpr Clock::Time kShortUnit{8'000};
   static constexpr Clock::Time kLongUnit{30'000};
-  static constexpr Clock::Time kShortTransfer{1'000};
-  static constexpr Clock::Time kLongTransfer{8'000};
+  static constexpr Clock::Time kShortQueue{40'000};
+  static constexpr Clock::Time kLongQueue{100'000};
   static constexpr std::size_t kSmallTransfer = std::size_t{8} << 10;
-  static constexpr std::size_t kLargestUnits = 4;  // more under way gain nothing
   static constexpr Clock::Time kShortFlush{25'000};
   static constexpr Clock::Time kLongFlush{60'000};
   static constexpr Clock::Time kShortRemoval{60'000};

@@ -5,17 +5,21 @@
 namespace zq::engine {
 
 Pipeline::Pipeline(Device& device, const Clock& clock, Pace& pace)
-    : clock_(clock), pace_(pace), queue_(device.MakeQueue()) {
-  for (std::size_t i = slots_.size(); i > 0; --i) free_.push_back(i - 1);
+    : clock_(clock),
+      pace_(pace),
+      queue_(device.MakeQueue()),
+      depth_(std::min(queue_->Depth(), slots_.size())),
+      memory_(depth_, std::min(depth_, Pace::kLargestUnits)) {
+  for (std::size_t i = depth_; i > 0; --i) free_.push_back(i - 1);
 }
 
 std::span<std::byte> Pipeline::MakeRoom(std::size_t sizeBytes) {
   while (underWay_ > 0) {
-    const std::size_t most = std::min({queue_->Depth(), pace_.TransfersAtOnce(), slots_.size()});
+    const std::size_t most = std::min(depth_, pace_.TransfersAtOnce());
     if (underWay_ < most && bytesUnderWay_ + sizeBytes <= pace_.BytesAtOnce()) break;
     WaitForOne();
   }
-  return memory_.Part(free_.back() * Pace::kLargestUnit, sizeBytes);
+  return memory_.Unit(free_.back(), sizeBytes);
 }
 
 void Pipeline::BeginWrite(Client& client, File& file, std::uint64_t offsetBytes,

@@ -32,6 +32,23 @@ TEST(Pace, LearnsNothingFromAWriteThatWasSmallerThanTheUnit) {
   EXPECT_EQ(pace.UnitBytes(Access::Direct), first);
 }
 
+// However long one takes: all that are under way have to end before a cancel gets through.
+TEST(Pace, BoundsTheTransfersUnderWayByTheTimeUntilAllHaveEnded) {
+  Pace pace;
+  EXPECT_EQ(pace.TransfersAtOnce(), 1u);
+  for (int i = 0; i < 20; ++i) pace.UnitTook(std::chrono::microseconds(50), 4096);
+  EXPECT_EQ(pace.TransfersAtOnce(), Pace::kMostTransfers);
+  for (const int tookMilliseconds : {1, 2, 4, 8, 16, 32}) {
+    for (int i = 0; i < 20; ++i) pace.UnitTook(milliseconds(tookMilliseconds), 4096);
+    EXPECT_LE(pace.TransfersAtOnce() * static_cast<std::size_t>(tookMilliseconds), 100u)
+        << tookMilliseconds;
+    EXPECT_GE(pace.TransfersAtOnce() * static_cast<std::size_t>(tookMilliseconds), 20u)
+        << tookMilliseconds;
+  }
+  for (int i = 0; i < 20; ++i) pace.UnitTook(milliseconds(500), 4096);
+  EXPECT_EQ(pace.TransfersAtOnce(), 1u);
+}
+
 TEST(Pace, BoundsWhatWaitsInACacheByTheTimeOfItsFlush) {
   Pace pace;
   const std::uint64_t first = pace.FlushAfterBytes(Access::Cached);
