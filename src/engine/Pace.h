@@ -44,16 +44,20 @@ class Pace {
 
   // `time` is what the transfer has taken beyond the one that ended before it.
   void UnitTook(Clock::Time time, std::size_t unitBytes) {
-    const auto untilAllEnd = time * static_cast<std::int64_t>(transfers_);
-    if (untilAllEnd > kLongQueue) {
-      transfers_ = std::max<std::size_t>(transfers_ / 2, 1);
-    } else if (untilAllEnd < kShortQueue) {
-      transfers_ = std::min(transfers_ * 2, kMostTransfers);
-    }
     if (time > kLongUnit) {
       unit_ = std::max(unit_ / 2, kSmallestUnit);
     } else if (time < kShortUnit && unitBytes >= unit_) {
       unit_ = std::min(unit_ * 2, kLargestUnit);
+    }
+  }
+
+  // `time` is from a transfer's beginning to its end: with others before it, as long as the wait for all of
+  // them.
+  void TransferTook(Clock::Time time) {
+    if (time > kLongQueue) {
+      transfers_ = std::max<std::size_t>(transfers_ / 2, 1);
+    } else if (time < kShortQueue) {
+      transfers_ = std::min(transfers_ * 2, kMostTransfers);
     }
   }
 

@@ -78,7 +78,10 @@ void Pipeline::WaitForOne() {
                                                 : "the device holds less than was written");
   }
   const Clock::Time now = clock_.Now();
-  if (ended.status.Ok()) pace_.UnitTook(now - std::max(slot.begun, lastEnd_), slot.data.size());
+  if (ended.status.Ok()) {
+    pace_.UnitTook(now - std::max(slot.begun, lastEnd_), slot.data.size());
+    pace_.TransferTook(now - slot.begun);
+  }
   lastEnd_ = now;
   const Slot finished = slot;
   Release(ended.tag);

@@ -61,7 +61,8 @@ class Uring {
   static constexpr unsigned kMostWaiting = 64;
 
   int fd_ = -1;
-  unsigned waiting_ = 0;  // begun, but not yet the kernel's
+  unsigned waiting_ = 0;   // begun, but not yet the kernel's
+  unsigned underWay_ = 0;  // begun, and not yet told by Wait
   Mapping submissions_;
   Mapping completions_;
   Mapping entries_;

@@ -36,16 +36,16 @@ TEST(Pace, LearnsNothingFromAWriteThatWasSmallerThanTheUnit) {
 TEST(Pace, BoundsTheTransfersUnderWayByTheTimeUntilAllHaveEnded) {
   Pace pace;
   EXPECT_EQ(pace.TransfersAtOnce(), 1u);
-  for (int i = 0; i < 20; ++i) pace.UnitTook(std::chrono::microseconds(50), 4096);
+  for (int i = 0; i < 20; ++i) pace.TransferTook(milliseconds(1));
   EXPECT_EQ(pace.TransfersAtOnce(), Pace::kMostTransfers);
-  for (const int tookMilliseconds : {1, 2, 4, 8, 16, 32}) {
-    for (int i = 0; i < 20; ++i) pace.UnitTook(milliseconds(tookMilliseconds), 4096);
-    EXPECT_LE(pace.TransfersAtOnce() * static_cast<std::size_t>(tookMilliseconds), 100u)
-        << tookMilliseconds;
-    EXPECT_GE(pace.TransfersAtOnce() * static_cast<std::size_t>(tookMilliseconds), 20u)
-        << tookMilliseconds;
+  // The device does one after the other.
+  for (const int eachTakes : {1, 2, 4, 8, 16, 32}) {
+    const auto untilAllEnd = [&] { return static_cast<int>(pace.TransfersAtOnce()) * eachTakes; };
+    for (int i = 0; i < 20; ++i) pace.TransferTook(milliseconds(untilAllEnd()));
+    EXPECT_LE(untilAllEnd(), 100) << eachTakes;
+    EXPECT_GE(untilAllEnd(), 20) << eachTakes;
   }
-  for (int i = 0; i < 20; ++i) pace.UnitTook(milliseconds(500), 4096);
+  for (int i = 0; i < 20; ++i) pace.TransferTook(milliseconds(500));
   EXPECT_EQ(pace.TransfersAtOnce(), 1u);
 }
 
