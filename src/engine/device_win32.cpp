@@ -58,6 +58,10 @@ Status FromCode(DWORD code) {
     case ERROR_HANDLE_DISK_FULL:
       trouble = Trouble::NoSpace;
       break;
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      // What the system says of it, in whatever language, helps nobody to find the culprit.
+      return {trouble, static_cast<std::int32_t>(code), "another program has it open"};
     default:
       break;
   }

@@ -153,6 +153,21 @@ case_written_to_all_the_time() {
   if ((status == 0)); then gone "$top"; fi
 }
 
+# The file system's server ends while the wipe is at it, as a network path drops.
+kind_of[server_that_ends]=ntfs
+case_server_that_ends() {
+  mkdir -p "$top/sub"
+  put "$top/a" 50000
+  put "$top/sub/b" 50000
+  wipe --at b "kill -9 $(pgrep -x ntfs-3g)" "$top"
+  refused 'Transport endpoint is not connected'
+  ! grep -q '^wiped b' "$work/output" || fault "what could not be wiped is called wiped"
+  # What of it was wiped before is chance.
+  lost "$top/a"
+  lost "$top/sub/b"
+  umount -l "$mnt"
+}
+
 case_open_elsewhere() {
   local handle
   mkdir "$top"

@@ -455,7 +455,8 @@ std::unique_ptr<TransferQueue> FakeDevice::MakeQueue() {
   return std::make_unique<FakeQueue>(*this);
 }
 
-FakeDevice::FakeDevice(FakeClock& clock) : clock_(clock), root_(std::make_shared<Node>()) {
+FakeDevice::FakeDevice(FakeClock& clock)
+    : faultStatus(Broken()), clock_(clock), root_(std::make_shared<Node>()) {
   root_->kind = EntryKind::Folder;
 }
 
@@ -569,7 +570,7 @@ Status FakeDevice::Begin(const std::string& kind, const std::string& path, std::
   if (!hit) return {};
   faultHappened = true;
   ops.back().ok = false;
-  return Broken();
+  return faultStatus;
 }
 
 void FakeDevice::Pass(std::uint64_t bytes) {

@@ -98,6 +98,7 @@ class FakeDevice final : public Device {
   std::size_t faultAt = 0;
   bool faultHappened = false;
   std::string faultKind;  // of the operation that it hit
+  Status faultStatus;     // what it fails with; with all that a text of a system can bring
 
   // --- what a test looks at ---
   std::vector<Op> ops;

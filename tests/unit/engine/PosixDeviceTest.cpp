@@ -88,6 +88,19 @@ TEST(PosixDevice, RemovesLinksInsideAFolderAndLeavesTheirTargets) {
   EXPECT_EQ(ReadBytes(scratch / "outside/file"), "keep");
 }
 
+TEST(PosixDevice, EndsWhereLinksToFoldersMakeALoop) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "top/a/b");
+  WriteBytes(scratch / "top/a/b/file", Secret(100));
+  fs::create_directory_symlink("..", scratch / "top/a/b/up");
+  fs::create_directory_symlink(scratch / "top", scratch / "top/a/round");
+  fs::create_directory_symlink("itself", scratch / "top/itself");
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+  EXPECT_EQ(real.events.Of("wiped").size(), 1u);
+}
+
 TEST(PosixDevice, DestroysTheContentUnderAllItsHardLinks) {
   Scratch scratch;
   RealEngine real;
@@ -96,6 +109,7 @@ TEST(PosixDevice, DestroysTheContentUnderAllItsHardLinks) {
   EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "one"), 3)) << real.engine.LastErrorText();
   EXPECT_FALSE(fs::exists(scratch / "one"));
   EXPECT_EQ(fs::file_size(scratch / "two"), 0u);
+  EXPECT_THAT(real.engine.Note(), HasSubstr("1 file has other names, too. Under these it is now empty."));
 }
 
 TEST(PosixDevice, RemovesAllNamesOfAFileThatLieInTheFolder) {

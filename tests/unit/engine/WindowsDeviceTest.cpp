@@ -22,10 +22,58 @@ TEST(WindowsDevice, FailsOnAFileThatAnotherProgramMayWriteTo) {
                     nullptr, OPEN_EXISTING, 0, nullptr);
   ASSERT_NE(other, INVALID_HANDLE_VALUE);
   EXPECT_FALSE(real.engine.WipeFile(Utf8(path), 3));
-  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("(32)"));
+  EXPECT_EQ(real.engine.LastErrorText(), "Opening " + Utf8(path) + ": another program has it open (32)");
   ::CloseHandle(other);
   EXPECT_EQ(ReadBytes(path), Secret(100));
   EXPECT_TRUE(real.engine.WipeFile(Utf8(path), 3)) << real.engine.LastErrorText();
+}
+
+TEST(WindowsDevice, LetsNobodyWriteWhileItWipes) {
+  Scratch scratch;
+  RealEngine real;
+  const fs::path path = scratch / "x";
+  WriteBytes(path, Secret(50'000));
+  DWORD code = ERROR_SUCCESS;
+  real.events.onEvent = [&](const Event&) {
+    if (code != ERROR_SUCCESS) return;
+    const HANDLE other =
+        ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                      nullptr, OPEN_EXISTING, 0, nullptr);
+    code = other == INVALID_HANDLE_VALUE ? ::GetLastError() : ERROR_INVALID_DATA;
+    if (other != INVALID_HANDLE_VALUE) ::CloseHandle(other);
+  };
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(path), 3)) << real.engine.LastErrorText();
+  EXPECT_EQ(code, DWORD{ERROR_SHARING_VIOLATION});
+}
+
+// Each is opened for one alone, so the second name can't be before the first has gone.
+TEST(WindowsDevice, RemovesAllNamesOfAFileThatLieInTheFolder) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "top/sub");
+  WriteBytes(scratch / "top/one", Secret(50'000));
+  WriteBytes(scratch / "top/other", Secret(500));
+  for (const char* name : {"top/two", "top/sub/three"}) {
+    if (::CreateHardLinkW((scratch / name).c_str(), (scratch / "top/one").c_str(), nullptr) == 0) {
+      GTEST_SKIP() << "no hard links here: error " << ::GetLastError();
+    }
+  }
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+  EXPECT_EQ(real.engine.Note(), "");
+}
+
+TEST(WindowsDevice, DestroysTheContentUnderOtherNamesAndSaysSo) {
+  Scratch scratch;
+  RealEngine real;
+  WriteBytes(scratch / "one", Secret(5'000));
+  if (::CreateHardLinkW((scratch / "two").c_str(), (scratch / "one").c_str(), nullptr) == 0) {
+    GTEST_SKIP() << "no hard links here: error " << ::GetLastError();
+  }
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "one"), 3)) << real.engine.LastErrorText();
+  EXPECT_FALSE(fs::exists(scratch / "one"));
+  EXPECT_EQ(fs::file_size(scratch / "two"), 0u);
+  EXPECT_EQ(real.engine.Note(), "1 file has other names, too. Under these it is now empty.");
 }
 
 TEST(WindowsDevice, RefusesAReadOnlyFileAndLeavesItAlone) {
