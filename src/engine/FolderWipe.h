@@ -69,6 +69,7 @@ class FolderWipe {
   std::unique_ptr<Folder> above_;  // the folder that holds the top one; none above a root
   std::vector<std::shared_ptr<Level>> levels_;
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
+  bool hasRemovedFolder_ = false;
   std::size_t failureCount_ = 0;
   std::optional<Failure> firstFailure_;
 };
