@@ -442,6 +442,36 @@ case_streams_of_ntfs() {
   gone "$top/other"
 }
 
+# ext4 keeps the mark, though it compresses nothing itself.
+case_compressed_file() {
+  mkdir "$top"
+  put "$top/file"
+  put "$top/other"
+  chattr +c "$top/file"
+  wipe "$top"
+  refused 'it is compressed by the file system'
+  kept "$top/file"
+  gone "$top/other"
+}
+
+case_encrypted_file() {
+  if [[ ! -e /sys/fs/ext4/features/encryption ]] || ! command -v e4crypt tune2fs >/dev/null; then
+    say "not tested here: files that ext4 encrypts"
+    return
+  fi
+  image_unmount "$mnt"
+  tune2fs -O encrypt "$work/image" >/dev/null
+  image_mount ext4 "$work/image" "$mnt"
+  mkdir -p "$top/closed"
+  echo words | e4crypt add_key -S s:12 "$top/closed" >/dev/null
+  put "$top/closed/file"
+  put "$top/other"
+  wipe "$top"
+  refused 'it is encrypted by the file system'
+  kept "$top/closed/file"
+  gone "$top/other"
+}
+
 # Another file has the same blocks, so they aren't this one's to overwrite.
 kind_of[shared_blocks]=xfs
 case_shared_blocks() {
