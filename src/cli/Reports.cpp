@@ -83,6 +83,7 @@ std::string JsonReport(const Finished& finished) {
   json.BreakLine();
   WriteTexts(json, "failures", result.failures);
   WriteTexts(json, "alsoWiped", result.alsoWiped);
+  WriteTexts(json, "notes", result.notes);
   WriteTexts(json, "refused", plan.refusals);
 
   const Totals wiped = Count(plan, Outcome::Wiped);
@@ -122,6 +123,7 @@ std::string TextReport(const Finished& finished) {
   for (const std::string& name : result.alsoWiped) {
     text += "wiped  " + Shown(name) + " (came after the start)\n";
   }
+  for (const std::string& note : result.notes) text += "note   " + Shown(note) + '\n';
   return text + '\n' + Summary(finished) + '\n';
 }
 

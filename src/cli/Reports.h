@@ -26,6 +26,7 @@ ExitCode CodeOf(const Options& options, const Plan& plan, const RunResult& resul
 //   items: [{path, kind: "file" | "folder" | "link" | "other", bytes, outcome: "wiped" | "kept", reason}]
 //   failures: [text]  those that belong to no item
 //   alsoWiped: [name] files that came into a folder while it was being wiped
+//   notes: [text]     what there is to say beside the results
 //   refused: [text]   why nothing was done at all
 //   totals: {wiped, kept, bytesWiped, bytesKept}
 // `reason` is there for what was kept alone.

@@ -1,5 +1,6 @@
 #include "cli/Runner.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "cli/System.h"
@@ -116,6 +117,10 @@ void Runner::RunFiles(std::size_t first, std::size_t end) {
 
 void Runner::Settle(const Ledger& ledger, bool done, Ledger::Ending ifNot) {
   ledger_ = nullptr;
+  if (const std::string& note = engine_.Note();
+      !note.empty() && std::ranges::find(result_.notes, note) == result_.notes.end()) {
+    result_.notes.push_back(note);
+  }
   Ledger::Ending ending = done ? Ledger::Ending::Done : ifNot;
   if (ifNot == Ledger::Ending::TryAgain) ending = ifNot;
   const bool stopped = std::exchange(stopped_, false) && !done;

@@ -20,6 +20,7 @@ struct RunResult {
   bool cancelled = false;              // and something was left over for that reason
   std::vector<std::string> failures;   // such as belong to no single item
   std::vector<std::string> alsoWiped;  // names of files that came into a folder after the plan was made
+  std::vector<std::string> notes;      // what the engine has to say beside its results, each once
 };
 
 class Runner final : private engine::EngineEvents {

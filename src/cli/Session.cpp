@@ -150,7 +150,9 @@ class Session {
       told = Write(stdout, JsonReport(finished));
     } else if (!options_.quiet || code == ExitCode::Cancelled) {
       // Beside the list of a dry run it would be one of its paths.
-      told = Write(options_.dryRun ? stderr : stdout, Summary(finished) + '\n');
+      std::string text = Summary(finished) + '\n';
+      for (const std::string& note : result_.notes) text += Shown(note) + '\n';
+      told = Write(options_.dryRun ? stderr : stdout, text);
     }
     if (!told) Complain("the outcome could not be printed");
     if (report_) {

@@ -5,6 +5,8 @@
 // says so. A call that returns a failure has changed nothing, or at most written a part of the data.
 #pragma once
 
+#include <array>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -38,6 +40,14 @@ struct [[nodiscard]] Status {
 // system or the file system can't do them the device quietly opens Cached, as File::Alignment then tells.
 enum class Access { Direct, Cached };
 
+// What a file is, whatever names it has: no two files of a machine have the same.
+struct FileId {
+  std::uint64_t volume = 0;
+  std::array<std::uint64_t, 2> file{};
+
+  auto operator<=>(const FileId&) const = default;
+};
+
 struct FileInfo {
   std::uint64_t lengthBytes = 0;
   // What the file occupies; more than the length if space was reserved behind its end. 0: not known.
@@ -46,8 +56,14 @@ struct FileInfo {
   // The content lies in the file's own record (NTFS: in the MFT), not in clusters. Writing beyond the
   // present length would move it out into clusters and leave the old bytes in the record.
   bool inRecord = false;
-  // Empty, or why overwriting this file would leave its old content somewhere: "it is compressed".
+  // The file system may put equal contents of two files together, and then what has become superfluous is
+  // never overwritten: only random data, which are equal to nothing else, are safe to write.
+  bool mergesEqual = false;
+  // Empty, or why overwriting this file would leave its old content somewhere: "it is compressed". When it is
+  // asked again later: or has left it, "another program has moved it during the wipe".
   std::string notInPlace;
+  FileId id;
+  std::uint32_t names = 1;  // hard links
 };
 
 // An open regular file, or a named stream of one. Closed when destroyed, which can't fail in a way that

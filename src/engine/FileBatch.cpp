@@ -15,9 +15,23 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
   item->path = path;
-  item->file.emplace(operation_, *item->place, name, path);
+  const auto open = [&] { item->file.emplace(operation_, *item->place, name, path).Open(); };
   try {
-    item->file->Open();
+    try {
+      open();
+    } catch (const Failure&) {
+      // Where files are opened for one alone, a second name of a file of the batch can't be until that is
+      // gone.
+      if (!HoldsFileOfSeveralNames()) throw;
+      Run();
+      open();
+    }
+    if (HoldsSameFile(item->file->Info())) {
+      // In one batch the two would spoil each other's read-back. After the run there is nothing left in it.
+      item->file.reset();
+      Run();
+      open();
+    }
   } catch (const Failure& failure) {
     item->place->somethingStays = true;
     note_(failure);
@@ -39,6 +53,17 @@ void FileBatch::AddLink(std::shared_ptr<Place> place, Entry entry, std::string p
   ++parts_;
   items_.push_back(std::move(item));
   if (IsFull()) Run();
+}
+
+bool FileBatch::HoldsFileOfSeveralNames() const {
+  return std::any_of(items_.begin(), items_.end(),
+                     [](const auto& item) { return item->file && item->file->Info().names > 1; });
+}
+
+bool FileBatch::HoldsSameFile(const FileInfo& info) const {
+  if (info.names <= 1) return false;
+  return std::any_of(items_.begin(), items_.end(),
+                     [&info](const auto& item) { return item->file && item->file->Info().id == info.id; });
 }
 
 bool FileBatch::IsFull() const {
@@ -103,7 +128,10 @@ void FileBatch::WritePass(const Pass& pass, bool isFirst) {
   FileWipe* last = nullptr;
   for (const auto& item : items_) {
     if (!item->file || item->failed) continue;
-    if (isFirst) item->file->Start();
+    if (isFirst) {
+      item->file->Start();
+      Try(*item, [&] { item->file->CheckUnwritten(); });
+    }
     last = &*item->file;
     for (Overwriter& part : item->file->Parts()) {
       Try(*item, [&] { part.BeginPass(pass, item->file->Progress()); });

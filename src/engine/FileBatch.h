@@ -25,8 +25,8 @@ class FileBatch {
   FileBatch(Operation& operation, std::function<void(const Failure&)> note)
       : operation_(operation), note_(std::move(note)) {}
 
-  // Opens the file `name` of `place`; runs the batch before, if the file would make it too large, or after,
-  // if it is full then. Throws Cancelled; a failure is noted.
+  // Opens the file `name` of `place`; runs the batch before, if the file would make it too large or is in it
+  // under another name, or after, if it is full then. Throws Cancelled; a failure is noted.
   void AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path);
   // A link, of which only the name and the entry are removed.
   void AddLink(std::shared_ptr<Place> place, Entry entry, std::string path);
@@ -47,6 +47,8 @@ class FileBatch {
     bool failed = false;
   };
 
+  bool HoldsFileOfSeveralNames() const;
+  bool HoldsSameFile(const FileInfo& info) const;
   bool IsFull() const;
   // Carries out one step for an item, and takes it out of the batch when that fails.
   template <typename Step>

@@ -43,7 +43,17 @@ Overwriter OpenForOverwriting(Operation& operation, const std::string& path, con
 
   Overwriter part(operation, std::move(file), path);
   part.SetExtent(extent);
+  if (info.mergesEqual) part.SetRandomOnly();
   return part;
+}
+
+void CheckLength(Overwriter& part, std::uint64_t lengthBytes, FileInfo& info) {
+  constexpr char kLooking[] = "Looking again at";
+  Require(part.TheFile().Info(info), kLooking, part.Path());
+  if (info.lengthBytes != lengthBytes) {
+    throw MakeFailure(kLooking, part.Path(), "another program has changed its length during the wipe");
+  }
+  if (!info.notInPlace.empty()) throw MakeFailure(kLooking, part.Path(), info.notInPlace);
 }
 
 void RemoveOverwritten(std::vector<Overwriter>& streams, std::size_t first) {
@@ -99,14 +109,13 @@ FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::st
 }
 
 void FileWipe::Open() {
-  FileInfo info;
   parts_.push_back(OpenForOverwriting(
       operation_, path_,
       [this](Access access, std::unique_ptr<File>& file) {
         return place_.folder->OpenFile(name_, access, file);
       },
-      info));
-  lengthBytes_ = info.lengthBytes;
+      info_));
+  lengthsBytes_.push_back(info_.lengthBytes);
 
   std::vector<std::string> streams;
   Require(parts_.front().TheFile().ListStreams(streams), "Listing the streams of", path_);
@@ -118,6 +127,7 @@ void FileWipe::Open() {
           return parts_.front().TheFile().OpenStream(stream, access, file);
         },
         streamInfo));
+    lengthsBytes_.push_back(streamInfo.lengthBytes);
   }
 }
 
@@ -128,10 +138,22 @@ std::uint64_t FileWipe::ExtentBytes() const {
 }
 
 void FileWipe::Start() {
-  progress_.Start(name_, lengthBytes_, ExtentBytes() * (operation_.passes.size() + 1));
+  progress_.Start(name_, info_.lengthBytes, ExtentBytes() * (operation_.passes.size() + 1));
+}
+
+void FileWipe::CheckUnwritten() {
+  FileInfo info;
+  for (std::size_t i = 0; i < parts_.size(); ++i) CheckLength(parts_[i], lengthsBytes_[i], info);
+}
+
+// The passes have lengthened each part to its extent. The file itself comes last, so that its facts stay.
+void FileWipe::CheckOverwritten() {
+  for (std::size_t i = parts_.size(); i > 0; --i)
+    CheckLength(parts_[i - 1], parts_[i - 1].ExtentBytes(), info_);
 }
 
 void FileWipe::RemoveStreams() {
+  CheckOverwritten();
   hiddenPath_ = path_ + " (already overwritten)";
   RemoveOverwritten(parts_, 1);
 }
@@ -147,6 +169,11 @@ void FileWipe::Hide() {
 void FileWipe::Remove() {
   Require(parts_.front().TheFile().Remove(), "Removing", hiddenPath_);
   parts_.clear();
+  if (info_.names > 1) {
+    operation_.namesLeft[info_.id] = info_.names - 1;
+  } else {
+    operation_.namesLeft.erase(info_.id);
+  }
 }
 
 void FileWipe::Finish() {
@@ -174,6 +201,7 @@ void WipeFolderStreams(Operation& operation, Folder& folder, const std::string& 
       progress.Worked(0);
     }
     parts.front().Verify(progress);
+    CheckLength(parts.front(), parts.front().ExtentBytes(), info);
     RemoveOverwritten(parts, 0);
   }
 }

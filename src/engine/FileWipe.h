@@ -48,7 +48,7 @@ struct Place {
 //
 // A file with more than one hard link is wiped like any other: its content is destroyed under all its
 // names, this name is removed, and the others are left, with nothing in them. That is success: what the
-// owner wanted gone is gone.
+// owner wanted gone is gone. Operation::namesLeft keeps count, so that the owner can be told.
 class FileWipe {
  public:
   // Wipes the file `name` of `place`, which must outlive this; `path` is what error texts call it.
@@ -56,12 +56,19 @@ class FileWipe {
 
   // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
   void Open();
+  // The file's facts as it was last looked at.
+  const FileInfo& Info() const { return info_; }
   // Tells the owner that the work on this file begins.
   void Start();
+  // Whether the file is still what it was when it was opened, as far as the system shows it: not longer, not
+  // shorter, nor in another place. Throws Failure: what was cut off or moved is out of reach, and what was
+  // added has not been overwritten.
+  void CheckUnwritten();
 
   // From here on there is no look at the cancel flag: what is overwritten may as well be gone, and a file
   // with half its names and dates changed is of use to nobody.
-  // What is left of the streams goes first, and then, in the batch's hands, the length.
+  // Looks once more whether the file is what was overwritten, and removes its streams. The length, which goes
+  // after that, is the batch's part.
   void RemoveStreams();
   // Replaces the dates and the name.
   void Hide();
@@ -78,13 +85,16 @@ class FileWipe {
   const std::string& HiddenPath() const { return hiddenPath_; }
 
  private:
+  void CheckOverwritten();
+
   Operation& operation_;
   Place& place_;
   std::string name_;
   std::string path_;
   std::string hiddenPath_;
-  std::uint64_t lengthBytes_ = 0;
+  FileInfo info_;
   std::vector<Overwriter> parts_;
+  std::vector<std::uint64_t> lengthsBytes_;  // of the parts, when they were opened
   FileProgress progress_;
 };
 

@@ -29,7 +29,7 @@ void FolderWipe::Run(const std::string& path) {
   batch_.Run();
   RemoveLeftFolders();
   Folder* const left = top->folder ? top->folder.get() : above_.get();
-  if (left == nullptr || (!batch_.HasRemoved() && top->folder)) return;
+  if (left == nullptr || !(batch_.HasRemoved() || hasRemovedFolder_)) return;
   try {
     operation_.ClearTraces(*left, path);
   } catch (const Failure& failure) {
@@ -161,6 +161,7 @@ void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
     try {
       if (!level->somethingStays) {
         Require(FolderAbove(*level)->Remove(level->self), "Removing", path);
+        hasRemovedFolder_ = true;
         level->folder.reset();
       } else if (level->self.name != level->name) {
         // It stays for something in it, so the user has to find it again.

@@ -70,6 +70,7 @@ class FolderWipe {
   std::size_t shortestAbove_ = 1;  // as Place::shortestName, in it
   std::vector<std::shared_ptr<Level>> levels_;
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
+  bool hasRemovedFolder_ = false;
   std::size_t failureCount_ = 0;
   std::optional<Failure> firstFailure_;
 };

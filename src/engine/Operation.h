@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <span>
 #include <string>
@@ -72,6 +73,8 @@ class Operation {
 
   // What couldn't be done and is no failure, for the owner to read. Empty mostly.
   std::string note;
+  // The files of which a name has gone, and how many names each of them has left.
+  std::map<FileId, std::uint32_t> namesLeft;
   // Clears the file system's traces of what was removed from `folder`. Throws Failure.
   void ClearTraces(Folder& folder, const std::string& path) {
     Require(device.ClearTraces(folder, note), "Clearing the journal after the wipe of", path);

@@ -20,7 +20,8 @@ Overwriter::Overwriter(Operation& operation, std::unique_ptr<File> file, std::st
 
 void Overwriter::TakePass(const Pass& pass) {
   pass_ = pass;
-  if (pass.random) firstBlock_ = stream_.Take(BlockCount(extentBytes_));
+  if (randomOnly_) pass_.random = true;
+  if (pass_.random) firstBlock_ = stream_.Take(BlockCount(extentBytes_));
 }
 
 // Offsets inside a pass are multiples of the key stream's block, or the data come from a pattern: units are

@@ -23,6 +23,8 @@ class Overwriter final : private Pipeline::Client {
   // alignment.
   void SetExtent(std::uint64_t extentBytes) { extentBytes_ = extentBytes; }
   std::uint64_t ExtentBytes() const { return extentBytes_; }
+  // Random data in place of the passes' patterns; see FileInfo::mergesEqual.
+  void SetRandomOnly() { randomOnly_ = true; }
 
   // Covers the extent with one pass. What is written isn't on the device before the file is flushed, which
   // is the caller's next step: one flush can serve many files.
@@ -65,6 +67,7 @@ class Overwriter final : private Pipeline::Client {
   std::unique_ptr<File> file_;
   std::string path_;
   std::uint64_t extentBytes_ = 0;
+  bool randomOnly_ = false;
   std::uint64_t unflushedBytes_ = 0;
   KeyStream stream_;
   Pass pass_;                     // the pass in work, or the last one

@@ -28,6 +28,18 @@ void ThrowIfItemsFailed(const FolderWipe& wipe) {
   throw ItemsFailed{std::move(text)};
 }
 
+// What there is to say beside the result, as sentences.
+std::string NoteOf(const Operation& operation) {
+  std::string note = operation.note;
+  const std::size_t files = operation.namesLeft.size();
+  if (files == 0) return note;
+  if (!note.empty()) note += ' ';
+  note += files == 1
+              ? std::string("1 file has other names, too. Under these it is now empty.")
+              : std::to_string(files) + " files have other names, too. Under these they are now empty.";
+  return note;
+}
+
 constexpr std::string_view kNoMemory = "There is not enough memory for the operation";
 
 }  // namespace
@@ -43,6 +55,14 @@ void SecureDelete::SetError(std::string_view text) noexcept {
     lastErrorText_.assign(MakeOneLine(text));
   } catch (...) {
     lastErrorText_.assign(kNoMemory);  // fits into what the constructor has reserved
+  }
+}
+
+void SecureDelete::SetNote(const Operation& operation) noexcept {
+  try {
+    note_ = NoteOf(operation);
+  } catch (...) {
+    note_.clear();  // without memory there is worse to tell
   }
 }
 
@@ -63,19 +83,21 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
   lastErrorText_.clear();
   note_.clear();
   bool done = false;
+  std::optional<Operation> operation;
   try {
     if (PassesOfLevel(level).empty()) {
       throw MakeFailure("Wiping", subject, "there is no level " + std::to_string(level));
     }
-    Operation operation(device_, events_, clock_, seeds_, cancelled_, level);
-    work(operation);
-    note_ = std::move(operation.note);
+    operation.emplace(device_, events_, clock_, seeds_, cancelled_, level);
+    work(*operation);
+    SetNote(*operation);
     done = true;
   } catch (const Failure& failure) {
     SetError(failure.text);
     TellError(failure.code);
   } catch (const ItemsFailed& failed) {
     SetError(failed.text);
+    SetNote(*operation);
   } catch (const Cancelled&) {
     SetError(
         "Cancelled by the user. What was not finished is still there, a file in work partly overwritten");

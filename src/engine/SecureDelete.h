@@ -14,6 +14,8 @@
 
 namespace zq::engine {
 
+class Operation;
+
 // `level` is 3, 5 or 7 throughout and stands for that many rounds of three data writes per byte: a pattern,
 // its complement, random data. Each write covers a file to the end of its last cluster and is on the device
 // before the next begins. Nothing that was not overwritten, and found so by reading it back, is deleted;
@@ -50,9 +52,10 @@ class SecureDelete {
   // the first, with the number of the others. Empty after a success.
   const std::string& LastErrorText() const { return lastErrorText_; }
 
-  // What the latest wipe member that returned true could not do, though all that it stands for is done: a
-  // sentence for the user, such as that names may be left in a journal that only an administrator may clear.
-  // Empty mostly.
+  // What there is to say beside the result of the latest wipe member, in sentences for the user: what it
+  // could not do though all that it stands for is done, such as that names may be left in a journal that only
+  // an administrator may clear; and how many files it has destroyed under names that it wasn't given. Empty
+  // mostly, and after a failure that ended all.
   const std::string& Note() const { return note_; }
 
   // Asks the running member to stop; called from inside an event. No file is removed half overwritten.
@@ -64,6 +67,7 @@ class SecureDelete {
   template <typename Work>
   bool Run(const std::string& subject, std::int32_t level, const Work& work) noexcept;
   void SetError(std::string_view text) noexcept;
+  void SetNote(const Operation& operation) noexcept;
   void TellError(std::int32_t code) noexcept;
 
   Device& device_;

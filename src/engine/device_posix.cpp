@@ -9,6 +9,7 @@
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 #include <sys/vfs.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,6 +18,7 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -124,6 +126,7 @@ struct Volume {
   bool journalsData = false;     // content goes through the journal, too
   bool mayClearJournal = false;  // an ext4 that we are allowed to
 
+  bool MayNotClearJournal() const { return magic == kExtMagic && isOrdered && !mayClearJournal; }
   bool HasOneFlush() const { return oneFlushForAll; }
   bool IsOrdered() const { return isOrdered; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
@@ -192,37 +195,75 @@ Status LookAtVolume(int fd, dev_t device, Volume& volume) {
   return {};
 }
 
-// Whether some of the file's blocks belong to another file too, as after a copy by reflink: they are then
-// left to the other file, and new ones are written.
-bool SharesBlocks(int fd) {
+// A part of a file's content, and where on the device it lies.
+struct Piece {
+  std::uint64_t offsetBytes = 0;
+  std::uint64_t placeBytes = 0;
+  std::uint64_t sizeBytes = 0;
+};
+
+struct Placement {
+  std::vector<Piece> pieces;  // in the order of their offsets; empty where the file system doesn't tell
+  // Some of the blocks belong to another file too, as after a copy by reflink: they are then left to the
+  // other file, and new ones are written.
+  bool isShared = false;
+};
+
+Placement PlacementOf(int fd) {
   constexpr std::uint32_t kExtents = 128;
+  constexpr std::uint32_t kNowhere =
+      FIEMAP_EXTENT_UNKNOWN | FIEMAP_EXTENT_DELALLOC | FIEMAP_EXTENT_DATA_INLINE;
   alignas(fiemap) char memory[sizeof(fiemap) + kExtents * sizeof(fiemap_extent)];
+  Placement placement;
   std::uint64_t start = 0;
   for (;;) {
-    std::memset(memory, 0, sizeof memory);
+    std::memset(memory, 0, sizeof(fiemap));
     auto* map = reinterpret_cast<fiemap*>(memory);
     map->fm_start = start;
     map->fm_length = FIEMAP_MAX_OFFSET - start;
     map->fm_extent_count = kExtents;
-    if (::ioctl(fd, FS_IOC_FIEMAP, map) != 0 || map->fm_mapped_extents == 0) return false;
+    if (::ioctl(fd, FS_IOC_FIEMAP, map) != 0 || map->fm_mapped_extents == 0) return placement;
     for (std::uint32_t i = 0; i < map->fm_mapped_extents; ++i) {
       const fiemap_extent& extent = map->fm_extents[i];
-      if ((extent.fe_flags & FIEMAP_EXTENT_SHARED) != 0) return true;
-      if ((extent.fe_flags & FIEMAP_EXTENT_LAST) != 0) return false;
+      placement.isShared = placement.isShared || (extent.fe_flags & FIEMAP_EXTENT_SHARED) != 0;
+      if ((extent.fe_flags & kNowhere) == 0) {
+        placement.pieces.push_back({extent.fe_logical, extent.fe_physical, extent.fe_length});
+      }
+      if ((extent.fe_flags & FIEMAP_EXTENT_LAST) != 0) return placement;
       start = extent.fe_logical + extent.fe_length;
     }
   }
 }
 
-std::string WhyNotInPlace(int fd, const Volume& volume) {
-  if (!volume.notInPlace.empty()) return volume.notInPlace;
-  int flags = 0;
-  if (::ioctl(fd, FS_IOC_GETFLAGS, &flags) == 0) {
-    if ((flags & FS_COMPR_FL) != 0) return "it is compressed by the file system";
-    if ((flags & FS_ENCRYPT_FL) != 0) return "it is encrypted by the file system";
-    if ((flags & FS_JOURNAL_DATA_FL) != 0 && !volume.mayClearJournal) return kDataInJournal;
+// Whether all that lay in `before`, up to the end of the content, lies in the same places now. The pieces may
+// be cut otherwise.
+bool LiesWhereItLay(const std::vector<Piece>& before, const std::vector<Piece>& now, std::uint64_t endBytes) {
+  std::size_t next = 0;
+  for (const Piece& piece : before) {
+    const std::uint64_t end = std::min(piece.offsetBytes + piece.sizeBytes, endBytes);
+    for (std::uint64_t at = piece.offsetBytes; at < end;) {
+      while (next < now.size() && now[next].offsetBytes + now[next].sizeBytes <= at) ++next;
+      if (next == now.size() || now[next].offsetBytes > at) return false;
+      const Piece& there = now[next];
+      if (there.placeBytes + (at - there.offsetBytes) != piece.placeBytes + (at - piece.offsetBytes)) {
+        return false;
+      }
+      at = there.offsetBytes + there.sizeBytes;
+    }
   }
-  if ((volume.magic == kXfsMagic || volume.magic == kOcfs2Magic) && SharesBlocks(fd)) {
+  return true;
+}
+
+std::string WhyNotInPlace(const Volume& volume, int flags, const Placement& placement) {
+  if (!volume.notInPlace.empty()) return volume.notInPlace;
+  if ((flags & FS_COMPR_FL) != 0) return "it is compressed by the file system";
+  if ((flags & FS_ENCRYPT_FL) != 0) return "it is encrypted by the file system";
+  if ((flags & FS_JOURNAL_DATA_FL) != 0 && !volume.mayClearJournal) return kDataInJournal;
+  if ((flags & FS_INLINE_DATA_FL) != 0 && volume.MayNotClearJournal()) {
+    return "it is so small that its content has gone through the file system's journal, which only an "
+           "administrator may clear";
+  }
+  if ((volume.magic == kXfsMagic || volume.magic == kOcfs2Magic) && placement.isShared) {
     return "it shares blocks with another file";
   }
   return {};
@@ -236,9 +277,165 @@ Status FlushFolder(int fd) {
   return {};
 }
 
+// --- Extended attributes --------------------------------------------------------------------------------
+
+// What the queue has to know of a file or an attribute.
+class PosixPart : public File {
+ public:
+  virtual int Fd() const = 0;
+  virtual bool IsDirect() const = 0;
+};
+
+// What users and programs have put there. The others (labels, access lists, capabilities) hold no content but
+// rights, which mustn't change under a file that may have to stay.
+bool HoldsContent(std::string_view attribute) {
+  return attribute.starts_with("user.") || attribute.starts_with("trusted.");
+}
+
+Status ListAttributes(int fd, std::vector<std::string>& names) {
+  names.clear();
+  std::string list;
+  for (;;) {
+    const ssize_t size = ::flistxattr(fd, nullptr, 0);
+    if (size == 0 || (size < 0 && errno == ENOTSUP)) return {};
+    if (size < 0) return LastError();
+    list.resize(static_cast<std::size_t>(size));
+    const ssize_t got = ::flistxattr(fd, list.data(), list.size());
+    if (got >= 0) {
+      list.resize(static_cast<std::size_t>(got));
+      break;
+    }
+    if (errno != ERANGE) return LastError();  // else one has been added meanwhile
+  }
+  for (std::size_t at = 0; at < list.size(); at += names.back().size() + 1) names.emplace_back(&list[at]);
+  return {};
+}
+
+Status ListContentAttributes(int fd, std::vector<std::string>& names) {
+  Status status = ListAttributes(fd, names);
+  std::erase_if(names, [](const std::string& name) { return !HoldsContent(name); });
+  return status;
+}
+
+// An extended attribute of a file or a folder, which it mustn't outlive, as a stream of it.
+class PosixAttribute final : public PosixPart {
+ public:
+  PosixAttribute(int fd, std::string name, const Volume& volume)
+      : fd_(fd), name_(std::move(name)), volume_(volume) {}
+
+  Status Info(FileInfo& info) override {
+    const ssize_t size = ::fgetxattr(fd_, name_.c_str(), nullptr, 0);
+    if (size < 0) return LastError();
+    info = {};
+    info.lengthBytes = static_cast<std::uint64_t>(size);
+    info.inRecord = true;
+    // ext4 keeps equal blocks of attributes once, and frees the other without a write.
+    info.mergesEqual = true;
+    return WhyNotInPlace(info.notInPlace);
+  }
+
+  std::size_t Alignment() const override { return 1; }
+
+  // A value can only be set as a whole.
+  Status Write(std::uint64_t offsetBytes, std::span<const std::byte> data, std::size_t& written) override {
+    written = 0;
+    std::vector<std::byte> value;
+    if (Status status = ReadValue(value); !status.Ok()) return status;
+    if (offsetBytes > value.size() || data.size() > value.size() - offsetBytes) return HasChanged();
+    std::copy(data.begin(), data.end(), value.begin() + static_cast<std::ptrdiff_t>(offsetBytes));
+    if (::fsetxattr(fd_, name_.c_str(), value.data(), value.size(), XATTR_REPLACE) != 0) return LastError();
+    written = data.size();
+    return {};
+  }
+
+  // A journal has its own copy. What it hasn't written home before the value goes, it would forget to write.
+  Status Flush() override {
+    if (Retry([this] { return ::fsync(fd_); }) != 0) return LastError();
+    return volume_.mayClearJournal && !Checkpoint(fd_, 0) ? LastError() : Status{};
+  }
+
+  // There is no way past the file system's own cache.
+  Status DropCache() override { return {}; }
+
+  Status Read(std::uint64_t offsetBytes, std::span<std::byte> data, std::size_t& got) override {
+    got = 0;
+    std::vector<std::byte> value;
+    if (Status status = ReadValue(value); !status.Ok()) return status;
+    if (offsetBytes > value.size()) return HasChanged();
+    got = std::min<std::size_t>(data.size(), value.size() - offsetBytes);
+    std::copy_n(value.begin() + static_cast<std::ptrdiff_t>(offsetBytes), got, data.begin());
+    return {};
+  }
+
+  Status ListStreams(std::vector<std::string>& names) override {
+    names.clear();
+    return {};
+  }
+  Status OpenStream(const std::string&, Access, std::unique_ptr<File>&) override {
+    return NotForAttributes();
+  }
+  // A shorter value could come to lie elsewhere. It goes as it is.
+  Status SetLength(std::uint64_t) override { return {}; }
+  Status SetDates() override { return {}; }
+  Status Rename(const std::string&) override { return NotForAttributes(); }
+  Status FlushEntry() override { return Flush(); }
+  Status Remove() override { return ::fremovexattr(fd_, name_.c_str()) == 0 ? Status{} : LastError(); }
+
+  int Fd() const override { return fd_; }
+  bool IsDirect() const override { return false; }
+  const Volume& OnVolume() const { return volume_; }
+
+ private:
+  static Status NotForAttributes() { return Status::Refusal("an extended attribute has no such thing"); }
+  static Status HasChanged() {
+    return Status::Refusal("another program has changed its length during the wipe");
+  }
+
+  Status ReadValue(std::vector<std::byte>& value) const {
+    const ssize_t size = ::fgetxattr(fd_, name_.c_str(), nullptr, 0);
+    if (size < 0) return LastError();
+    value.resize(static_cast<std::size_t>(size));
+    const ssize_t got = ::fgetxattr(fd_, name_.c_str(), value.data(), value.size());
+    if (got < 0) return errno == ERANGE ? HasChanged() : LastError();
+    value.resize(static_cast<std::size_t>(got));
+    return {};
+  }
+
+  Status WhyNotInPlace(std::string& reason) const {
+    constexpr std::int64_t kTmpfsMagic = 0x01021994;
+    constexpr std::int64_t kRamfsMagic = 0x858458F6;
+    if (volume_.magic == kTmpfsMagic || volume_.magic == kRamfsMagic) return {};  // in memory alone
+    if (volume_.magic != kExtMagic) {
+      reason = "the file system doesn't promise to overwrite an extended attribute where it lies";
+      return {};
+    }
+    if (volume_.MayNotClearJournal()) {
+      reason = "the file system's journal has copies of it, which only an administrator may clear";
+      return {};
+    }
+    // With the feature ea_inode a value that is longer than half a block, or that finds no room beside the
+    // others, lies in a file of its own, and a new one is made for each new value. Nothing tells about it.
+    std::vector<std::string> names;
+    if (Status status = ListAttributes(fd_, names); !status.Ok()) return status;
+    std::uint64_t bytes = 0;
+    for (const std::string& name : names) {
+      const ssize_t size = ::fgetxattr(fd_, name.c_str(), nullptr, 0);
+      if (size > 0) bytes += static_cast<std::uint64_t>(size);
+    }
+    if (bytes > volume_.clusterBytes / 2) {
+      reason = "it is so large that the file system may put each new value in a new place";
+    }
+    return {};
+  }
+
+  int fd_;
+  std::string name_;
+  Volume volume_;
+};
+
 // --- Files ----------------------------------------------------------------------------------------------
 
-class PosixFile final : public File {
+class PosixFile final : public PosixPart {
  public:
   PosixFile(UniqueFd fd, int folderFd, std::string name, const struct stat& identity, const Volume& volume)
       : fd_(std::move(fd)),
@@ -258,9 +455,20 @@ class PosixFile final : public File {
     // st_blocks counts the blocks of the extent tree too: no measure for what lies behind the end.
     info.allocatedBytes = 0;
     info.clusterBytes = volume_.clusterBytes;
-    // Content without blocks lies in the inode, or is a hole.
-    info.inRecord = facts.st_blocks == 0 && facts.st_size > 0 && facts.st_size < volume_.clusterBytes;
-    info.notInPlace = WhyNotInPlace(fd_.Get(), volume_);
+    int flags = 0;
+    const bool hasFlags = ::ioctl(fd_.Get(), FS_IOC_GETFLAGS, &flags) == 0;
+    // Content without blocks lies in the inode, or is a hole. ext4 tells which.
+    info.inRecord = facts.st_blocks == 0 && facts.st_size > 0 && facts.st_size < volume_.clusterBytes &&
+                    (volume_.magic != kExtMagic || (flags & FS_INLINE_DATA_FL) != 0);
+    Placement placement = PlacementOf(fd_.Get());
+    info.notInPlace = WhyNotInPlace(volume_, hasFlags ? flags : 0, placement);
+    if (info.notInPlace.empty()) info.notInPlace = WhyNotTheSame(facts, placement.pieces);
+    if (!placement_) {
+      placement_ = std::move(placement.pieces);
+      openedBytes_ = info.lengthBytes;
+    }
+    info.id = {facts.st_dev, {facts.st_ino, 0}};
+    info.names = static_cast<std::uint32_t>(facts.st_nlink);
     return {};
   }
 
@@ -294,6 +502,9 @@ class PosixFile final : public File {
   }
 
   Status DropCache() override {
+    if (struct stat facts{}; volume_.oneFlushForAll && ::fstat(fd_.Get(), &facts) == 0) {
+      writtenAt_ = facts.st_mtim;
+    }
     if (direct_) return {};
     // Pages that are on the device are dropped; what can't be dropped (a file system in memory) is read
     // where it is.
@@ -313,17 +524,20 @@ class PosixFile final : public File {
     return {};
   }
 
+  // The extended attributes.
   Status ListStreams(std::vector<std::string>& names) override {
-    names.clear();
-    return {};
+    return ListContentAttributes(fd_.Get(), names);
   }
-  Status OpenStream(const std::string&, Access, std::unique_ptr<File>&) override {
-    return Status::Refusal("there are no streams here");
+  Status OpenStream(const std::string& name, Access, std::unique_ptr<File>& stream) override {
+    stream = std::make_unique<PosixAttribute>(fd_.Get(), name, volume_);
+    return {};
   }
 
   Status SetLength(std::uint64_t lengthBytes) override {
-    return Retry([&] { return ::ftruncate(fd_.Get(), static_cast<off_t>(lengthBytes)); }) == 0 ? Status{}
-                                                                                               : LastError();
+    if (Retry([&] { return ::ftruncate(fd_.Get(), static_cast<off_t>(lengthBytes)); }) != 0)
+      return LastError();
+    isEmpty_ = lengthBytes == 0;
+    return {};
   }
 
   Status SetDates() override {
@@ -345,14 +559,17 @@ class PosixFile final : public File {
     return FlushFolder(folderFd_);
   }
 
-  int Fd() const { return fd_.Get(); }
-  // This file does, by its own attribute, though others of its file system don't.
+  int Fd() const override { return fd_.Get(); }
+  // This file does, by its own attribute or because it is in its inode, though others of its file system
+  // don't.
   bool JournalsDataAlone() const { return !direct_ && !volume_.journalsData && JournalsData(); }
-  bool IsDirect() const { return direct_; }
+  bool IsDirect() const override { return direct_; }
   const Volume& OnVolume() const { return volume_; }
 
   Status Remove() override {
-    if (Status status = CheckEntry(); !status.Ok()) return status;
+    struct stat facts {};
+    if (Status status = CheckEntry(facts); !status.Ok()) return status;
+    if (isEmpty_ && facts.st_size != 0) return Status::Refusal("another program has written to it again");
     if (::unlinkat(folderFd_, name_.c_str(), 0) != 0) return LastError();
     fd_.Reset();
     return {};
@@ -373,7 +590,22 @@ class PosixFile final : public File {
     if (volume_.journalsData) return true;
     int flags = 0;
     return volume_.magic == kExtMagic && volume_.mayClearJournal &&
-           ::ioctl(fd_.Get(), FS_IOC_GETFLAGS, &flags) == 0 && (flags & FS_JOURNAL_DATA_FL) != 0;
+           ::ioctl(fd_.Get(), FS_IOC_GETFLAGS, &flags) == 0 &&
+           (flags & (FS_JOURNAL_DATA_FL | FS_INLINE_DATA_FL)) != 0;
+  }
+
+  // Empty, or what another program has done since the file was first looked at. Where the content lies tells
+  // of blocks that were given back, though the length may be what it was; the date tells of what has come
+  // after our last write.
+  std::string WhyNotTheSame(const struct stat& facts, const std::vector<Piece>& pieces) const {
+    if (placement_ && !LiesWhereItLay(*placement_, pieces, openedBytes_)) {
+      return "another program has moved its content during the wipe";
+    }
+    if (writtenAt_ &&
+        (writtenAt_->tv_sec != facts.st_mtim.tv_sec || writtenAt_->tv_nsec != facts.st_mtim.tv_nsec)) {
+      return "another program has written to it during the wipe";
+    }
+    return {};
   }
 
   Status Writeback(unsigned flags) {
@@ -392,6 +624,9 @@ class PosixFile final : public File {
   // What bears our name now must be the file that is open: another one was never overwritten.
   Status CheckEntry() const {
     struct stat facts {};
+    return CheckEntry(facts);
+  }
+  Status CheckEntry(struct stat& facts) const {
     if (::fstatat(folderFd_, name_.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) return LastError();
     if (facts.st_dev != device_ || facts.st_ino != inode_) {
       return Status::Refusal("another file has come under this name");
@@ -406,6 +641,12 @@ class PosixFile final : public File {
   ino_t inode_;
   Volume volume_;
   bool direct_ = false;
+  bool isEmpty_ = false;  // made so by us
+  // As they were when the file was first looked at.
+  std::optional<std::vector<Piece>> placement_;
+  std::uint64_t openedBytes_ = 0;
+  // The date of our last write, where the file system keeps it exactly.
+  std::optional<timespec> writtenAt_;
 };
 
 // --- Folders --------------------------------------------------------------------------------------------
@@ -507,12 +748,13 @@ class PosixFolder final : public Folder {
     return status;
   }
 
+  // The extended attributes.
   Status ListStreams(std::vector<std::string>& names) override {
-    names.clear();
-    return {};
+    return ListContentAttributes(fd_.Get(), names);
   }
-  Status OpenStream(const std::string&, Access, std::unique_ptr<File>&) override {
-    return Status::Refusal("there are no streams here");
+  Status OpenStream(const std::string& name, Access, std::unique_ptr<File>& stream) override {
+    stream = std::make_unique<PosixAttribute>(fd_.Get(), name, volume_);
+    return {};
   }
 
   Status Rename(const Entry& entry, const std::string& newName) override {
@@ -603,14 +845,14 @@ class PosixQueue final : public TransferQueue {
 
   void BeginWrite(File& file, std::uint64_t offsetBytes, std::span<const std::byte> data,
                   std::size_t tag) override {
-    auto& posix = static_cast<PosixFile&>(file);
+    auto& posix = static_cast<PosixPart&>(file);
     underWay_[tag] = {&posix, offsetBytes, data, {}};
     if (!posix.IsDirect()) return done_.push_back(DoNow(tag));
     ring_->BeginWrite(posix.Fd(), data.data(), data.size(), offsetBytes, tag);
   }
 
   void BeginRead(File& file, std::uint64_t offsetBytes, std::span<std::byte> data, std::size_t tag) override {
-    auto& posix = static_cast<PosixFile&>(file);
+    auto& posix = static_cast<PosixPart&>(file);
     underWay_[tag] = {&posix, offsetBytes, {}, data};
     if (!posix.IsDirect()) return done_.push_back(DoNow(tag));
     ring_->BeginRead(posix.Fd(), data.data(), data.size(), offsetBytes, tag);
@@ -632,7 +874,7 @@ class PosixQueue final : public TransferQueue {
 
  private:
   struct Transfer {
-    PosixFile* file = nullptr;
+    PosixPart* file = nullptr;
     std::uint64_t offsetBytes = 0;
     std::span<const std::byte> source;
     std::span<std::byte> target;  // of a read
@@ -732,6 +974,28 @@ class PosixDevice final : public Device {
   // worth. Here each file's own pages go to the device, all together, and then one flush of the device
   // serves all of them.
   void FlushMany(std::span<File* const> files, std::span<Status> outcomes) override {
+    const auto isAttribute = [](File* file) { return dynamic_cast<PosixAttribute*>(file) != nullptr; };
+    if (std::none_of(files.begin(), files.end(), isAttribute)) return FlushContents(files, outcomes);
+    for (const bool ofAttributes : {false, true}) {
+      std::vector<File*> some;
+      std::vector<std::size_t> indices;
+      for (std::size_t i = 0; i < files.size(); ++i) {
+        if (isAttribute(files[i]) != ofAttributes) continue;
+        some.push_back(files[i]);
+        indices.push_back(i);
+      }
+      std::vector<Status> someOutcomes(some.size());
+      if (ofAttributes) {
+        FlushMetadata<PosixAttribute>(std::span<File* const>(some), someOutcomes,
+                                      [](PosixAttribute& attribute) { return attribute.Flush(); });
+      } else {
+        FlushContents(some, someOutcomes);
+      }
+      for (std::size_t i = 0; i < indices.size(); ++i) outcomes[indices[i]] = std::move(someOutcomes[i]);
+    }
+  }
+
+  void FlushContents(std::span<File* const> files, std::span<Status> outcomes) {
     for (std::size_t i = 0; i < files.size(); ++i) {
       auto& file = static_cast<PosixFile&>(*files[i]);
       // Where a single file's data may go through the journal, each is asked.
@@ -767,8 +1031,8 @@ class PosixDevice final : public Device {
     const Volume& volume = posix.OnVolume();
     if (volume.magic != kExtMagic || !volume.isOrdered) return {};
     if (volume.mayClearJournal) {
-      if (Checkpoint(posix.Fd(), kZeroOut)) return {};
-      if (volume.journalsData) return LastError();
+      // Content may have gone through it: small files and extended attributes, or all of it.
+      return Checkpoint(posix.Fd(), kZeroOut) ? Status{} : LastError();
     }
     note =
         "The names of what was wiped may stay in the file system's journal for a while, which only an "

@@ -6,7 +6,9 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cstring>
 #include <cwchar>
+#include <optional>
 #include <utility>
 
 #include "engine/Device.h"
@@ -56,6 +58,10 @@ Status FromCode(DWORD code) {
     case ERROR_HANDLE_DISK_FULL:
       trouble = Trouble::NoSpace;
       break;
+    case ERROR_SHARING_VIOLATION:
+    case ERROR_LOCK_VIOLATION:
+      // What the system says of it, in whatever language, helps nobody to find the culprit.
+      return {trouble, static_cast<std::int32_t>(code), "another program has it open"};
     default:
       break;
   }
@@ -176,6 +182,22 @@ Status LookAt(HANDLE handle, Facts& facts) {
   facts.isFolder = (info.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
   facts.isReparsePoint = (info.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
   facts.isLink = facts.isReparsePoint && IsReparseTagNameSurrogate(info.ReparseTag);
+  return {};
+}
+
+// The 128 bits of ReFS where the system knows them, else the 64 of NTFS.
+Status IdentityOf(HANDLE handle, FileId& id) {
+  FILE_ID_INFO wide{};
+  if (::GetFileInformationByHandleEx(handle, FileIdInfo, &wide, sizeof wide) != 0) {
+    id.volume = wide.VolumeSerialNumber;
+    static_assert(sizeof id.file == sizeof wide.FileId);
+    std::memcpy(id.file.data(), &wide.FileId, sizeof wide.FileId);
+    return {};
+  }
+  BY_HANDLE_FILE_INFORMATION narrow{};
+  if (::GetFileInformationByHandle(handle, &narrow) == 0) return LastError();
+  id.volume = narrow.dwVolumeSerialNumber;
+  id.file = {std::uint64_t{narrow.nFileIndexHigh} << 32 | narrow.nFileIndexLow, 0};
   return {};
 }
 
@@ -413,6 +435,14 @@ class WindowsFile final : public File {
     info.clusterBytes = volume_.clusterBytes;
     // What lies in clusters occupies whole ones; what lies in the MFT record is told in units of 8 bytes.
     info.inRecord = volume_.isNtfs && info.lengthBytes > 0 && info.allocatedBytes % volume_.clusterBytes != 0;
+    info.names = standard.NumberOfLinks;
+    if (!id_) {
+      FileId id;
+      Status status = IdentityOf(handle_.Get(), id);
+      if (!status.Ok() && info.names > 1) return status;
+      id_ = id;
+    }
+    info.id = *id_;
     info.notInPlace.clear();
     for (const AttributeRefusal& refusal : kRefusedAttributes) {
       if ((facts.attributes & refusal.attribute) != 0) {
@@ -497,6 +527,7 @@ class WindowsFile final : public File {
   std::wstring name_;
   Volume volume_;
   bool direct_;
+  std::optional<FileId> id_;
 };
 
 // --- Folders --------------------------------------------------------------------------------------------

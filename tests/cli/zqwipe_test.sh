@@ -74,12 +74,23 @@ begin "wipes files and tells so"
 echo one >a; echo two >b; echo three >c
 zq 0 --yes a b
 gone a b; there c
-is "$out" "Wiped: 2 files (8 bytes). Kept: nothing."
+# Whoever may not clear the journal is told so behind it.
+is "$(head -n 1 <<<"$out")" "Wiped: 2 files (8 bytes). Kept: nothing."
 is "$err" ""
 zq 0 --yes --quiet --level 7 c
 is "$out$err" ""
 gone c
 is "$(ls -A)" ""
+
+begin "tells of other names that a file has"
+echo one >a; ln a b; echo two >c; ln c d
+zq 0 --yes a c d
+gone a c d; there b
+says "$out" "1 file has other names, too. Under these it is now empty."
+is "$(cat b)" ""
+echo one >a; ln -f a b
+zq 0 --yes --json a
+says "$(json 'o["notes"]')" "1 file has other names, too."
 
 begin "needs an answer or --yes"
 echo one >a

@@ -8,22 +8,58 @@ case_grows_during_the_wipe() {
   new_mark
   secret[grown]=$mark
   text 300000 >"$work/more"
+  put "$top/other"
   wipe --at file "cat '$work/more' >>'$top/file'; sync -f '$mnt'" "$top"
-  if [[ -e $top/file ]]; then
-    refused .
-    lost "$top/file"
-    lost grown
-  fi
+  refused 'another program has changed its length'
+  gone "$top/other"
+  [[ $(stat -c %s "$top/file") == 350000 ]] || fault "what was added is cut off"
+  lost "$top/file"
+  lost grown
+}
+
+# One after the other adds to it, to the end of the wipe and after.
+case_grows_all_the_time() {
+  local writer
+  mkdir "$top"
+  put "$top/file" 50000
+  put "$top/other"
+  # Held open, as a program holds its log.
+  (while :; do echo new; done) >>"$top/file" 2>/dev/null &
+  writer=$!
+  sleep 0.05
+  wipe "$top"
+  kill "$writer" 2>/dev/null || true
+  wait "$writer" 2>/dev/null || true
+  refused 'another program has'
+  gone "$top/other"
+  [[ -e $top/file ]] || fault "a file is gone that another program was writing to"
+  lost "$top/file"
 }
 
 case_shrinks_during_the_wipe() {
   mkdir "$top"
   put "$top/file" 500000
+  put "$top/other"
   wipe --at file "truncate -s 1000 '$top/file'; sync -f '$mnt'" "$top"
   # The blocks it gave back were never ours to overwrite; that it isn't called success is what counts.
-  ((status == 1)) || [[ $(image_content "${secret[$top/file]}") == 0 ]] ||
-    fault "success is reported, and content is in blocks that the file gave back"
+  refused 'another program has changed its length'
+  gone "$top/other"
+  [[ -e $top/file ]] || fault "a file is gone that was not overwritten"
   lost "$top/file"
+}
+
+# Its length is what it was when anybody looks again, but it lies elsewhere.
+case_shrinks_and_grows_during_the_wipe() {
+  mkdir "$top"
+  put "$top/file" 500000
+  put "$top/other"
+  put "$mnt/filler" 600000
+  wipe --at file "truncate -s 0 '$top/file'; sync -f '$mnt'; cat '$mnt/filler' >'$mnt/there'
+    truncate -s 500000 '$top/file'; sync -f '$mnt'" "$top"
+  refused 'another program has moved its content'
+  gone "$top/other"
+  lost "$top/file"
+  lost "$mnt/filler"
 }
 
 case_vanishes_during_the_wipe() {
@@ -31,6 +67,8 @@ case_vanishes_during_the_wipe() {
   put "$top/file" 50000
   put "$top/other" 50000
   wipe --at file "rm '$top/file'" "$top"
+  # It was open, and so overwritten all the same; but the wipe knows no more of its entry.
+  refused 'No such file'
   gone "$top/file" "$top/other"
 }
 
@@ -113,6 +151,21 @@ case_written_to_all_the_time() {
   wait "$writer" 2>/dev/null || true
   for ((i = 0; i < 40; i++)); do gone "$top/f$i"; done
   if ((status == 0)); then gone "$top"; fi
+}
+
+# The file system's server ends while the wipe is at it, as a network path drops.
+kind_of[server_that_ends]=ntfs
+case_server_that_ends() {
+  mkdir -p "$top/sub"
+  put "$top/a" 50000
+  put "$top/sub/b" 50000
+  wipe --at b "kill -9 $(pgrep -x ntfs-3g)" "$top"
+  refused 'Transport endpoint is not connected'
+  ! grep -q '^wiped b' "$work/output" || fault "what could not be wiped is called wiped"
+  # What of it was wiped before is chance.
+  lost "$top/a"
+  lost "$top/sub/b"
+  umount -l "$mnt"
 }
 
 case_open_elsewhere() {

@@ -181,6 +181,7 @@ case_hard_links_inside() {
   put "$top/file"
   ln "$top/file" "$top/file2"
   ln "$top/file" "$top/sub/file3"
+  put "$top/other"
   wipe "$top"
   wiped "$top"
 }
@@ -287,10 +288,14 @@ case_journalled_file() {
   fi
   put "$top/file"
   put "$top/other"
-  wipe "$top"
+  chown -R 65534:65534 "$top"
+  wipe_as setpriv --reuid=65534 --regid=65534 --clear-groups "$work/wipe_tool" "$top"
   refused 'journal'
-  kept "$top/file"
   gone "$top/other"
+  [[ $(sha256sum <"$top/file") == "${sum[$top/file]}" ]] || fault "a file that was refused is not what it was"
+  # The administrator may clear the journal.
+  wipe "$top"
+  wiped "$top"
 }
 
 case_not_there() {
@@ -333,6 +338,21 @@ case_inline_content() {
   wiped "$top"
 }
 
+# Whoever may not clear the journal gets the reason.
+kind_of[inline_content_of_a_user]=ext4-inline
+case_inline_content_of_a_user() {
+  mkdir "$top"
+  put "$top/file" 64
+  put "$top/file2" 112
+  put "$top/large"
+  truncate -s 50 "$top/hole"
+  chown -R 65534:65534 "$top"
+  wipe_as setpriv --reuid=65534 --regid=65534 --clear-groups "$work/wipe_tool" "$top"
+  refused 'only an administrator may clear'
+  kept "$top/file" "$top/file2"
+  gone "$top/large"
+}
+
 # put_attribute PATH BYTES: content in an extended attribute.
 put_attribute() {
   new_mark
@@ -348,18 +368,112 @@ case_extended_attributes() {
   put "$top/file2"
   put_attribute "$top/file2" 2000
   put_attribute "$top" 48
+  # Equal names and lengths: the file system would keep one block for both as soon as the values are equal.
+  put "$top/file3" 100
+  put_attribute "$top/file3" 2000
+  : >"$top/empty"
+  put_attribute "$top/empty" 1000
   wipe "$top"
   wiped "$top"
 }
 
-# What Windows keeps as a file's further streams is shown as extended attributes here.
+# Too long to be sure that a new value comes where the old one was.
+case_long_extended_attribute() {
+  mkdir "$top"
+  put "$top/file"
+  put_attribute "$top/file" 3000
+  put "$top/other"
+  wipe "$top"
+  refused 'file:user.comment: it can.t be overwritten in place'
+  kept "$top/file"
+  unset 'secret[$top/file:attribute]'
+  gone "$top/other"
+}
+
+case_extended_attributes_of_a_user() {
+  mkdir "$top"
+  put "$top/file"
+  put_attribute "$top/file" 48
+  put "$top/other"
+  mkdir "$top/sub"
+  put_attribute "$top/sub" 48
+  chown -R 65534:65534 "$top"
+  wipe_as setpriv --reuid=65534 --regid=65534 --clear-groups "$work/wipe_tool" "$top"
+  refused 'only an administrator may clear'
+  kept "$top/file"
+  [[ -d $top/sub ]] || fault "a folder is gone whose attribute couldn't be overwritten"
+  unset 'secret[$top/file:attribute]' 'secret[$top/sub:attribute]'
+  gone "$top/other"
+}
+
+# A label or an access list holds no content, and not everybody may change it.
+case_attributes_that_hold_no_content() {
+  mkdir "$top"
+  put "$top/file"
+  chown -R 65534:65534 "$top"
+  perl -e 'my ($path) = @ARGV; my $name = "security.test"; my $value = "label";
+    syscall(188, $path, $name, $value, length $value, 0) == 0 or die "setxattr: $!"' "$top/file"
+  wipe_as setpriv --reuid=65534 --regid=65534 --clear-groups "$work/wipe_tool" "$top"
+  gone "$top/file"
+}
+
+# Its log has copies that nobody can clear.
+kind_of[extended_attributes_of_xfs]=xfs
+case_extended_attributes_of_xfs() {
+  mkdir "$top"
+  put "$top/file"
+  put_attribute "$top/file" 48
+  put "$top/other"
+  wipe "$top"
+  refused 'file:user.comment: it can.t be overwritten in place'
+  kept "$top/file"
+  unset 'secret[$top/file:attribute]'
+  gone "$top/other"
+}
+
+# What Windows keeps as a file's further streams is shown as extended attributes here. ntfs-3g cuts them to
+# nothing before it writes the new value, which may then come to lie elsewhere.
 kind_of[streams_of_ntfs]=ntfs
 case_streams_of_ntfs() {
   mkdir "$top"
   put "$top/file"
   put_attribute "$top/file" 20000
+  put "$top/other"
   wipe "$top"
-  wiped "$top"
+  refused 'file:user.comment: it can.t be overwritten in place'
+  kept "$top/file"
+  unset 'secret[$top/file:attribute]'
+  gone "$top/other"
+}
+
+# ext4 keeps the mark, though it compresses nothing itself.
+case_compressed_file() {
+  mkdir "$top"
+  put "$top/file"
+  put "$top/other"
+  chattr +c "$top/file"
+  wipe "$top"
+  refused 'it is compressed by the file system'
+  kept "$top/file"
+  gone "$top/other"
+}
+
+case_encrypted_file() {
+  if [[ ! -e /sys/fs/ext4/features/encryption ]] || ! command -v e4crypt tune2fs >/dev/null; then
+    say "not tested here: files that ext4 encrypts"
+    return
+  fi
+  image_unmount "$mnt"
+  tune2fs -O encrypt "$work/image" >/dev/null
+  image_mount ext4 "$work/image" "$mnt"
+  mkdir -p "$top/closed"
+  echo words | e4crypt add_key -S s:12 "$top/closed" >/dev/null
+  put "$top/closed/file"
+  put "$top/other"
+  wipe "$top"
+  refused 'it is encrypted by the file system'
+  kept "$top/closed/file"
+  gone "$top/other"
 }
 
 # Another file has the same blocks, so they aren't this one's to overwrite.

@@ -129,6 +129,25 @@ TEST_F(RunnerTest, TellsAFileThatCameLater) {
   EXPECT_EQ(Code(), ExitCode::AllGone);
 }
 
+TEST_F(RunnerTest, TellsOfFilesThatHaveOtherNamesToo) {
+  options.recursive = true;
+  const std::string other = "other names, too. Under these";
+  const auto count = [&] {
+    return std::ranges::count_if(result.notes,
+                                 [&](const std::string& note) { return note.find(other) != note.npos; });
+  };
+  std::filesystem::create_hard_link(scratch / "d/e/a.txt", scratch / "outside");
+  std::filesystem::create_hard_link(scratch / "b.txt", scratch / "b2.txt");
+  MakePlanFor({"d", "b.txt", "b2.txt"});
+  Run();
+  EXPECT_EQ(Code(), ExitCode::AllGone);
+  EXPECT_EQ(count(), 1) << "both names of b.txt were given";
+  const Finished finished{options, plan, result, Code(), "now"};
+  EXPECT_THAT(JsonReport(finished), testing::HasSubstr("1 file has " + other));
+  EXPECT_THAT(TextReport(finished), testing::HasSubstr("1 file has " + other));
+  EXPECT_EQ(std::filesystem::file_size(scratch / "outside"), 0u);
+}
+
 TEST_F(RunnerTest, DestroysNothingOnceInterrupted) {
   options.recursive = true;
   MakePlanFor({"a.txt", "b.txt", "d"});

@@ -57,10 +57,12 @@ class FakeFile final : public File {
         direct_(direct),
         isStream_(isStream) {
     ++device_.openHandles;
+    ++node_->openCount;
   }
   ~FakeFile() override {
     if (device_.underWay_.count(this) != 0) device_.violations.push_back("closed in a transfer: " + Path());
     --device_.openHandles;
+    --node_->openCount;
   }
 
   Status Info(FileInfo& info) override {
@@ -70,7 +72,10 @@ class FakeFile final : public File {
     info.clusterBytes = device_.clusterBytes;
     info.inRecord =
         device_.recordBytes > 0 && !node_->written.empty() && node_->written.size() <= device_.recordBytes;
+    info.mergesEqual = device_.mergesEqual && isStream_;
     info.notInPlace = node_->notInPlace;
+    info.id = {1, {node_->number, 0}};
+    info.names = node_->names;
     return {};
   }
 
@@ -197,6 +202,7 @@ class FakeFile final : public File {
     if (!isStream_ && !node_->streams.empty())
       device_.violations.push_back("removed with a stream: " + Path());
     siblings_.erase(name_);
+    --node_->names;
     return {};
   }
 
@@ -296,6 +302,9 @@ class FakeFolder final : public Folder {
         return Status::Refusal("it is a link");
     }
     if (found->second->readOnly) return {Trouble::Other, 5, "Access is denied."};
+    if (device_.opensForOneAlone && found->second->openCount > 0) {
+      return {Trouble::Other, 32, "The file is in use."};
+    }
     file = std::make_unique<FakeFile>(device_, found->second, node_->children, path_, name,
                                       access == Access::Direct && device_.direct, false);
     return {};
@@ -444,7 +453,8 @@ std::unique_ptr<TransferQueue> FakeDevice::MakeQueue() {
   return std::make_unique<FakeQueue>(*this);
 }
 
-FakeDevice::FakeDevice(FakeClock& clock) : clock_(clock), root_(std::make_shared<Node>()) {
+FakeDevice::FakeDevice(FakeClock& clock)
+    : faultStatus(Broken()), clock_(clock), root_(std::make_shared<Node>()) {
   root_->kind = EntryKind::Folder;
 }
 
@@ -468,6 +478,7 @@ std::shared_ptr<Node> FakeDevice::MakeFile(const std::string& path, const std::s
   auto node = std::make_shared<Node>();
   node->original = node->written = node->stored = content;
   node->writeCounts.resize(content.size());
+  node->number = nextNumber_++;
   MakeFolder(folderPath)->children[name] = node;
   return node;
 }
@@ -476,6 +487,15 @@ std::shared_ptr<Node> FakeDevice::MakeLink(const std::string& path, EntryKind ki
   std::shared_ptr<Node> node = MakeFile(path, "");
   node->kind = kind;
   return node;
+}
+
+void FakeDevice::MakeHardLink(const std::string& path, const std::string& existing) {
+  std::string folderPath;
+  std::string name;
+  if (!Split(path, folderPath, name).Ok()) return;
+  const std::shared_ptr<Node> node = Find(existing);
+  MakeFolder(folderPath)->children[name] = node;
+  ++node->names;
 }
 
 std::shared_ptr<Node> FakeDevice::Find(const std::string& path) const {
@@ -548,7 +568,7 @@ Status FakeDevice::Begin(const std::string& kind, const std::string& path, std::
   if (!hit) return {};
   faultHappened = true;
   ops.back().ok = false;
-  return Broken();
+  return faultStatus;
 }
 
 void FakeDevice::Pass(std::uint64_t bytes) {

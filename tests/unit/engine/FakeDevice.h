@@ -50,7 +50,9 @@ struct Node {
   std::string notInPlace;
   bool readOnly = false;
   bool dated = false;
-  int links = 1;
+  std::uint64_t number = 0;  // no two files have the same
+  std::uint32_t names = 1;
+  int openCount = 0;
 };
 
 struct Op {
@@ -70,6 +72,7 @@ class FakeDevice final : public Device {
   std::shared_ptr<Node> MakeFile(const std::string& path, const std::string& content);
   std::shared_ptr<Node> MakeFolder(const std::string& path);
   std::shared_ptr<Node> MakeLink(const std::string& path, EntryKind kind);
+  void MakeHardLink(const std::string& path, const std::string& existing);
   std::shared_ptr<Node> Find(const std::string& path) const;  // null if there is none
   bool Exists(const std::string& path) const { return Find(path) != nullptr; }
 
@@ -78,6 +81,8 @@ class FakeDevice final : public Device {
   bool direct = true;          // whether it can do without the cache
   std::size_t queueDepth = 1;  // with more, transfers are carried out at Wait, the latest first
   bool renamesOpenFolders = false;
+  bool opensForOneAlone = false;     // a file that is open can't be opened under another name
+  bool mergesEqual = false;          // streams must never be written with a pattern
   std::uint64_t bytesPerSecond = 0;  // 0: no time passes
   Clock::Time flushLatency{0};
   std::uint64_t capacityBytes = 0;      // 0: no end
@@ -93,6 +98,7 @@ class FakeDevice final : public Device {
   std::size_t faultAt = 0;
   bool faultHappened = false;
   std::string faultKind;  // of the operation that it hit
+  Status faultStatus;     // what it fails with; with all that a text of a system can bring
 
   // --- what a test looks at ---
   std::vector<Op> ops;
@@ -124,6 +130,7 @@ class FakeDevice final : public Device {
   void CheckOverwritten(const Node& node, const std::string& path, const char* what);
 
   FakeClock& clock_;
+  std::uint64_t nextNumber_ = 1;
   std::shared_ptr<Node> root_;
   std::map<const File*, int> underWay_;  // transfers of each open file
 };

@@ -151,6 +151,39 @@ INSTANTIATE_TEST_SUITE_P(AllScenes, EveryFault,
                                             ::testing::Values(Fault::FailOnce, Fault::FailFromThenOn,
                                                               Fault::ShortWrite)));
 
+// Whatever is asked of it from then on fails, with what systems say then. Nothing is called gone that the
+// server may still have.
+TEST(NetworkPath, ThatDropsAtAnyMomentIsToldWithTheSystemsReason) {
+  for (const Status& reason :
+       {Status{Trouble::Other, 64, "The specified network name is no longer available.\r\n"},
+        Status{Trouble::Other, 107, "Transport endpoint is not connected"},
+        Status{Trouble::Other, 116, "Stale file handle"}, Status{Trouble::Other, 5, "Input/output error"}}) {
+    std::set<std::string> kinds;
+    for (std::size_t n = 1;; ++n) {
+      SCOPED_TRACE(reason.text + std::to_string(n));
+      EngineRig rig;
+      rig.device.MakeFile("/f/top/a", Secret(5'000));
+      AddStream(rig.device.MakeFile("/f/top/sub/b", Secret(100)), "s", 300);
+      rig.device.MakeLink("/f/top/sub/link", EntryKind::Link);
+      rig.device.fault = Fault::FailFromThenOn;
+      rig.device.faultAt = n;
+      rig.device.faultStatus = reason;
+      const bool result = rig.engine.WipeFolder("/f/top", 3);
+      EXPECT_EQ(rig.device.openHandles, 0);
+      EXPECT_THAT(rig.device.violations, IsEmpty());
+      if (!rig.device.faultHappened) {
+        EXPECT_TRUE(result);
+        break;
+      }
+      kinds.insert(rig.device.faultKind);
+      EXPECT_FALSE(result) << rig.device.faultKind;
+      EXPECT_THAT(rig.engine.LastErrorText(), HasSubstr('(' + std::to_string(reason.code) + ')'));
+      for (const Event& error : rig.events.Of("error")) EXPECT_EQ(error.percent, reason.code) << error.name;
+    }
+    EXPECT_GT(kinds.size(), 15u);
+  }
+}
+
 // The other files of its batch are wiped, and the one that has failed stays as whole as the failure found it.
 TEST(BatchFault, TakesOnlyItsOwnFileOut) {
   std::set<std::string> kinds;

@@ -135,6 +135,17 @@ TEST(FolderWipe, RemovesLinksAsLinksAndNeverFollowsThem) {
   }
 }
 
+TEST(FolderWipe, EndsWhereJunctionsMakeALoop) {
+  EngineRig rig;
+  MakeTree(rig.device);
+  const auto loop = rig.device.MakeLink("/safe/docs/deep/junction", EntryKind::FolderLink);
+  loop->children["docs"] = rig.device.Find("/safe/docs");
+  EXPECT_FALSE(rig.engine.WipeFolder("/safe/docs", 3)) << "this device removes no entry that holds others";
+  EXPECT_EQ(rig.events.Of("wiped").size(), 5u);
+  loop->children.clear();
+  EXPECT_TRUE(rig.engine.WipeFolder("/safe/docs", 3)) << rig.engine.LastErrorText();
+}
+
 TEST(FolderWipe, RefusesALinkNamedByItself) {
   EngineRig rig;
   rig.device.MakeLink("/safe/link", EntryKind::FolderLink);

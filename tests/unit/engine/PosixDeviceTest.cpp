@@ -5,10 +5,13 @@
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/vfs.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
 
 #include "unit/engine/RealEngine.h"
 #include "unit/engine/Scratch.h"
@@ -85,6 +88,19 @@ TEST(PosixDevice, RemovesLinksInsideAFolderAndLeavesTheirTargets) {
   EXPECT_EQ(ReadBytes(scratch / "outside/file"), "keep");
 }
 
+TEST(PosixDevice, EndsWhereLinksToFoldersMakeALoop) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "top/a/b");
+  WriteBytes(scratch / "top/a/b/file", Secret(100));
+  fs::create_directory_symlink("..", scratch / "top/a/b/up");
+  fs::create_directory_symlink(scratch / "top", scratch / "top/a/round");
+  fs::create_directory_symlink("itself", scratch / "top/itself");
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+  EXPECT_EQ(real.events.Of("wiped").size(), 1u);
+}
+
 TEST(PosixDevice, DestroysTheContentUnderAllItsHardLinks) {
   Scratch scratch;
   RealEngine real;
@@ -93,6 +109,193 @@ TEST(PosixDevice, DestroysTheContentUnderAllItsHardLinks) {
   EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "one"), 3)) << real.engine.LastErrorText();
   EXPECT_FALSE(fs::exists(scratch / "one"));
   EXPECT_EQ(fs::file_size(scratch / "two"), 0u);
+  EXPECT_THAT(real.engine.Note(), HasSubstr("1 file has other names, too. Under these it is now empty."));
+}
+
+TEST(PosixDevice, RemovesAllNamesOfAFileThatLieInTheFolder) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "top/sub");
+  WriteBytes(scratch / "top/one", Secret(50'000));
+  fs::create_hard_link(scratch / "top/one", scratch / "top/two");
+  fs::create_hard_link(scratch / "top/one", scratch / "top/sub/three");
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+  EXPECT_EQ(real.engine.Note().find("other names"), std::string::npos) << real.engine.Note();
+}
+
+// --- What other programs do meanwhile -------------------------------------------------------------------
+
+// The event comes when the file is open and before its first pass.
+bool WipeWhile(RealEngine& real, const fs::path& path, const std::function<void()>& act) {
+  bool acted = false;
+  real.events.onEvent = [&](const Event& event) {
+    if (acted || event.kind != "progress") return;
+    acted = true;
+    act();
+  };
+  const bool result = real.engine.WipeFile(Utf8(path), 3);
+  EXPECT_TRUE(acted);
+  return result;
+}
+
+TEST(PosixDevice, KeepsAFileThatIsMadeLongerOrShorterMeanwhile) {
+  for (const std::uintmax_t size : {100u, 50'000u, 100'001u, 500'000u}) {
+    Scratch scratch;
+    RealEngine real;
+    const fs::path path = scratch / "x";
+    WriteBytes(path, Secret(100'000));
+    EXPECT_FALSE(WipeWhile(real, path, [&] { fs::resize_file(path, size); }));
+    EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("another program has changed its length"));
+    EXPECT_TRUE(fs::exists(path));
+  }
+}
+
+TEST(PosixDevice, KeepsAFileThatIsWrittenToAfterItsLastPass) {
+  Scratch scratch;
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  const fs::path path = scratch / "x";
+  WriteBytes(path, Secret(8'192));
+  std::unique_ptr<Folder> folder;
+  std::unique_ptr<File> file;
+  ASSERT_TRUE(device->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  ASSERT_TRUE(folder->OpenFile("x", Access::Cached, file).Ok());
+  FileInfo info;
+  ASSERT_TRUE(file->Info(info).Ok());
+  if (!info.notInPlace.empty()) GTEST_SKIP() << "no wipe in this folder: " << info.notInPlace;
+  const std::string data(8'192, 'w');
+  std::size_t written = 0;
+  ASSERT_TRUE(file->Write(0, std::as_bytes(std::span(data)), written).Ok());
+  ASSERT_TRUE(file->Flush().Ok());
+  ASSERT_TRUE(file->DropCache().Ok());
+  ASSERT_TRUE(file->Info(info).Ok());
+  EXPECT_EQ(info.notInPlace, "");
+  struct stat facts {};
+  ASSERT_EQ(::stat(path.c_str(), &facts), 0);
+  const timespec later[2] = {facts.st_atim, {facts.st_mtim.tv_sec + 1, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, path.c_str(), later, 0), 0);
+  ASSERT_TRUE(file->Info(info).Ok());
+  struct statfs system {};
+  ASSERT_EQ(::statfs(path.c_str(), &system), 0);
+  if (system.f_type == 0x01021994) GTEST_SKIP() << "a file system in memory, of whose dates nothing is asked";
+  EXPECT_EQ(info.notInPlace, "another program has written to it during the wipe");
+}
+
+TEST(PosixDevice, DoesNotRemoveAFileThatHasContentAgain) {
+  Scratch scratch;
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  WriteBytes(scratch / "x", "old");
+  std::unique_ptr<Folder> folder;
+  std::unique_ptr<File> file;
+  ASSERT_TRUE(device->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  ASSERT_TRUE(folder->OpenFile("x", Access::Cached, file).Ok());
+  ASSERT_TRUE(file->SetLength(0).Ok());
+  WriteBytes(scratch / "x", "new");
+  EXPECT_EQ(file->Remove().text, "another program has written to it again");
+  EXPECT_EQ(ReadBytes(scratch / "x"), "new");
+  ASSERT_TRUE(file->SetLength(0).Ok());
+  EXPECT_TRUE(file->Remove().Ok());
+}
+
+TEST(PosixDevice, FailsOnAFileThatVanishesMeanwhile) {
+  Scratch scratch;
+  RealEngine real;
+  WriteBytes(scratch / "x", Secret(5'000));
+  EXPECT_FALSE(WipeWhile(real, scratch / "x", [&] { fs::remove(scratch / "x"); }));
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("No such file"));
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("(already overwritten)"));
+}
+
+// --- Extended attributes --------------------------------------------------------------------------------
+
+void SetAttribute(const fs::path& path, const char* name, const std::string& value) {
+  ASSERT_EQ(::setxattr(path.c_str(), name, value.data(), value.size(), 0), 0) << std::strerror(errno);
+}
+
+TEST(PosixDevice, ShowsExtendedAttributesAsStreamsThatAreOverwrittenInPlace) {
+  Scratch scratch;
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  const fs::path path = scratch / "x";
+  WriteBytes(path, "x");
+  if (::setxattr(path.c_str(), "user.one", "secret", 6, 0) != 0) {
+    GTEST_SKIP() << "no extended attributes here: " << std::strerror(errno);
+  }
+  SetAttribute(path, "user.two", Secret(1'000));
+  SetAttribute(scratch.Path(), "user.three", "of the folder");
+  std::unique_ptr<Folder> folder;
+  std::unique_ptr<File> file;
+  ASSERT_TRUE(device->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  ASSERT_TRUE(folder->OpenFile("x", Access::Cached, file).Ok());
+  std::vector<std::string> names;
+  ASSERT_TRUE(folder->ListStreams(names).Ok());
+  EXPECT_THAT(names, ::testing::ElementsAre("user.three"));
+  ASSERT_TRUE(file->ListStreams(names).Ok());
+  EXPECT_THAT(names, ::testing::UnorderedElementsAre("user.one", "user.two"));
+
+  std::unique_ptr<File> stream;
+  ASSERT_TRUE(file->OpenStream("user.two", Access::Direct, stream).Ok());
+  FileInfo info;
+  ASSERT_TRUE(stream->Info(info).Ok());
+  EXPECT_EQ(info.lengthBytes, 1'000u);
+  EXPECT_TRUE(info.inRecord) << "never more than its own length may be written";
+  EXPECT_TRUE(info.mergesEqual);
+  const std::string data(400, 'w');
+  std::size_t written = 0;
+  ASSERT_TRUE(stream->Write(600, std::as_bytes(std::span(data)), written).Ok());
+  EXPECT_EQ(written, 400u);
+  EXPECT_FALSE(stream->Write(601, std::as_bytes(std::span(data)), written).Ok()) << "behind its end";
+  std::string read(1'000, ' ');
+  std::size_t got = 0;
+  ASSERT_TRUE(stream->Read(0, std::as_writable_bytes(std::span(read)), got).Ok());
+  EXPECT_EQ(read, Secret(1'000).substr(0, 600) + data);
+  EXPECT_TRUE(stream->Flush().Ok());
+  EXPECT_TRUE(stream->Remove().Ok());
+  EXPECT_LT(::getxattr(path.c_str(), "user.two", nullptr, 0), 0);
+  EXPECT_FALSE(stream->Remove().Ok());
+}
+
+TEST(PosixDevice, WipesAttributesWithTheirFilesAndFoldersOrLeavesBoth) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "top/sub");
+  WriteBytes(scratch / "top/x", Secret(5'000));
+  if (::setxattr((scratch / "top/x").c_str(), "user.one", "secret", 6, 0) != 0) {
+    GTEST_SKIP() << "no extended attributes here: " << std::strerror(errno);
+  }
+  SetAttribute(scratch / "top/sub", "user.two", Secret(100));
+  if (real.engine.WipeFolder(Utf8(scratch / "top"), 3)) {
+    EXPECT_TRUE(fs::is_empty(scratch.Path()));
+    return;
+  }
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("it can't be overwritten in place, since"));
+  EXPECT_EQ(ReadBytes(scratch / "top/x"), Secret(5'000));
+  EXPECT_TRUE(fs::exists(scratch / "top/sub"));
+}
+
+// What gives rights is none of our business, and not everybody may change it.
+TEST(PosixDevice, LeavesAttributesThatHoldNoContentAlone) {
+  Scratch scratch;
+  RealEngine real;
+  const fs::path path = scratch / "x";
+  WriteBytes(path, Secret(5'000));
+  // An access list with one more user: version 2, owner rw, user 12345 r, group r, mask r, others none.
+  static constexpr unsigned char kList[] = {
+      2, 0, 0,   0,   1,   0,   6,  0, 255, 255, 255, 255, 2,   0,   4,  0, 0x39, 0x30, 0,   0,   4,   0,
+      4, 0, 255, 255, 255, 255, 16, 0, 4,   0,   255, 255, 255, 255, 32, 0, 0,    0,    255, 255, 255, 255};
+  if (::setxattr(path.c_str(), "system.posix_acl_access", kList, sizeof kList, 0) != 0) {
+    GTEST_SKIP() << "no access lists here: " << std::strerror(errno);
+  }
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  std::unique_ptr<Folder> folder;
+  ASSERT_TRUE(device->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  {
+    std::unique_ptr<File> file;
+    ASSERT_TRUE(folder->OpenFile("x", Access::Cached, file).Ok());
+    std::vector<std::string> names;
+    ASSERT_TRUE(file->ListStreams(names).Ok());
+    EXPECT_THAT(names, IsEmpty());
+  }
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(path), 3)) << real.engine.LastErrorText();
 }
 
 TEST(PosixDevice, RefusesPipesAndDevicesWithoutWaiting) {

@@ -100,6 +100,60 @@ TEST(RealFile, MayLieDeeperThanTheOldLimitOfPaths) {
   EXPECT_TRUE(fs::is_empty(scratch.Path()));
 }
 
+TEST(RealFile, MayHaveANameOfTheGreatestLength) {
+  Scratch scratch;
+  RealEngine real;
+  const std::string longest(255, 'n');
+  fs::create_directory(scratch / "top");
+  const std::string top = Utf8(scratch / "top");
+  {
+    // Made through the device, for paths beyond the old limit.
+    std::unique_ptr<Folder> folder;
+    std::unique_ptr<Folder> inner;
+    std::unique_ptr<File> file;
+    ASSERT_TRUE(real.device->OpenFolder(top, folder).Ok());
+    ASSERT_TRUE(folder->AddFile(longest, Access::Cached, file).Ok());
+    ASSERT_TRUE(folder->AddFolder("d" + longest.substr(1), inner).Ok());
+    ASSERT_TRUE(inner->AddFile(longest, Access::Cached, file).Ok());
+    EXPECT_FALSE(inner->AddFile(longest + 'n', Access::Cached, file).Ok());
+  }
+  EXPECT_TRUE(real.engine.WipeFile(real.device->Join(top, longest), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(real.engine.WipeFolder(top, 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+}
+
+TEST(RealFolder, MayBeAsDeepAsPathsOfThirtyThousandCharacters) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directory(scratch / "top");
+  const std::string top = Utf8(scratch / "top");
+  std::string path = top;
+  {
+    std::unique_ptr<Folder> folder;
+    ASSERT_TRUE(real.device->OpenFolder(path, folder).Ok());
+    const std::string name(250, 'd');
+    while (path.size() < 30'000) {
+      std::unique_ptr<Folder> next;
+      if (!folder->AddFolder(name, next).Ok()) break;
+      folder = std::move(next);
+      path = real.device->Join(path, name);
+    }
+    std::unique_ptr<File> file;
+    ASSERT_TRUE(folder->AddFile("deep", Access::Cached, file).Ok());
+    std::size_t written = 0;
+    const std::string secret = Secret(100);
+    ASSERT_TRUE(file->Write(0, std::as_bytes(std::span(secret)), written).Ok());
+  }
+#ifdef _WIN32
+  EXPECT_GT(path.size(), 3'000u) << "Wine goes as far as its host's paths";
+#else
+  EXPECT_GE(path.size(), 30'000u);
+#endif
+  EXPECT_TRUE(real.engine.WipeFolder(top, 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+  EXPECT_EQ(real.events.Of("wiped").size(), 1u);
+}
+
 TEST(RealFolder, IsGoneWithAllThatIsInIt) {
   Scratch scratch;
   RealEngine real;

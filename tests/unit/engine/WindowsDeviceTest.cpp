@@ -2,6 +2,7 @@
 #include <windows.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <winioctl.h>
 
 #include "unit/engine/RealEngine.h"
 #include "unit/engine/Scratch.h"
@@ -22,10 +23,58 @@ TEST(WindowsDevice, FailsOnAFileThatAnotherProgramMayWriteTo) {
                     nullptr, OPEN_EXISTING, 0, nullptr);
   ASSERT_NE(other, INVALID_HANDLE_VALUE);
   EXPECT_FALSE(real.engine.WipeFile(Utf8(path), 3));
-  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("(32)"));
+  EXPECT_EQ(real.engine.LastErrorText(), "Opening " + Utf8(path) + ": another program has it open (32)");
   ::CloseHandle(other);
   EXPECT_EQ(ReadBytes(path), Secret(100));
   EXPECT_TRUE(real.engine.WipeFile(Utf8(path), 3)) << real.engine.LastErrorText();
+}
+
+TEST(WindowsDevice, LetsNobodyWriteWhileItWipes) {
+  Scratch scratch;
+  RealEngine real;
+  const fs::path path = scratch / "x";
+  WriteBytes(path, Secret(50'000));
+  DWORD code = ERROR_SUCCESS;
+  real.events.onEvent = [&](const Event&) {
+    if (code != ERROR_SUCCESS) return;
+    const HANDLE other =
+        ::CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                      nullptr, OPEN_EXISTING, 0, nullptr);
+    code = other == INVALID_HANDLE_VALUE ? ::GetLastError() : ERROR_INVALID_DATA;
+    if (other != INVALID_HANDLE_VALUE) ::CloseHandle(other);
+  };
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(path), 3)) << real.engine.LastErrorText();
+  EXPECT_EQ(code, DWORD{ERROR_SHARING_VIOLATION});
+}
+
+// Each is opened for one alone, so the second name can't be before the first has gone.
+TEST(WindowsDevice, RemovesAllNamesOfAFileThatLieInTheFolder) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "top/sub");
+  WriteBytes(scratch / "top/one", Secret(50'000));
+  WriteBytes(scratch / "top/other", Secret(500));
+  for (const char* name : {"top/two", "top/sub/three"}) {
+    if (::CreateHardLinkW((scratch / name).c_str(), (scratch / "top/one").c_str(), nullptr) == 0) {
+      GTEST_SKIP() << "no hard links here: error " << ::GetLastError();
+    }
+  }
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+  EXPECT_EQ(real.engine.Note(), "");
+}
+
+TEST(WindowsDevice, DestroysTheContentUnderOtherNamesAndSaysSo) {
+  Scratch scratch;
+  RealEngine real;
+  WriteBytes(scratch / "one", Secret(5'000));
+  if (::CreateHardLinkW((scratch / "two").c_str(), (scratch / "one").c_str(), nullptr) == 0) {
+    GTEST_SKIP() << "no hard links here: error " << ::GetLastError();
+  }
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "one"), 3)) << real.engine.LastErrorText();
+  EXPECT_FALSE(fs::exists(scratch / "one"));
+  EXPECT_EQ(fs::file_size(scratch / "two"), 0u);
+  EXPECT_EQ(real.engine.Note(), "1 file has other names, too. Under these it is now empty.");
 }
 
 TEST(WindowsDevice, RefusesAReadOnlyFileAndLeavesItAlone) {
@@ -38,6 +87,100 @@ TEST(WindowsDevice, RefusesAReadOnlyFileAndLeavesItAlone) {
   EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("it is read-only"));
   EXPECT_EQ(ReadBytes(path), Secret(100));
   ASSERT_NE(::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL), 0);
+}
+
+// Half a surrogate pair has no UTF-8.
+TEST(WindowsDevice, KeepsAFileWhoseNameIsNoText) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directory(scratch / "top");
+  WriteBytes(scratch / "top/other", Secret(100));
+  const std::wstring path = (scratch / "top").wstring() + L"\\a\xD800z";
+  const HANDLE file = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+  if (file == INVALID_HANDLE_VALUE) GTEST_SKIP() << "no such names here: error " << ::GetLastError();
+  DWORD written = 0;
+  ::WriteFile(file, "keep", 4, &written, nullptr);
+  ::CloseHandle(file);
+  EXPECT_FALSE(real.engine.WipeFolder(Utf8(scratch / "top"), 3));
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("(2)"));
+  EXPECT_FALSE(fs::exists(scratch / "top/other"));
+  EXPECT_NE(::DeleteFileW(path.c_str()), 0) << "it was kept";
+}
+
+TEST(WindowsDevice, RemovesLinksInsideAFolderAndLeavesTheirTargets) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "outside");
+  fs::create_directories(scratch / "top/sub");
+  WriteBytes(scratch / "outside/file", "keep");
+  constexpr DWORD kUnprivileged = 2;  // SYMBOLIC_LINK_FLAG_ALLOW_UNPRIVILEGED_CREATE
+  const fs::path folderLink = scratch / "top/sub/folderlink";
+  if (::CreateSymbolicLinkW((scratch / "top/link").c_str(), (scratch / "outside/file").c_str(),
+                            kUnprivileged) == 0 ||
+      ::CreateSymbolicLinkW(folderLink.c_str(), (scratch / "outside").c_str(),
+                            kUnprivileged | SYMBOLIC_LINK_FLAG_DIRECTORY) == 0 ||
+      (::GetFileAttributesW(folderLink.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+    GTEST_SKIP() << "no symbolic links here: error " << ::GetLastError();
+  }
+  EXPECT_FALSE(real.engine.WipeFolder(Utf8(folderLink), 3));
+  // Wine doesn't open a link to a folder as such.
+  EXPECT_THAT(real.engine.LastErrorText(), ::testing::AnyOf(HasSubstr("it is a link"), HasSubstr("(2)")));
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3)) << real.engine.LastErrorText();
+  EXPECT_FALSE(fs::exists(scratch / "top"));
+  EXPECT_EQ(ReadBytes(scratch / "outside/file"), "keep");
+}
+
+TEST(WindowsDevice, RefusesFilesThatTheFileSystemCompressesOrThatAreSparse) {
+  Scratch scratch;
+  RealEngine real;
+  int tried = 0;
+  for (const bool sparse : {false, true}) {
+    const fs::path path = scratch / (sparse ? "sparse" : "compressed");
+    WriteBytes(path, Secret(10'000));
+    const HANDLE file =
+        ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+    ASSERT_NE(file, INVALID_HANDLE_VALUE);
+    USHORT format = COMPRESSION_FORMAT_DEFAULT;
+    DWORD got = 0;
+    const BOOL done = sparse
+                          ? ::DeviceIoControl(file, FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &got, nullptr)
+                          : ::DeviceIoControl(file, FSCTL_SET_COMPRESSION, &format, sizeof format, nullptr, 0,
+                                              &got, nullptr);
+    ::CloseHandle(file);
+    const DWORD attributes = ::GetFileAttributesW(path.c_str());
+    const DWORD wanted = sparse ? FILE_ATTRIBUTE_SPARSE_FILE : FILE_ATTRIBUTE_COMPRESSED;
+    if (done == 0 || (attributes & wanted) == 0) continue;
+    ++tried;
+    EXPECT_FALSE(real.engine.WipeFile(Utf8(path), 3));
+    EXPECT_THAT(real.engine.LastErrorText(), HasSubstr(sparse ? "sparse" : "compressed"));
+    EXPECT_EQ(ReadBytes(path), Secret(10'000));
+  }
+  if (tried == 0) GTEST_SKIP() << "this file system neither compresses nor has sparse files";
+}
+
+TEST(WindowsDevice, WipesTheNamedStreamsOfFilesAndFolders) {
+  Scratch scratch;
+  RealEngine real;
+  fs::create_directories(scratch / "top/sub");
+  WriteBytes(scratch / "top/file", Secret(100));
+  for (const wchar_t* name : {L"top\\file:notes", L"top\\sub:notes"}) {
+    const std::wstring path = scratch.Path().wstring() + L'\\' + name;
+    const HANDLE stream = ::CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    if (stream == INVALID_HANDLE_VALUE) GTEST_SKIP() << "no named streams here: error " << ::GetLastError();
+    DWORD written = 0;
+    ::WriteFile(stream, "secret", 6, &written, nullptr);
+    ::CloseHandle(stream);
+  }
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  std::vector<std::string> names;
+  {
+    std::unique_ptr<Folder> folder;
+    ASSERT_TRUE(device->OpenFolder(Utf8(scratch / "top/sub"), folder).Ok());
+    ASSERT_TRUE(folder->ListStreams(names).Ok());
+  }
+  if (names.empty()) GTEST_SKIP() << "named streams are plain files here";
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
 }
 
 TEST(WindowsDevice, WipesHiddenAndSystemFiles) {
