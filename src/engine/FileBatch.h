@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,7 +26,8 @@ struct Place {
 // With small files the flushes are all that takes time: one for each file and pass, and as many again for
 // names and removals. Here the pass is written to all files, then made durable once, and so are the names,
 // and the removals. A file that fails is taken out and stays, and the others go on. Nothing is removed
-// before all files of the batch are overwritten and read back; a cancel until then removes nothing.
+// before all files of the batch are overwritten and read back; a cancel until then removes nothing. One that
+// comes later leaves of each file either nothing, or the file with its name, overwritten.
 class FileBatch {
  public:
   // `note` receives each failure and may throw Cancelled.
@@ -66,7 +68,8 @@ class FileBatch {
   void FlushParts();
   void Verify();
   void CheckTransfers();
-  void Erase();
+  // Erases items from this one on, as many as the time allows: group_ is those.
+  void Erase(std::size_t first);
   void HideLink(Item& item);
   void FlushNames();
   void FlushPlaces(bool ofLinksAlone);
@@ -74,7 +77,8 @@ class FileBatch {
   Operation& operation_;
   std::function<void(const Failure&)> note_;
   std::vector<std::unique_ptr<Item>> items_;
-  std::vector<Failure> failures_;  // not yet noted
+  std::span<const std::unique_ptr<Item>> group_;  // of items_, those that are being erased
+  std::vector<Failure> failures_;                 // not yet noted
   std::uint64_t bytes_ = 0;
   std::size_t parts_ = 0;
   std::uint64_t cachedBytes_ = 0;  // written, in one way or the other, since the last flush

@@ -81,6 +81,16 @@ class Operation {
     if (cancelFlag_) throw Cancelled{};
   }
 
+  // Tells that the work is at `path`, which is no file with a progress of its own, if an event is due. Throws
+  // Cancelled.
+  void Tell(const std::string& path) {
+    if (timer.IsDue()) {
+      timer.Raised();
+      events.WipeProgress(0, 0, 0, path);
+    }
+    LookForCancel();
+  }
+
   // A random name of `length` characters, legal on every file system. Throws Failure without a seed.
   std::string RandomName(std::size_t length);
 

@@ -543,6 +543,11 @@ Status FakeDevice::Begin(const std::string& kind, const std::string& path, std::
                          std::size_t size) {
   ops.push_back({kind, path, offset, size, {}, true});
   if (onOp) onOp(ops.back());
+  for (const char* ofEntry :
+       {"set length", "set dates", "rename", "rename entry", "remove", "remove entry"}) {
+    if (kind == ofEntry) clock_.Advance(entryLatency);
+  }
+  if (kind == "flush folder") clock_.Advance(flushLatency);
   const std::size_t number = ops.size();
   if (number == faultAt) faultKind = kind;
   const bool hit = (fault == Fault::FailOnce && number == faultAt) ||

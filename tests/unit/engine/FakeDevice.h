@@ -80,6 +80,7 @@ class FakeDevice final : public Device {
   bool renamesOpenFolders = false;
   std::uint64_t bytesPerSecond = 0;  // 0: no time passes
   Clock::Time flushLatency{0};
+  Clock::Time entryLatency{0};          // of each change of a name, a length or dates, and of each removal
   std::uint64_t capacityBytes = 0;      // 0: no end
   bool writesWhatFits = false;          // of a write that the end of the device cuts
   std::size_t recordBytes = 0;          // files up to this length take no clusters
