@@ -259,6 +259,14 @@ done
 zq 2 --yes --recursive --json d/e "$HOME"
 is "$(json 'o["exitCode"], len(o["refused"]), o["totals"]["wiped"]')" "(2, 2, 0)"
 there d/e/f "$HOME/letters/l"
+# A whole drive, for which nothing but a dry run is tried.
+for path in / // /. "$scratch/../../../../../../../../../.."; do
+  code=0
+  "$program" --dry-run --recursive "$path" </dev/null >"$scratch/out" 2>"$scratch/err" || code=$?
+  ((code == 2)) || fail "exit code $code for $path"
+  says "$(cat -- "$scratch/err")" "nothing was destroyed"
+  is "$(cat -- "$scratch/out")" ""
+done
 # The same by way of a link to the folder above.
 ln -s "$scratch" "$scratch/desk/up"
 zq 2 --yes --recursive up/home

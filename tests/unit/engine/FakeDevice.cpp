@@ -81,7 +81,7 @@ class FakeFile final : public File {
     CheckAlignment(offset, data.data(), data.size());
     if (Status status = device_.Begin("write", Path(), offset, data.size()); !status.Ok()) return status;
     std::size_t size = data.size();
-    if (device_.HitBy(FakeDevice::Fault::ShortWrite)) {
+    if (device_.IsShort()) {
       device_.faultHappened = true;
       size = size / 2 / device_.sectorBytes * device_.sectorBytes;
     }
@@ -91,7 +91,7 @@ class FakeFile final : public File {
     if (direct_ && !node_->original.empty() && node_->original.size() <= device_.recordBytes) {
       device_.violations.push_back("moved out of its record: " + Path());
     }
-    if (size == 0 && !data.empty() && !device_.HitBy(FakeDevice::Fault::ShortWrite)) {
+    if (size == 0 && !data.empty() && !device_.IsShort()) {
       device_.ops.back().ok = false;
       return Full();
     }
