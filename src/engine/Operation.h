@@ -31,7 +31,7 @@ class WorkMeter {
 // The time between two events while an operation works: at least ten a second, never two within 30 ms.
 class EventTimer {
  public:
-  explicit EventTimer(Clock& clock) : clock_(clock) {}
+  explicit EventTimer(Clock& clock) : clock_(clock), last_(clock.Now()) {}
 
   void Raised() { last_ = clock_.Now(); }
   bool IsDue() const { return clock_.Now() - last_ >= kBetween; }
@@ -40,7 +40,7 @@ class EventTimer {
   static constexpr Clock::Time kBetween{35'000};
 
   Clock& clock_;
-  Clock::Time last_{};
+  Clock::Time last_;
 };
 
 class Operation {
