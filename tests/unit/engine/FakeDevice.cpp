@@ -83,7 +83,7 @@ class FakeFile final : public File {
     std::size_t size = data.size();
     if (device_.IsShort()) {
       device_.faultHappened = true;
-      size = size / 2 / device_.sectorBytes * device_.sectorBytes;
+      size = size / 2 / Alignment() * Alignment();
     }
     // Some systems write what fits when not all does, others nothing.
     const std::size_t room = RoomFor(offset, size);
