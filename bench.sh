@@ -3,6 +3,7 @@
 # five runs of each (BENCH_RUNS), ratios, and how often each asks for a flush. Installs what is missing.
 #   bench.sh          three workloads: a large file, many small ones, some of middle size
 #   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
+#   bench.sh windows  the Windows program's engine under Wine against shred on this system
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
 set -euo pipefail
@@ -10,6 +11,7 @@ cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
 source scripts/packages.sh
 need_packages build bench
+[[ ${1:-} != windows ]] || need_packages run
 
 runs=${BENCH_RUNS:-5}
 dir=${BENCH_DIR:-$PWD/build/bench}
@@ -19,7 +21,7 @@ cmake --build --preset native-release --parallel "$(nproc)" --target engine_benc
 
 [[ ! -e $dir/work ]] || { echo "$dir/work is there already, and would be destroyed" >&2; exit 1; }
 mkdir -p -- "$dir"
-trap 'rm -rf -- "$dir/work" "$dir/fio-seconds"' EXIT
+trap 'rm -rf -- "$dir/work" "$dir/own-seconds"' EXIT
 
 # --- The workloads: each makes $dir/work anew and waits until it is on the device ---
 
@@ -70,7 +72,11 @@ run_fio() {
       --ioengine=io_uring --iodepth=4 --end_fsync=1 --overwrite=1 --allow_file_create=0 --refill_buffers=0 \
       --output-format=json 2>/dev/null | perl -MJSON::PP -0777 -ne '
         print decode_json($_)->{jobs}[0]{write}{runtime} / 1000 + 0, "\n"'
-  done | awk '{ sum += $1 } END { printf "%.3f\n", sum }' >"$dir/fio-seconds"
+  done | awk '{ sum += $1 } END { printf "%.3f\n", sum }' >"$dir/own-seconds"
+}
+run_windows() {
+  ZQ_PREFIX=bench scripts/wine-run.sh build/windows/tests/bench/engine_bench.exe folder 'C:\bench\work' 3 |
+    tr -d '\r' | sed 's/ s, .*//' >"$dir/own-seconds"
 }
 
 # seconds TOOL WORKLOAD: of one run.
@@ -80,10 +86,10 @@ seconds() {
   started=$(date +%s%N)
   "run_$1"
   ended=$(date +%s%N)
-  if [[ $1 == fio ]]; then
-    # Its own starting up, nine times, is no part of it.
-    cat -- "$dir/fio-seconds"
-    rm -- "$dir/fio-seconds"
+  if [[ -e $dir/own-seconds ]]; then
+    # Its starting up is no part of it, as with fio, nine times, and with Wine.
+    cat -- "$dir/own-seconds"
+    rm -- "$dir/own-seconds"
   else
     awk "BEGIN { printf \"%.3f\\n\", ($ended - $started) / 1e9 }"
   fi
@@ -92,6 +98,7 @@ seconds() {
 # flushes TOOL WORKLOAD: how many calls for a flush.
 flushes() {
   local trace
+  [[ $1 != windows ]] || { echo -; return; }  # it can't be looked into from outside the cage
   trace=$(mktemp)
   make_work "$2"
   strace -f -qq -c -e trace=fsync,fdatasync,syncfs,sync -o "$trace" "$BASH" -c \
@@ -110,13 +117,13 @@ compare() {
   for ((run = 1; run <= runs; ++run)); do
     for tool in "$@"; do times[$tool]+="$(seconds "$tool" "$workload") "; done
   done
-  own=$(tr ' ' '\n' <<<"${times[engine]% }" | median)
+  own=$(tr ' ' '\n' <<<"${times[$1]% }" | median)
   printf '\n%s\n  %-8s %10s %8s %9s   %s\n' "$title" "" "median s" "ratio" "flushes" "all runs"
   for tool in "$@"; do
     all=${times[$tool]% }
     awk -v tool="$tool" -v t="$(tr ' ' '\n' <<<"$all" | median)" -v own="$own" -v all="$all" \
       -v flushes="$(flushes "$tool" "$workload")" \
-      'BEGIN { printf "  %-8s %10.3f %8.2f %9d   %s\n", tool, t, t / own, flushes, all }'
+      'BEGIN { printf "  %-8s %10.3f %8.2f %9s   %s\n", tool, t, t / own, flushes, all }'
   done
 }
 
@@ -130,12 +137,26 @@ linear() {
 }
 make_files_of() { files "$1" 4096 $(($1 / 100)); }
 
+# The prefix's drive C: is a folder of this disk, where shred finds the same files.
+compare_windows() {
+  local prefix
+  cmake --preset windows -Wno-dev >/dev/null
+  cmake --build --preset windows --parallel "$(nproc)" --target engine_bench >/dev/null
+  prefix=$(scripts/prefix.sh create bench)
+  trap 'rm -rf -- "$dir/work" "$dir/own-seconds"; scripts/prefix.sh stop bench' EXIT
+  dir=$prefix/drive_c/bench
+  mkdir -p -- "$dir"
+  compare "One file of 256 MiB" large windows shred
+  compare "2,000 files of 4 KiB in 20 folders" small windows shred
+  compare "100 files of 1 MiB" middle windows shred
+}
+
 echo "$(df --output=fstype,source "$dir" | tail -1), $(nproc) processors, load $(cut -d' ' -f1-3 /proc/loadavg)," \
-  "medians of $runs; ratio: time against the engine's"
-if [[ ${1:-} == linear ]]; then
-  linear
-  exit
-fi
+  "medians of $runs; ratio: time against the first"
+case ${1:-} in
+  linear) linear; exit ;;
+  windows) compare_windows; exit ;;
+esac
 # wipe takes half a minute and more for each run of the large file and of the middle ones.
 compare "One file of 256 MiB" large engine plain shred scrub fio
 compare "2,000 files of 4 KiB in 20 folders" small engine plain shred wipe srm

@@ -31,6 +31,10 @@ std::unique_ptr<TransferQueue> Device::MakeQueue() {
   return std::make_unique<SerialQueue>();
 }
 
+void Device::EmptyMany(std::span<File* const> files, std::span<Status> outcomes) {
+  for (std::size_t i = 0; i < files.size(); ++i) outcomes[i] = files[i]->SetLength(0);
+}
+
 void Device::FlushMany(std::span<File* const> files, std::span<Status> outcomes) {
   for (std::size_t i = 0; i < files.size(); ++i) outcomes[i] = files[i]->Flush();
 }

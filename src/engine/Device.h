@@ -201,6 +201,10 @@ class Device {
   // the other where it has none.
   virtual std::unique_ptr<TransferQueue> MakeQueue();
 
+  // File::SetLength(0) for several, each with its own outcome in the element of `outcomes` with the same
+  // index. A device may do several at once: freed space can take it long.
+  virtual void EmptyMany(std::span<File* const> files, std::span<Status> outcomes);
+
   // File::Flush, File::FlushEntry and Folder::Flush for several, each with its own outcome in the element
   // of `outcomes` with the same index (as many as files or folders). A device for which one flush can serve
   // all of them does just that; so the last one must be the one that was changed last.

@@ -18,7 +18,7 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
   item->path = path;
-  item->file.emplace(operation_, *item->place->folder, name, path);
+  item->file.emplace(operation_, *item->place, name, path);
   try {
     item->file->Open();
   } catch (const Failure& failure) {
@@ -92,6 +92,7 @@ void FileBatch::RunSteps() {
   Verify();
   // The last moment at which a cancel leaves all files of the batch where they are.
   NoteFailures();
+  Shorten();
   Clock::Time longest{};
   for (std::size_t first = 0; first < items_.size(); first += group_.size()) {
     if (first > 0 || !items_.front()->file) operation_.Tell(items_[first]->path);
@@ -187,6 +188,21 @@ void FileBatch::CheckTransfers() {
 
 // --- Names and entries ----------------------------------------------------------------------------------
 
+// Cancelled in between, a file that has no length any more still has its name.
+void FileBatch::Shorten() {
+  for (std::size_t first = 0; first < items_.size(); first += group_.size()) {
+    if (first > 0) operation_.Tell(items_[first]->path);
+    const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), items_.size() - first);
+    group_ = std::span(items_).subspan(first, count);
+    const Clock::Time started = operation_.clock.Now();
+    for (const auto& item : group_) {
+      if (item->file) Try(*item, [&] { item->file->RemoveStreams(); });
+    }
+    TryTogether("Shortening", &Device::EmptyMany);
+    operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
+  }
+}
+
 // All names are replaced before any of it is made durable: each flush between would put one more copy of
 // the folder, with the names that are still in it, into the file system's journal. Only where entries take
 // the device so long that a cancel would have to wait is it done in several groups: within one there is no
@@ -199,7 +215,8 @@ void FileBatch::Erase(std::size_t first) {
     Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
   } while (end < items_.size() && operation_.clock.Now() - started < kLongestHiding);
   group_ = std::span(items_).subspan(first, end - first);
-  FlushNames();
+  TryTogether("Flushing the entry of", &Device::FlushEntries);
+  FlushPlaces(true);
   for (const auto& item : group_) {
     Try(*item, [&] {
       if (item->file) {
@@ -216,14 +233,16 @@ void FileBatch::Erase(std::size_t first) {
 
 void FileBatch::HideLink(Item& item) {
   Folder& folder = *item.place->folder;
-  item.link.name = HideName(operation_, item.link.name, item.path, [&](const std::string& newName) {
-    Status status = folder.Rename(item.link, newName);
-    if (status.Ok()) item.link.name = newName;
-    return status;
-  });
+  item.link.name = HideName(operation_, item.link.name, item.path, item.place->shortestName,
+                            [&](const std::string& newName) {
+                              Status status = folder.Rename(item.link, newName);
+                              if (status.Ok()) item.link.name = newName;
+                              return status;
+                            });
 }
 
-void FileBatch::FlushNames() {
+void FileBatch::TryTogether(const char* doing,
+                            void (Device::*call)(std::span<File* const>, std::span<Status>)) {
   std::vector<File*> files;
   std::vector<Item*> items;
   for (const auto& item : group_) {
@@ -232,11 +251,10 @@ void FileBatch::FlushNames() {
     items.push_back(item.get());
   }
   std::vector<Status> outcomes(files.size());
-  if (!files.empty()) operation_.device.FlushEntries(files, outcomes);
+  if (!files.empty()) (operation_.device.*call)(files, outcomes);
   for (std::size_t i = 0; i < items.size(); ++i) {
-    Try(*items[i], [&] { Require(outcomes[i], "Flushing the entry of", items[i]->file->HiddenPath()); });
+    Try(*items[i], [&] { Require(outcomes[i], doing, items[i]->file->HiddenPath()); });
   }
-  FlushPlaces(true);
 }
 
 // A folder that can't be flushed fails all that was done in it: nobody knows what of it is on the device.

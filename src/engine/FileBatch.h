@@ -16,13 +16,6 @@
 
 namespace zq::engine {
 
-// A folder in which something is wiped.
-struct Place {
-  std::unique_ptr<Folder> folder;
-  std::string path;
-  bool somethingStays = false;  // something in it has failed, so it has to stay too
-};
-
 // With small files the flushes are all that takes time: one for each file and pass, and as many again for
 // names and removals. Here the pass is written to all files, then made durable once, and so are the names,
 // and the removals. A file that fails is taken out and stays, and the others go on. Nothing is removed
@@ -68,16 +61,19 @@ class FileBatch {
   void FlushParts();
   void Verify();
   void CheckTransfers();
+  // Removes the streams and the lengths.
+  void Shorten();
   // Erases items from this one on, as many as the time allows: group_ is those.
   void Erase(std::size_t first);
   void HideLink(Item& item);
-  void FlushNames();
+  // Calls the device once for all files that are still in the batch, each with its own outcome.
+  void TryTogether(const char* doing, void (Device::*call)(std::span<File* const>, std::span<Status>));
   void FlushPlaces(bool ofLinksAlone);
 
   Operation& operation_;
   std::function<void(const Failure&)> note_;
   std::vector<std::unique_ptr<Item>> items_;
-  std::span<const std::unique_ptr<Item>> group_;  // of items_, those that are being erased
+  std::span<const std::unique_ptr<Item>> group_;  // of items_, those that are being taken out
   std::vector<Failure> failures_;                 // not yet noted
   std::uint64_t bytes_ = 0;
   std::size_t parts_ = 0;

@@ -46,7 +46,7 @@ Overwriter OpenForOverwriting(Operation& operation, const std::string& path, con
   return part;
 }
 
-void RemoveStreams(std::vector<Overwriter>& streams, std::size_t first) {
+void RemoveOverwritten(std::vector<Overwriter>& streams, std::size_t first) {
   for (std::size_t i = first; i < streams.size(); ++i) {
     const std::string path = streams[i].Path() + " (already overwritten)";
     Require(streams[i].TheFile().SetLength(0), "Shortening", path);
@@ -90,9 +90,9 @@ void FileProgress::Raise(std::int32_t bytesDone) {
   operation_.LookForCancel();
 }
 
-FileWipe::FileWipe(Operation& operation, Folder& folder, std::string name, std::string path)
+FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::string path)
     : operation_(operation),
-      folder_(folder),
+      place_(place),
       name_(std::move(name)),
       path_(std::move(path)),
       progress_(operation) {
@@ -102,7 +102,9 @@ void FileWipe::Open() {
   FileInfo info;
   parts_.push_back(OpenForOverwriting(
       operation_, path_,
-      [this](Access access, std::unique_ptr<File>& file) { return folder_.OpenFile(name_, access, file); },
+      [this](Access access, std::unique_ptr<File>& file) {
+        return place_.folder->OpenFile(name_, access, file);
+      },
       info));
   lengthBytes_ = info.lengthBytes;
 
@@ -129,12 +131,15 @@ void FileWipe::Start() {
   progress_.Start(name_, lengthBytes_, ExtentBytes() * (operation_.passes.size() + 1));
 }
 
+void FileWipe::RemoveStreams() {
+  hiddenPath_ = path_ + " (already overwritten)";
+  RemoveOverwritten(parts_, 1);
+}
+
 void FileWipe::Hide() {
-  RemoveStreams(parts_, 1);
   File& file = parts_.front().TheFile();
-  Require(file.SetLength(0), "Shortening", path_ + " (already overwritten)");
-  Require(file.SetDates(), "Setting the dates of", path_ + " (already overwritten)");
-  const std::string newName = HideName(operation_, name_, path_ + " (already overwritten)",
+  Require(file.SetDates(), "Setting the dates of", hiddenPath_);
+  const std::string newName = HideName(operation_, name_, hiddenPath_, place_.shortestName,
                                        [&file](const std::string& name) { return file.Rename(name); });
   hiddenPath_ = path_ + " (already overwritten, now named " + newName + ')';
 }
@@ -169,7 +174,7 @@ void WipeFolderStreams(Operation& operation, Folder& folder, const std::string& 
       progress.Worked(0);
     }
     parts.front().Verify(progress);
-    RemoveStreams(parts, 0);
+    RemoveOverwritten(parts, 0);
   }
 }
 

@@ -1,7 +1,9 @@
 // The steps of the wipe of one file, from the open to the removed entry, and its progress.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -32,6 +34,14 @@ class FileProgress final : public WorkMeter {
   std::uint64_t workDone_ = 0;
 };
 
+// A folder in which something is wiped.
+struct Place {
+  std::unique_ptr<Folder> folder;
+  std::string path;
+  bool somethingStays = false;   // something in it has failed, so it has to stay too
+  std::size_t shortestName = 1;  // that is free in it, as far as known (HideName)
+};
+
 // One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
 // apart because a batch takes all its files through one of them before the next; what makes them durable
 // between is the batch's part.
@@ -41,8 +51,8 @@ class FileProgress final : public WorkMeter {
 // owner wanted gone is gone.
 class FileWipe {
  public:
-  // Wipes the file `name` of `folder`; `path` is what error texts call it. Both must outlive this.
-  FileWipe(Operation& operation, Folder& folder, std::string name, std::string path);
+  // Wipes the file `name` of `place`, which must outlive this; `path` is what error texts call it.
+  FileWipe(Operation& operation, Place& place, std::string name, std::string path);
 
   // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
   void Open();
@@ -51,7 +61,9 @@ class FileWipe {
 
   // From here on there is no look at the cancel flag: what is overwritten may as well be gone, and a file
   // with half its names and dates changed is of use to nobody.
-  // Removes the streams, the length, the dates and the name.
+  // What is left of the streams goes first, and then, in the batch's hands, the length.
+  void RemoveStreams();
+  // Replaces the dates and the name.
   void Hide();
   // Removes the entry, whose new name has to be durable by now, or the device might never see it.
   void Remove();
@@ -62,12 +74,12 @@ class FileWipe {
   std::vector<Overwriter>& Parts() { return parts_; }
   FileProgress& Progress() { return progress_; }
   std::uint64_t ExtentBytes() const;
-  // What error texts call it after Hide.
+  // What error texts call it once it is overwritten, and after Hide.
   const std::string& HiddenPath() const { return hiddenPath_; }
 
  private:
   Operation& operation_;
-  Folder& folder_;
+  Place& place_;
   std::string name_;
   std::string path_;
   std::string hiddenPath_;

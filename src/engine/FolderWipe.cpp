@@ -174,7 +174,8 @@ std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> le
         // Where it can't be renamed while it is open; what is in it is removed through it elsewhere.
         if (!operation_.device.RenamesOpenFolders()) level->folder.reset();
         Folder& above = *FolderAbove(*level);
-        HideName(operation_, level->self.name, level->path, [&](const std::string& newName) {
+        std::size_t& shortest = level->parent ? level->parent->shortestName : shortestAbove_;
+        HideName(operation_, level->self.name, level->path, shortest, [&](const std::string& newName) {
           Status status = above.Rename(level->self, newName);
           if (status.Ok()) level->self.name = newName;
           return status;

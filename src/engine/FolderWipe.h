@@ -70,6 +70,7 @@ class FolderWipe {
   Selection selection_;
   FileBatch batch_;
   std::unique_ptr<Folder> above_;  // the folder that holds the top one; none above a root
+  std::size_t shortestAbove_ = 1;  // as Place::shortestName, in it
   std::vector<std::shared_ptr<Level>> levels_;
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
   bool holdsNotes_ = false;                   // failures are told later

@@ -59,6 +59,18 @@ ZQ_INLINE void QuarterRound(Words& a, Words& b, Words& c, Words& d) {
   Rotate<7, kLanes>(b);
 }
 
+template <std::size_t kLanes, typename Words>
+ZQ_INLINE void DoubleRound(Words (&x)[kWords]) {
+  QuarterRound<kLanes>(x[0], x[4], x[8], x[12]);
+  QuarterRound<kLanes>(x[1], x[5], x[9], x[13]);
+  QuarterRound<kLanes>(x[2], x[6], x[10], x[14]);
+  QuarterRound<kLanes>(x[3], x[7], x[11], x[15]);
+  QuarterRound<kLanes>(x[0], x[5], x[10], x[15]);
+  QuarterRound<kLanes>(x[1], x[6], x[11], x[12]);
+  QuarterRound<kLanes>(x[2], x[7], x[8], x[13]);
+  QuarterRound<kLanes>(x[3], x[4], x[9], x[14]);
+}
+
 // Interleaves, in each 128 bits, runs of `kRun` words from the lower or the upper halves of `a` and `b`.
 template <std::size_t kLanes, bool kUpper, std::size_t kRun, typename Words, std::size_t... kIndices>
 ZQ_INLINE void Interleave(const Words& a, const Words& b, Words& out, std::index_sequence<kIndices...>) {
@@ -90,7 +102,7 @@ ZQ_INLINE void StoreFour(const Words* words, std::byte* out) {
 // Makes groups of kLanes blocks, from `firstBlock` on.
 template <std::size_t kLanes>
 ZQ_INLINE void MakeGroups(const SeedWords& seed, std::uint64_t firstBlock, std::byte* out,
-                          std::size_t groupCount) {
+                          std::size_t groupCount, int rounds) {
   using Words = typename Vector<kLanes>::Words;
   Words start[kWords];
   for (std::size_t i = 0; i < 4; ++i) start[i] = Words{} + kConstants[i];
@@ -105,15 +117,10 @@ ZQ_INLINE void MakeGroups(const SeedWords& seed, std::uint64_t firstBlock, std::
     }
     Words x[kWords];
     for (std::size_t i = 0; i < kWords; ++i) x[i] = start[i];
-    for (int doubleRound = 0; doubleRound < 10; ++doubleRound) {
-      QuarterRound<kLanes>(x[0], x[4], x[8], x[12]);
-      QuarterRound<kLanes>(x[1], x[5], x[9], x[13]);
-      QuarterRound<kLanes>(x[2], x[6], x[10], x[14]);
-      QuarterRound<kLanes>(x[3], x[7], x[11], x[15]);
-      QuarterRound<kLanes>(x[0], x[5], x[10], x[15]);
-      QuarterRound<kLanes>(x[1], x[6], x[11], x[12]);
-      QuarterRound<kLanes>(x[2], x[7], x[8], x[13]);
-      QuarterRound<kLanes>(x[3], x[4], x[9], x[14]);
+    if (rounds == KeyStream::kRounds) {  // a number that the compiler knows, so that no loop is left of it
+      for (int done = 0; done < KeyStream::kRounds; done += 2) DoubleRound<kLanes>(x);
+    } else {
+      for (int done = 0; done < rounds; done += 2) DoubleRound<kLanes>(x);
     }
     for (std::size_t i = 0; i < kWords; ++i) x[i] += start[i];
     for (std::size_t four = 0; four < 4; ++four) StoreFour<kLanes>(x + 4 * four, out + 16 * four);
@@ -122,21 +129,22 @@ ZQ_INLINE void MakeGroups(const SeedWords& seed, std::uint64_t firstBlock, std::
   }
 }
 
-using MakeGroupsOfWidth = void (*)(const SeedWords&, std::uint64_t, std::byte*, std::size_t);
+using MakeGroupsOfWidth = void (*)(const SeedWords&, std::uint64_t, std::byte*, std::size_t, int);
 
-void MakeGroupsOf4(const SeedWords& seed, std::uint64_t firstBlock, std::byte* out, std::size_t count) {
-  MakeGroups<4>(seed, firstBlock, out, count);
+void MakeGroupsOf4(const SeedWords& seed, std::uint64_t firstBlock, std::byte* out, std::size_t count,
+                   int rounds) {
+  MakeGroups<4>(seed, firstBlock, out, count, rounds);
 }
 
 #if defined(__x86_64__)
 [[gnu::target("avx2")]] void MakeGroupsOf8(const SeedWords& seed, std::uint64_t firstBlock, std::byte* out,
-                                           std::size_t count) {
-  MakeGroups<8>(seed, firstBlock, out, count);
+                                           std::size_t count, int rounds) {
+  MakeGroups<8>(seed, firstBlock, out, count, rounds);
 }
 
 [[gnu::target("avx512f")]] void MakeGroupsOf16(const SeedWords& seed, std::uint64_t firstBlock,
-                                               std::byte* out, std::size_t count) {
-  MakeGroups<16>(seed, firstBlock, out, count);
+                                               std::byte* out, std::size_t count, int rounds) {
+  MakeGroups<16>(seed, firstBlock, out, count, rounds);
 }
 #endif
 
@@ -211,18 +219,19 @@ std::size_t KeyStream::WidestLanes() {
   return Generators().front().lanes;
 }
 
-void KeyStream::ReadWith(std::size_t lanes, std::uint64_t firstBlock, std::span<std::byte> out) const {
+void KeyStream::ReadWith(std::size_t lanes, std::uint64_t firstBlock, std::span<std::byte> out,
+                         int rounds) const {
   constexpr std::size_t kMostLanes = 16;
   for (const Generator& generator : Generators()) {
     if (generator.lanes > lanes) continue;
     const std::size_t groupBytes = generator.lanes * kBlockBytes;
     const std::size_t groupCount = out.size() / groupBytes;
-    generator.make(seed_, firstBlock, out.data(), groupCount);
+    generator.make(seed_, firstBlock, out.data(), groupCount, rounds);
     firstBlock += groupCount * generator.lanes;
     out = out.subspan(groupCount * groupBytes);
     if (!out.empty()) {
       std::byte last[kMostLanes * kBlockBytes];
-      generator.make(seed_, firstBlock, last, 1);
+      generator.make(seed_, firstBlock, last, 1, rounds);
       std::memcpy(out.data(), last, out.size());
     }
     return;

@@ -1,4 +1,4 @@
-// The random data of the engine: the ChaCha20 key stream (RFC 8439's block function), addressed by block.
+// The random data of the engine: a ChaCha key stream (the block function of RFC 8439), addressed by block.
 #pragma once
 
 #include <array>
@@ -18,6 +18,9 @@ class KeyStream {
  public:
   static constexpr std::size_t kBlockBytes = 64;
   static constexpr std::size_t kSeedBytes = 40;  // key, then nonce
+  // ChaCha8: what is written must not be guessed or compressed, and nobody breaks more than 7 rounds even on
+  // paper. With the 20 rounds of the RFC the cipher, and not the device, would be what a wipe waits for.
+  static constexpr int kRounds = 8;
 
   KeyStream() = default;
   KeyStream(const KeyStream&) = delete;
@@ -38,7 +41,9 @@ class KeyStream {
 
   // The same bytes, with no more than `lanes` blocks (4 at least) made side by side, as on a processor with
   // narrower registers. WidestLanes is what this one has, and what Read takes: 16 (AVX-512), 8 (AVX2), 4.
-  void ReadWith(std::size_t lanes, std::uint64_t firstBlock, std::span<std::byte> out) const;
+  // Another number of rounds, an even one, gives another cipher of the family.
+  void ReadWith(std::size_t lanes, std::uint64_t firstBlock, std::span<std::byte> out,
+                int rounds = kRounds) const;
   static std::size_t WidestLanes();
 
  private:

@@ -1,5 +1,6 @@
 #include "engine/Operation.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace zq::engine {
@@ -21,16 +22,18 @@ std::string Operation::RandomName(std::size_t length) {
 }
 
 std::span<const std::byte> Operation::Pattern(std::uint8_t pattern, std::size_t sizeBytes) {
-  if (pattern != pattern_) patternBytes_ = 0;
+  if (pattern != pattern_) patternBytes_ = {};
   pattern_ = pattern;
-  if (patternBytes_ < sizeBytes) {
-    std::memset(patternMemory_.Part(patternBytes_, 0).data(), pattern, sizeBytes - patternBytes_);
-    patternBytes_ = sizeBytes;
+  const std::span<std::byte> unit = patternMemory_.Unit(0, sizeBytes);
+  std::size_t& filled = patternBytes_[UnitBuffers::IsSmall(sizeBytes) ? 0 : 1];
+  if (filled < sizeBytes) {
+    std::memset(unit.data() + filled, pattern, sizeBytes - filled);
+    filled = sizeBytes;
   }
-  return patternMemory_.First(sizeBytes);
+  return unit;
 }
 
-std::string HideName(Operation& operation, std::string name, const std::string& path,
+std::string HideName(Operation& operation, std::string name, const std::string& path, std::size_t& shortest,
                      const std::function<Status(const std::string& newName)>& rename) {
   constexpr std::size_t kLongestDetour = 4;
   // Of a batch's many files in one folder only some find a name of one character.
@@ -40,9 +43,9 @@ std::string HideName(Operation& operation, std::string name, const std::string& 
   const auto subject = [&] { return name == oldName ? path : path + ", now named " + name + ','; };
 
   const std::size_t length = operation.device.NameLength(name);
-  for (std::size_t step : {length, length / 2, std::size_t{1}}) {
-    if (step == 0) step = 1;
-    if (step != length && step == operation.device.NameLength(name)) continue;
+  for (const std::size_t goal : {length, length / 2, std::size_t{1}}) {
+    const std::size_t step = std::min(std::max(goal, shortest), length);
+    if (goal != length && step == operation.device.NameLength(name)) continue;
     Status status;
     bool renamed = false;
     // In a folder full of short names the wanted length may be used up: then a little longer has to do.
@@ -56,6 +59,7 @@ std::string HideName(Operation& operation, std::string name, const std::string& 
         if (status.Ok()) {
           name = std::move(newName);
           renamed = true;
+          if (goal == 1) shortest = wanted;
         } else if (status.trouble != Trouble::Exists) {
           throw MakeFailure("Renaming", subject(), status);
         }

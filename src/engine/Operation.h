@@ -2,6 +2,7 @@
 // look at the cancel flag.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -61,7 +62,7 @@ class Operation {
   const std::vector<Pass> passes;
   Pace pace;
   Pipeline pipeline{device, clock, pace};
-  AlignedBuffer buffer{Pace::kLargestUnit};  // for what is made and used at once
+  AlignedBuffer buffer{Pace::kLargestUnit, 0};  // for what is made and used at once
   // Of the files in work, which share it: the owner can't take more events because there are more files.
   EventTimer timer{clock};
 
@@ -98,16 +99,17 @@ class Operation {
   const bool& cancelFlag_;
   KeyStream names_;
   bool namesSeeded_ = false;
-  AlignedBuffer patternMemory_{Pace::kLargestUnit};
+  UnitBuffers patternMemory_{1, 1};
   std::uint8_t pattern_ = 0;
-  std::size_t patternBytes_ = 0;  // so much of the memory is filled
+  std::array<std::size_t, 2> patternBytes_{};  // so much of the small and of the large unit is filled
 };
 
 // Steps through random names for an entry that is now called `name`: one of the same length, so that the
 // name is overwritten where it stands, then one half as long and one of a single character, so that not
 // even the length is kept. `rename` carries out one step; a taken name is tried again with another one.
+// `shortest` belongs to the folder: 1 at first, it grows as the short names there are used up.
 // Throws Failure, with `path` as the subject; returns the last name.
-std::string HideName(Operation& operation, std::string name, const std::string& path,
+std::string HideName(Operation& operation, std::string name, const std::string& path, std::size_t& shortest,
                      const std::function<Status(const std::string& newName)>& rename);
 
 }  // namespace zq::engine

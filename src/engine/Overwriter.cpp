@@ -8,6 +8,9 @@ namespace {
 
 constexpr const char* kReading = "Reading back";
 
+// What was written is made again in pieces that stay in the processor's nearest cache.
+constexpr std::size_t kComparedAtOnce = std::size_t{16} << 10;
+
 }  // namespace
 
 Overwriter::Overwriter(Operation& operation, std::unique_ptr<File> file, std::string path)
@@ -72,10 +75,15 @@ void Overwriter::TransferEnded(const Pipeline::Transfer& transfer, const Status&
 }
 
 void Overwriter::Compare(const Pipeline::Transfer& transfer) {
-  const std::size_t size = transfer.data.size();
-  const std::span<const std::byte> expected = Produce(transfer.offsetBytes, operation_.buffer.First(size));
-  if (std::memcmp(expected.data(), transfer.data.data(), size) != 0) {
-    failure_ = MakeFailure(kReading, path_, "the device doesn't hold what was written");
+  for (std::size_t done = 0; done < transfer.data.size();) {
+    const std::size_t size = std::min(kComparedAtOnce, transfer.data.size() - done);
+    const std::span<const std::byte> expected =
+        Produce(transfer.offsetBytes + done, operation_.buffer.First(size));
+    if (std::memcmp(expected.data(), transfer.data.data() + done, size) != 0) {
+      failure_ = MakeFailure(kReading, path_, "the device doesn't hold what was written");
+      return;
+    }
+    done += size;
   }
 }
 

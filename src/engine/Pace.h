@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "engine/AlignedBuffer.h"
 #include "engine/Clock.h"
 #include "engine/Device.h"
 
@@ -14,8 +15,9 @@ namespace zq::engine {
 // large writes. So both start small and double while they prove quick.
 class Pace {
  public:
-  static constexpr std::size_t kLargestUnit = std::size_t{1} << 20;
-  static constexpr std::size_t kMostTransfers = 32;
+  static constexpr std::size_t kLargestUnit = UnitBuffers::kLargest;
+  static constexpr std::size_t kLargestUnits = 4;  // so many are under way: more gain nothing
+  static constexpr std::size_t kMostTransfers = 128;
   static constexpr std::size_t kMostFiles = 256;
 
   // The size of the next write or read. Into a cache no more is written at once than may wait there.
@@ -40,20 +42,25 @@ class Pace {
   // halfway, so they mustn't last.
   std::size_t FilesAtOnce() const { return files_; }
 
-  // How many files or folders are flushed in one call.
+  // How many files or folders are flushed, or files emptied, in one call.
   std::size_t FlushesAtOnce() const { return flushes_; }
 
   // `time` is what the transfer has taken beyond the one that ended before it.
   void UnitTook(Clock::Time time, std::size_t unitBytes) {
-    if (time > kLongTransfer) {
-      transfers_ = std::max<std::size_t>(transfers_ / 2, 1);
-    } else if (time < kShortTransfer) {
-      transfers_ = std::min(transfers_ * 2, kMostTransfers);
-    }
     if (time > kLongUnit) {
       unit_ = std::max(unit_ / 2, kSmallestUnit);
     } else if (time < kShortUnit && unitBytes >= unit_) {
       unit_ = std::min(unit_ * 2, kLargestUnit);
+    }
+  }
+
+  // `time` is from a transfer's beginning to its end: with others before it, as long as the wait for all of
+  // them.
+  void TransferTook(Clock::Time time) {
+    if (time > kLongQueue) {
+      transfers_ = std::max<std::size_t>(transfers_ / 2, 1);
+    } else if (time < kShortQueue) {
+      transfers_ = std::min(transfers_ * 2, kMostTransfers);
     }
   }
 
@@ -86,10 +93,9 @@ class Pace {
   static constexpr std::size_t kSmallestUnit = std::size_t{4} << 10;
   static constexpr Clock::Time kShortUnit{8'000};
   static constexpr Clock::Time kLongUnit{30'000};
-  static constexpr Clock::Time kShortTransfer{1'000};
-  static constexpr Clock::Time kLongTransfer{8'000};
+  static constexpr Clock::Time kShortQueue{40'000};
+  static constexpr Clock::Time kLongQueue{100'000};
   static constexpr std::size_t kSmallTransfer = std::size_t{8} << 10;
-  static constexpr std::size_t kLargestUnits = 4;  // more under way gain nothing
   static constexpr Clock::Time kShortFlush{25'000};
   static constexpr Clock::Time kLongFlush{60'000};
   static constexpr Clock::Time kShortRemoval{60'000};

@@ -5,17 +5,21 @@
 namespace zq::engine {
 
 Pipeline::Pipeline(Device& device, const Clock& clock, Pace& pace)
-    : clock_(clock), pace_(pace), queue_(device.MakeQueue()) {
-  for (std::size_t i = slots_.size(); i > 0; --i) free_.push_back(i - 1);
+    : clock_(clock),
+      pace_(pace),
+      queue_(device.MakeQueue()),
+      depth_(std::min(queue_->Depth(), slots_.size())),
+      memory_(depth_, std::min(depth_, Pace::kLargestUnits)) {
+  for (std::size_t i = depth_; i > 0; --i) free_.push_back(i - 1);
 }
 
 std::span<std::byte> Pipeline::MakeRoom(std::size_t sizeBytes) {
   while (underWay_ > 0) {
-    const std::size_t most = std::min({queue_->Depth(), pace_.TransfersAtOnce(), slots_.size()});
+    const std::size_t most = std::min(depth_, pace_.TransfersAtOnce());
     if (underWay_ < most && bytesUnderWay_ + sizeBytes <= pace_.BytesAtOnce()) break;
     WaitForOne();
   }
-  return memory_.Part(free_.back() * Pace::kLargestUnit, sizeBytes);
+  return memory_.Unit(free_.back(), sizeBytes);
 }
 
 void Pipeline::BeginWrite(Client& client, File& file, std::uint64_t offsetBytes,
@@ -74,7 +78,10 @@ void Pipeline::WaitForOne() {
                                                 : "the device holds less than was written");
   }
   const Clock::Time now = clock_.Now();
-  if (ended.status.Ok()) pace_.UnitTook(now - std::max(slot.begun, lastEnd_), slot.data.size());
+  if (ended.status.Ok()) {
+    pace_.UnitTook(now - std::max(slot.begun, lastEnd_), slot.data.size());
+    pace_.TransferTook(now - slot.begun);
+  }
   lastEnd_ = now;
   const Slot finished = slot;
   Release(ended.tag);

@@ -5,38 +5,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <new>
 #include <span>
 #include <vector>
 
+#include "engine/AlignedBuffer.h"
 #include "engine/Clock.h"
 #include "engine/Device.h"
 #include "engine/Pace.h"
 
 namespace zq::engine {
-
-// Memory at an address that unbuffered transfers accept. It takes no pages before it is touched.
-class AlignedBuffer {
- public:
-  static constexpr std::size_t kAlignment = 4096;
-
-  explicit AlignedBuffer(std::size_t sizeBytes)
-      : bytes_(static_cast<std::byte*>(::operator new (sizeBytes, std::align_val_t{kAlignment}))),
-        sizeBytes_(sizeBytes) {}
-  AlignedBuffer(const AlignedBuffer&) = delete;
-  AlignedBuffer& operator=(const AlignedBuffer&) = delete;
-  ~AlignedBuffer() { ::operator delete (bytes_, std::align_val_t{kAlignment}); }
-
-  std::span<std::byte> First(std::size_t sizeBytes) { return {bytes_, sizeBytes}; }
-  std::span<std::byte> Part(std::size_t offset, std::size_t sizeBytes) {
-    return {bytes_ + offset, sizeBytes};
-  }
-  std::size_t SizeBytes() const { return sizeBytes_; }
-
- private:
-  std::byte* bytes_;
-  std::size_t sizeBytes_;
-};
 
 class Pipeline {
  public:
@@ -94,7 +71,8 @@ class Pipeline {
   const Clock& clock_;
   Pace& pace_;
   std::unique_ptr<TransferQueue> queue_;
-  AlignedBuffer memory_{Pace::kMostTransfers * Pace::kLargestUnit};
+  std::size_t depth_;   // how many transfers there may be
+  UnitBuffers memory_;  // a unit for each of them
   std::array<Slot, Pace::kMostTransfers> slots_;
   std::vector<std::size_t> free_;  // the last one is taken next: the same few buffers stay in use
   std::size_t underWay_ = 0;

@@ -64,6 +64,11 @@ void Uring::BeginRead(int fd, std::byte* data, std::size_t size, std::uint64_t o
   Begin(IORING_OP_READ, fd, reinterpret_cast<std::uintptr_t>(data), size, offset, tag);
 }
 
+void Uring::BeginEmptying(int fd, std::uint64_t tag) {
+  constexpr unsigned char kTruncate = 55;  // IORING_OP_FTRUNCATE, which not every system's headers have
+  Begin(kTruncate, fd, 0, 0, 0, tag);
+}
+
 void Uring::Begin(unsigned char operation, int fd, std::uint64_t address, std::size_t size,
                   std::uint64_t offset, std::uint64_t tag) {
   const std::uint32_t tail = *submitTail_;  // ours alone
@@ -79,6 +84,7 @@ void Uring::Begin(unsigned char operation, int fd, std::uint64_t address, std::s
   submitArray_[index] = index;
   std::atomic_ref(*submitTail_).store(tail + 1, std::memory_order_release);
   ++waiting_;
+  ++underWay_;
   // A large one goes to the kernel at once: the device should work while the next data are made. Small ones
   // go together, since to hand them over is what takes the time.
   if (size >= kLargeBytes || waiting_ >= kMostWaiting) Enter(0);
@@ -99,8 +105,11 @@ bool Uring::Enter(unsigned completions) {
 
 Uring::Completion Uring::Wait() {
   const std::uint32_t head = *completeHead_;  // ours alone
+  // Where many are under way, many are waited for: those that take their place then go together.
+  const unsigned enough = underWay_ > kMostWaiting ? underWay_ - kMostWaiting : 1;
+  --underWay_;
   while (std::atomic_ref(*completeTail_).load(std::memory_order_acquire) == head) {
-    if (Enter(1)) continue;
+    if (Enter(enough)) continue;
     if (waiting_ > 0) {
       // The kernel doesn't take the last one, so it is called back, and told as failed.
       const std::uint32_t tail = *submitTail_ - 1;

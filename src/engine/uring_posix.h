@@ -28,6 +28,9 @@ class Uring {
   void BeginWrite(int fd, const std::byte* data, std::size_t size, std::uint64_t offset, std::uint64_t tag);
   void BeginRead(int fd, std::byte* data, std::size_t size, std::uint64_t offset, std::uint64_t tag);
 
+  // Begins an ftruncate to no length at all, which kernels before Linux 6.9 end with EINVAL.
+  void BeginEmptying(int fd, std::uint64_t tag);
+
   // Waits for one to end. One must be under way.
   Completion Wait();
 
@@ -55,10 +58,11 @@ class Uring {
   };
 
   static constexpr std::size_t kLargeBytes = std::size_t{128} << 10;
-  static constexpr unsigned kMostWaiting = 16;
+  static constexpr unsigned kMostWaiting = 64;
 
   int fd_ = -1;
-  unsigned waiting_ = 0;  // begun, but not yet the kernel's
+  unsigned waiting_ = 0;   // begun, but not yet the kernel's
+  unsigned underWay_ = 0;  // begun, and not yet told by Wait
   Mapping submissions_;
   Mapping completions_;
   Mapping entries_;

@@ -1,7 +1,13 @@
 // Runs one operation of the engine, for bench.sh: prints what it has taken, and how much memory.
 //   engine_bench file|folder|files PATH [LEVEL] [--one-at-a-time] [--quiet]
 //   engine_bench random [MIB]        the speed of the random data alone
+#ifdef _WIN32
+#include <windows.h>
+// After windows.h, which it needs.
+#include <psapi.h>
+#else
 #include <sys/resource.h>
+#endif
 
 #include <chrono>
 #include <cstdio>
@@ -32,6 +38,19 @@ class CountedEvents final : public EngineEvents {
 
 double Seconds(std::chrono::steady_clock::time_point from) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - from).count();
+}
+
+// The most memory that this process has had.
+double MostMebibytes() {
+#ifdef _WIN32
+  PROCESS_MEMORY_COUNTERS counters{};
+  if (::GetProcessMemoryInfo(::GetCurrentProcess(), &counters, sizeof counters) == 0) return 0;
+  return static_cast<double>(counters.PeakWorkingSetSize) / 1048576;
+#else
+  rusage usage{};
+  ::getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) / 1024;
+#endif
 }
 
 int BenchRandom(std::size_t mebibytes) {
@@ -90,11 +109,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "failed: %s\n", engine.LastErrorText().c_str());
     return 1;
   }
-  rusage usage{};
-  ::getrusage(RUSAGE_SELF, &usage);
   if (!quiet) {
     std::printf("%.3f s, %.1f MiB, %zu items, %zu progress events\n", seconds,
-                static_cast<double>(usage.ru_maxrss) / 1024, events.wiped, events.progress);
+                MostMebibytes(), events.wiped, events.progress);
   }
   return 0;
 }

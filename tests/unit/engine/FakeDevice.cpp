@@ -236,7 +236,7 @@ class FakeFile final : public File {
   void Store() {
     // A byte that was written twice before a flush reached the medium once.
     std::uint64_t dirtyBytes = 0;
-    std::vector<bool> reached;
+    std::string reached;  // 1 for each byte that did
     for (const Node::Range& range : node_->dirty) {
       const std::size_t end = range.offset + range.data.size();
       if (node_->stored.size() < end) {
@@ -247,12 +247,10 @@ class FakeFile final : public File {
       dirtyBytes += range.data.size();
       if (node_->original.empty()) continue;  // nobody asks
       reached.resize(std::max(reached.size(), end));
-      std::fill(reached.begin() + static_cast<std::ptrdiff_t>(range.offset),
-                reached.begin() + static_cast<std::ptrdiff_t>(end), true);
+      reached.replace(range.offset, range.data.size(), range.data.size(), 1);
     }
-    for (std::size_t i = 0; i < reached.size(); ++i) {
-      if (reached[i]) ++node_->writeCounts[i];
-    }
+    std::transform(reached.begin(), reached.end(), node_->writeCounts.begin(), node_->writeCounts.begin(),
+                   [](char once, auto count) { return static_cast<decltype(count)>(count + once); });
     if (!direct_) device_.Pass(dirtyBytes);
     device_.clock_.Advance(device_.flushLatency);
     node_->dirty.clear();

@@ -66,6 +66,36 @@ TEST(FileBatch, ReplacesAllNamesThenMakesThemDurableThenRemoves) {
   EXPECT_LT(lastRemove, folderFlush);
 }
 
+TEST(FileBatch, EmptiesAllFilesBeforeItRenamesOne) {
+  EngineRig rig;
+  MakeFiles(rig, 20, 100);
+  ASSERT_TRUE(rig.engine.WipeFolder("/f", 3));
+  std::size_t lastEmptied = 0;
+  std::size_t firstRename = 0;
+  std::size_t emptied = 0;
+  for (std::size_t i = 1; i < rig.device.ops.size(); ++i) {
+    const std::string& kind = rig.device.ops[i].kind;
+    if (kind == "set length") {
+      lastEmptied = i;
+      ++emptied;
+    }
+    if (kind == "rename" && firstRename == 0) firstRename = i;
+  }
+  EXPECT_EQ(emptied, 20u);
+  EXPECT_LT(lastEmptied, firstRename);
+}
+
+// Of 300 files only some find a name of one character, and the others don't go on asking for one.
+TEST(FileBatch, LearnsHowShortTheNamesOfAFolderCanStillBe) {
+  EngineRig rig;
+  for (int i = 0; i < 300; ++i) rig.device.MakeFile("/f/a longer name " + std::to_string(i), Secret(100));
+  ASSERT_TRUE(rig.engine.WipeFolder("/f", 3)) << rig.engine.LastErrorText();
+  const auto renames = std::count_if(rig.device.ops.begin(), rig.device.ops.end(),
+                                     [](const Op& op) { return op.kind == "rename"; });
+  EXPECT_GE(renames, 3 * 300);
+  EXPECT_LE(renames, 3 * 300 + 300 / 2);
+}
+
 TEST(FileBatch, GivesEachFileItsStartAndItsEndAndNeverGoesBack) {
   for (const std::size_t depth : {1u, 8u}) {
     EngineRig rig;

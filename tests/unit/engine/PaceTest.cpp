@@ -32,6 +32,23 @@ TEST(Pace, LearnsNothingFromAWriteThatWasSmallerThanTheUnit) {
   EXPECT_EQ(pace.UnitBytes(Access::Direct), first);
 }
 
+// However long one takes: all that are under way have to end before a cancel gets through.
+TEST(Pace, BoundsTheTransfersUnderWayByTheTimeUntilAllHaveEnded) {
+  Pace pace;
+  EXPECT_EQ(pace.TransfersAtOnce(), 1u);
+  for (int i = 0; i < 20; ++i) pace.TransferTook(milliseconds(1));
+  EXPECT_EQ(pace.TransfersAtOnce(), Pace::kMostTransfers);
+  // The device does one after the other.
+  for (const int eachTakes : {1, 2, 4, 8, 16, 32}) {
+    const auto untilAllEnd = [&] { return static_cast<int>(pace.TransfersAtOnce()) * eachTakes; };
+    for (int i = 0; i < 20; ++i) pace.TransferTook(milliseconds(untilAllEnd()));
+    EXPECT_LE(untilAllEnd(), 100) << eachTakes;
+    EXPECT_GE(untilAllEnd(), 20) << eachTakes;
+  }
+  for (int i = 0; i < 20; ++i) pace.TransferTook(milliseconds(500));
+  EXPECT_EQ(pace.TransfersAtOnce(), 1u);
+}
+
 TEST(Pace, BoundsWhatWaitsInACacheByTheTimeOfItsFlush) {
   Pace pace;
   const std::uint64_t first = pace.FlushAfterBytes(Access::Cached);

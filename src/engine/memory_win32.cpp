@@ -1,0 +1,20 @@
+// Memory for transfers on Windows. Large pages need a privilege there that hardly anybody has.
+#include <windows.h>
+
+#include <new>
+
+#include "engine/AlignedBuffer.h"
+
+namespace zq::engine {
+
+AlignedBuffer::AlignedBuffer(std::size_t sizeBytes, std::size_t) : sizeBytes_(sizeBytes) {
+  mapped_ = ::VirtualAlloc(nullptr, sizeBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE);
+  if (mapped_ == nullptr) throw std::bad_alloc();
+  bytes_ = static_cast<std::byte*>(mapped_);
+}
+
+AlignedBuffer::~AlignedBuffer() {
+  ::VirtualFree(mapped_, 0, MEM_RELEASE);
+}
+
+}  // namespace zq::engine
