@@ -2,7 +2,7 @@
 # The target `program` builds it.
 add_custom_target(program)
 
-foreach(target IN ITEMS Zeroquill ZQExMan)
+foreach(target IN ITEMS Zeroquill ZQExMan zqwipe)
   if(TARGET ${target})
     add_dependencies(program ${target})
     install(TARGETS ${target} RUNTIME DESTINATION . COMPONENT program)
@@ -10,3 +10,6 @@ foreach(target IN ITEMS Zeroquill ZQExMan)
 endforeach()
 
 install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT program)
+if(TARGET zqwipe)
+  install(FILES ${PROJECT_SOURCE_DIR}/src/cli/CLI11-LICENSE.txt DESTINATION . COMPONENT program)
+endif()

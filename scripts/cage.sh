@@ -126,7 +126,8 @@ cage_start() {
   cp -- "$cage_scripts/keeper.sh" "$prefix/cage/keeper.sh"
   "${start[@]}" "$prefix" "$screen" </dev/null >"$prefix/cage/keeper.log" 2>&1 \
     {cage_lock}>&- {starting}>&- &
-  limit=$((SECONDS + 60))
+  # Only for what hangs: one that has ended is noticed at once.
+  limit=$((SECONDS + 300))
   until [[ -e $prefix/cage/ready ]]; do
     if ((SECONDS > limit)) || ! kill -0 $! 2>/dev/null; then
       cage_say "the cage of $prefix did not come up:"

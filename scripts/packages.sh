@@ -16,7 +16,7 @@ packages_of() {
       ;;
     test)
       printf '%s\n' googletest clang libclang-rt-dev clang-format cppcheck shellcheck \
-        imagemagick icoutils librsvg2-bin
+        imagemagick icoutils librsvg2-bin python3
       ;;
     forensic)
       # Wipes on real file systems: the file systems, those who search them, the tools to compare with.

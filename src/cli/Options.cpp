@@ -37,7 +37,7 @@ confirm), 3 cancelled. Ctrl+C stops at once and tells what was done.
 Examples:
   zqwipe letter.txt                   one file, asks first
   zqwipe --recursive --yes old/       a folder with everything in it
-  zqwipe --mask '*.tmp' cache         the matching files of a folder, which stays
+  zqwipe --mask "*.tmp" cache         the matching files of a folder, which stays
   zqwipe --dry-run --recursive old/   only lists what would be destroyed
 )";
 

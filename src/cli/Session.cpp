@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <ctime>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "cli/Plan.h"
@@ -115,15 +116,12 @@ class Session {
     }
     Write(stderr, text + "Type yes to destroy them: ");
 
-    std::string answer;
-    for (int c = std::getchar(); c != '\n'; c = std::getchar()) {
-      if (c == EOF || WasInterrupted()) {
-        Write(stderr, "\n");
-        return false;
-      }
-      answer += static_cast<char>(c);
+    std::optional<std::string> answer = ReadAnswer();
+    if (!answer) {
+      Write(stderr, "\n");
+      return false;
     }
-    while (!answer.empty() && (answer.back() == '\r' || answer.back() == ' ')) answer.pop_back();
+    while (!answer->empty() && (answer->back() == '\r' || answer->back() == ' ')) answer->pop_back();
     return answer == "yes" && !WasInterrupted();
   }
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 
 #include "cli/Safety.h"
@@ -37,6 +38,10 @@ int TerminalWidth(std::FILE* stream);
 // Opens a new file for writing that only this user may read. Null if it can't, or if it exists; `trouble`
 // then says why.
 std::FILE* CreateNewFile(const std::string& path, std::string& trouble);
+
+// A line from standard input, without its end. None at the end of the input, and none once a request to stop
+// has come.
+std::optional<std::string> ReadAnswer();
 
 // Readies the process's streams: text in UTF-8, no end by a reader that has gone.
 void PrepareStreams();

@@ -176,6 +176,15 @@ std::FILE* CreateNewFile(const std::string& path, std::string& trouble) {
   return file;
 }
 
+std::optional<std::string> ReadAnswer() {
+  std::string answer;
+  for (int c = std::getchar(); c != '\n'; c = std::getchar()) {
+    if (c == EOF || WasInterrupted()) return std::nullopt;
+    answer += static_cast<char>(c);
+  }
+  return answer;
+}
+
 void PrepareStreams() {
   // The end of a reader must not end a wipe half way.
   ::signal(SIGPIPE, SIG_IGN);

@@ -4,10 +4,13 @@
 #include <io.h>
 
 #include <atomic>
+#include <condition_variable>
 #include <cstdlib>
 #include <cwchar>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <utility>
 
 #include "cli/System.h"
@@ -16,6 +19,19 @@ namespace zq::cli {
 namespace {
 
 std::atomic<bool> interrupted{false};
+
+// Tells of a request to stop, and of an answer, while one is waited for. Never freed: the thread that reads
+// the answer may outlive the program's end.
+struct Waiting {
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::optional<std::string> answer;
+  bool ended = false;
+};
+Waiting& TheWaiting() {
+  static Waiting& waiting = *new Waiting;
+  return waiting;
+}
 
 constexpr wchar_t kLongPrefix[] = L"\\\\?\\";
 constexpr wchar_t kLongNetworkPrefix[] = L"\\\\?\\UNC\\";
@@ -148,13 +164,34 @@ void AddHomes(const std::string& home, std::vector<Guarded>& homes) {
   ::FindClose(search);
 }
 
+// Windows calls it on a thread of its own.
 BOOL WINAPI NoteInterrupt(DWORD event) {
   interrupted = true;
+  {
+    const std::lock_guard lock(TheWaiting().mutex);
+    TheWaiting().changed.notify_all();
+  }
   if (event == CTRL_C_EVENT || event == CTRL_BREAK_EVENT) return TRUE;
-  // A closed console or the end of the session: the process ends when this returns, so the wipe is given
-  // the time to stop in good order.
-  ::Sleep(2'000);
+  // A closed console or the end of the session: the process ends when this returns, or after some five
+  // seconds, so the wipe is given the time to stop in good order.
+  ::Sleep(4'000);
   return TRUE;
+}
+
+void ReadLine() {
+  std::string line;
+  char c = 0;
+  DWORD got = 0;
+  bool read = false;
+  while ((read = ::ReadFile(::GetStdHandle(STD_INPUT_HANDLE), &c, 1, &got, nullptr) != 0 && got == 1) &&
+         c != '\n') {
+    line += c;
+  }
+  Waiting& waiting = TheWaiting();
+  const std::lock_guard lock(waiting.mutex);
+  if (read) waiting.answer = std::move(line);
+  waiting.ended = true;
+  waiting.changed.notify_all();
 }
 
 }  // namespace
@@ -248,6 +285,15 @@ std::FILE* CreateNewFile(const std::string& path, std::string& trouble) {
   std::FILE* file = fd < 0 ? nullptr : ::_fdopen(fd, "w");
   if (file == nullptr) trouble = "it can't be opened";
   return file;
+}
+
+// Ctrl+C doesn't always break off a read that waits for the console, so that is done by another thread.
+std::optional<std::string> ReadAnswer() {
+  Waiting& waiting = TheWaiting();
+  std::thread(ReadLine).detach();
+  std::unique_lock lock(waiting.mutex);
+  waiting.changed.wait(lock, [&] { return waiting.ended || WasInterrupted(); });
+  return WasInterrupted() ? std::nullopt : std::move(waiting.answer);
 }
 
 void PrepareStreams() {

@@ -15,7 +15,7 @@ class EngineEvents {
   // `bytesDone` of `bytesTotal` (the length of the file) are done, all passes and the read-back taken
   // together; lengths of 2 GiB and more are scaled down so that the share is right. Raised at the start
   // (0) and the end (the total) of each file, and some twenty times a second between. `bytesTotal` is 0
-  // for an empty file.
+  // for an empty file, and where the work is at a folder or at entries, which are then told by the path.
   virtual void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
                             const std::string& itemName) = 0;
 

@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
 
+// After this much time in replacing names, those that have been replaced are taken to the end first.
+constexpr Clock::Time kLongestHiding{60'000};
+
 }  // namespace
 
 void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path) {
@@ -98,6 +101,7 @@ void FileBatch::Run() {
     FileBatch& batch;
     ~Clear() {
       batch.operation_.pipeline.Abandon();
+      batch.group_ = {};
       batch.items_.clear();
       batch.failures_.clear();
       batch.bytes_ = 0;
@@ -113,13 +117,19 @@ void FileBatch::RunSteps() {
   Verify();
   // The last moment at which a cancel leaves all files of the batch where they are.
   NoteFailures();
-  const Clock::Time started = operation_.clock.Now();
-  Erase();
-  operation_.pace.RemovalTook(operation_.clock.Now() - started, parts_);
-  for (const auto& item : items_) {
-    if (item->file && !item->failed) item->file->Finish();
+  Shorten();
+  Clock::Time longest{};
+  for (std::size_t first = 0; first < items_.size(); first += group_.size()) {
+    if (first > 0 || !items_.front()->file) operation_.Tell(items_[first]->path);
+    const Clock::Time started = operation_.clock.Now();
+    Erase(first);
+    longest = std::max(longest, operation_.clock.Now() - started);
+    for (const auto& item : group_) {
+      if (item->file && !item->failed) item->file->Finish();
+    }
+    NoteFailures();
   }
-  NoteFailures();
+  operation_.pace.RemovalTook(longest, parts_);
 }
 
 // --- The content ----------------------------------------------------------------------------------------
@@ -154,29 +164,35 @@ void FileBatch::FlushParts() {
   cachedBytes_ = directBytes_ = 0;
   std::vector<File*> files;
   std::vector<std::pair<Item*, Overwriter*>> parts;
-  std::array<std::uint64_t, 2> bytes{};
   for (const auto& item : items_) {
     if (!item->file || item->failed) continue;
     for (Overwriter& part : item->file->Parts()) {
       if (part.UnflushedBytes() == 0) continue;
       files.push_back(&part.TheFile());
       parts.emplace_back(item.get(), &part);
-      bytes[part.HowOpened() == Access::Direct] += part.UnflushedBytes();
     }
   }
-  if (files.empty()) return;
   std::vector<Status> outcomes(files.size());
-  const Clock::Time started = operation_.clock.Now();
-  operation_.device.FlushMany(files, outcomes);
-  const Clock::Time took = operation_.clock.Now() - started;
-  for (const Access access : {Access::Cached, Access::Direct}) {
-    const std::uint64_t flushed = bytes[access == Access::Direct];
-    if (flushed > 0) operation_.pace.FlushTook(took, flushed, access);
-  }
-  for (std::size_t i = 0; i < parts.size(); ++i) {
-    Overwriter& part = *parts[i].second;
-    Try(*parts[i].first, [&] { Require(outcomes[i], "Flushing", part.Path()); });
-    part.FlushedByOthers();
+  for (std::size_t first = 0; first < files.size();) {
+    // One flush may serve all of them, or each may take its time.
+    const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), files.size() - first);
+    if (first > 0) parts[first].first->file->Progress().Worked(0);
+    const Clock::Time started = operation_.clock.Now();
+    operation_.device.FlushMany(std::span(files).subspan(first, count),
+                                std::span(outcomes).subspan(first, count));
+    const Clock::Time took = operation_.clock.Now() - started;
+    operation_.pace.FlushesTook(took, count);
+    std::array<std::uint64_t, 2> bytes{};
+    for (const std::size_t end = first + count; first < end; ++first) {
+      Overwriter& part = *parts[first].second;
+      bytes[part.HowOpened() == Access::Direct] += part.UnflushedBytes();
+      Try(*parts[first].first, [&] { Require(outcomes[first], "Flushing", part.Path()); });
+      part.FlushedByOthers();
+    }
+    for (const Access access : {Access::Cached, Access::Direct}) {
+      const std::uint64_t flushed = bytes[access == Access::Direct];
+      if (flushed > 0) operation_.pace.FlushTook(took, flushed, access);
+    }
   }
 }
 
@@ -200,19 +216,36 @@ void FileBatch::CheckTransfers() {
 
 // --- Names and entries ----------------------------------------------------------------------------------
 
+// Cancelled in between, a file that has no length any more still has its name.
+void FileBatch::Shorten() {
+  for (std::size_t first = 0; first < items_.size(); first += group_.size()) {
+    if (first > 0) operation_.Tell(items_[first]->path);
+    const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), items_.size() - first);
+    group_ = std::span(items_).subspan(first, count);
+    const Clock::Time started = operation_.clock.Now();
+    for (const auto& item : group_) {
+      if (item->file) Try(*item, [&] { item->file->RemoveStreams(); });
+    }
+    TryTogether("Shortening", &Device::EmptyMany);
+    operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
+  }
+}
+
 // All names are replaced before any of it is made durable: each flush between would put one more copy of
-// the folder, with the names that are still in it, into the file system's journal.
-void FileBatch::Erase() {
-  for (const auto& item : items_) {
-    if (item->file) Try(*item, [&] { item->file->RemoveStreams(); });
-  }
-  TryTogether("Shortening", &Device::EmptyMany);
-  for (const auto& item : items_) {
-    Try(*item, [&] { item->file ? item->file->Hide() : HideLink(*item); });
-  }
+// the folder, with the names that are still in it, into the file system's journal. Only where entries take
+// the device so long that a cancel would have to wait is it done in several groups: within one there is no
+// look at the cancel flag, so that nothing is left with another name and half its dates.
+void FileBatch::Erase(std::size_t first) {
+  const Clock::Time started = operation_.clock.Now();
+  std::size_t end = first;
+  do {
+    Item& item = *items_[end++];
+    Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
+  } while (end < items_.size() && operation_.clock.Now() - started < kLongestHiding);
+  group_ = std::span(items_).subspan(first, end - first);
   TryTogether("Flushing the entry of", &Device::FlushEntries);
   FlushPlaces(true);
-  for (const auto& item : items_) {
+  for (const auto& item : group_) {
     Try(*item, [&] {
       if (item->file) {
         item->file->Remove();
@@ -240,7 +273,7 @@ void FileBatch::TryTogether(const char* doing,
                             void (Device::*call)(std::span<File* const>, std::span<Status>)) {
   std::vector<File*> files;
   std::vector<Item*> items;
-  for (const auto& item : items_) {
+  for (const auto& item : group_) {
     if (!item->file || item->failed) continue;
     files.push_back(&item->file->Parts().front().TheFile());
     items.push_back(item.get());
@@ -256,7 +289,7 @@ void FileBatch::TryTogether(const char* doing,
 void FileBatch::FlushPlaces(bool ofLinksAlone) {
   std::vector<Folder*> folders;
   std::vector<Item*> firsts;
-  for (const auto& item : items_) {
+  for (const auto& item : group_) {
     if (item->failed || (ofLinksAlone && item->file)) continue;
     Folder* const folder = item->place->folder.get();
     // Their order is that of the walk, so the same folder comes in runs; one that comes again is flushed
@@ -272,7 +305,7 @@ void FileBatch::FlushPlaces(bool ofLinksAlone) {
     if (outcomes[i].Ok()) continue;
     const Failure failure = MakeFailure("Flushing the folder of", firsts[i]->path, outcomes[i]);
     failures_.push_back(failure);
-    for (const auto& item : items_) {
+    for (const auto& item : group_) {
       if (item->place->folder.get() != folders[i]) continue;
       item->failed = true;
       item->place->somethingStays = true;

@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,7 +19,8 @@ namespace zq::engine {
 // With small files the flushes are all that takes time: one for each file and pass, and as many again for
 // names and removals. Here the pass is written to all files, then made durable once, and so are the names,
 // and the removals. A file that fails is taken out and stays, and the others go on. Nothing is removed
-// before all files of the batch are overwritten and read back; a cancel until then removes nothing.
+// before all files of the batch are overwritten and read back; a cancel until then removes nothing. One that
+// comes later leaves of each file either nothing, or the file with its name, overwritten.
 class FileBatch {
  public:
   // `note` receives each failure and may throw Cancelled.
@@ -61,7 +63,10 @@ class FileBatch {
   void FlushParts();
   void Verify();
   void CheckTransfers();
-  void Erase();
+  // Removes the streams and the lengths.
+  void Shorten();
+  // Erases items from this one on, as many as the time allows: group_ is those.
+  void Erase(std::size_t first);
   void HideLink(Item& item);
   // Calls the device once for all files that are still in the batch, each with its own outcome.
   void TryTogether(const char* doing, void (Device::*call)(std::span<File* const>, std::span<Status>));
@@ -70,7 +75,8 @@ class FileBatch {
   Operation& operation_;
   std::function<void(const Failure&)> note_;
   std::vector<std::unique_ptr<Item>> items_;
-  std::vector<Failure> failures_;  // not yet noted
+  std::span<const std::unique_ptr<Item>> group_;  // of items_, those that are being taken out
+  std::vector<Failure> failures_;                 // not yet noted
   std::uint64_t bytes_ = 0;
   std::size_t parts_ = 0;
   std::uint64_t cachedBytes_ = 0;  // written, in one way or the other, since the last flush

@@ -9,6 +9,9 @@ namespace {
 // Folders stay open until they are removed, and a process may have only so many open.
 constexpr std::size_t kMostLeftFolders = 128;
 
+// After this much time in renaming folders, those that have been renamed are removed first.
+constexpr Clock::Time kLongestRenaming{60'000};
+
 }  // namespace
 
 void FolderWipe::Run(const std::string& path) {
@@ -39,8 +42,8 @@ void FolderWipe::Run(const std::string& path) {
 
 void FolderWipe::Walk() {
   while (!levels_.empty()) {
-    operation_.LookForCancel();
     const std::shared_ptr<Level> level = levels_.back();
+    operation_.Tell(level->path);
     if (level->next < level->entries.size()) {
       Visit(level, std::exchange(level->entries[level->next++], {}));
     } else {
@@ -99,10 +102,20 @@ void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) 
 void FolderWipe::RemoveLeftFolders() {
   const std::vector<std::shared_ptr<Level>> left = std::exchange(left_, {});
   if (!selection_.removeFolders) return;
-  for (const auto& level : left) CheckRemovable(*level);
+  for (const auto& level : left) {
+    operation_.Tell(level->path);
+    CheckRemovable(*level);
+  }
   // The removals in them go to the device before they do: freed in one go with them, a folder's block would
   // keep the old names.
-  FlushFolders(left, false);
+  for (std::span<const std::shared_ptr<Level>> rest = left; !rest.empty();) {
+    operation_.Tell(rest.front()->path);
+    const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), rest.size());
+    const Clock::Time started = operation_.clock.Now();
+    FlushFolders(rest.first(count), false);
+    operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
+    rest = rest.subspan(count);
+  }
   if (operation_.device.RenamesOpenFolders()) {
     RemoveFolders(left);
     return;
@@ -135,9 +148,27 @@ void FolderWipe::CheckRemovable(Level& level) {
   if (level.somethingStays && level.parent) level.parent->somethingStays = true;
 }
 
-// All are renamed, that is made durable, and only then are they removed: as with the names of files.
+// All are renamed, that is made durable, and only then are they removed: as with the names of files, and as
+// there in groups where it takes the device long.
 void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
+  while (!levels.empty()) {
+    operation_.Tell(levels.front()->path);
+    // A cancel must not leave a folder with the name it has meanwhile.
+    holdsNotes_ = true;
+    const std::size_t count = RenameFolders(levels);
+    RemoveRenamed(levels.first(count));
+    holdsNotes_ = false;
+    for (const Failure& failure : std::exchange(heldNotes_, {})) Note(failure);
+    levels = levels.subspan(count);
+  }
+}
+
+std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> levels) {
+  const Clock::Time started = operation_.clock.Now();
+  std::size_t count = 0;
   for (const auto& level : levels) {
+    if (count > 0 && operation_.clock.Now() - started >= kLongestRenaming) break;
+    ++count;
     if (!level->somethingStays) {
       try {
         // Where it can't be renamed while it is open; what is in it is removed through it elsewhere.
@@ -155,6 +186,10 @@ void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
     }
     if (level->somethingStays && level->parent) level->parent->somethingStays = true;
   }
+  return count;
+}
+
+void FolderWipe::RemoveRenamed(std::span<const std::shared_ptr<Level>> levels) {
   FlushFolders(levels, true);
   for (const auto& level : levels) {
     const std::string path = level->path + " (now named " + level->self.name + ')';
@@ -206,6 +241,10 @@ void FolderWipe::Fail(Level& level, const Failure& failure) {
 }
 
 void FolderWipe::Note(const Failure& failure) {
+  if (holdsNotes_) {
+    heldNotes_.push_back(failure);
+    return;
+  }
   ++failureCount_;
   if (!firstFailure_) firstFailure_ = failure;
   operation_.events.WipeError(failure.code, failure.text);

@@ -56,6 +56,9 @@ class FolderWipe {
   void RemoveLeftFolders();
   void CheckRemovable(Level& level);
   void RemoveFolders(std::span<const std::shared_ptr<Level>> levels);
+  // Renames as many of them, from the first on, as the time allows. Gives their number.
+  std::size_t RenameFolders(std::span<const std::shared_ptr<Level>> levels);
+  void RemoveRenamed(std::span<const std::shared_ptr<Level>> levels);
   Folder* FolderAbove(const Level& level) const {
     return level.parent ? level.parent->folder.get() : above_.get();
   }
@@ -71,6 +74,8 @@ class FolderWipe {
   std::vector<std::shared_ptr<Level>> levels_;
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
   bool hasRemovedFolder_ = false;
+  bool holdsNotes_ = false;  // failures are told later
+  std::vector<Failure> heldNotes_;
   std::size_t failureCount_ = 0;
   std::optional<Failure> firstFailure_;
 };

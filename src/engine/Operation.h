@@ -33,7 +33,7 @@ class WorkMeter {
 // The time between two events while an operation works: at least ten a second, never two within 30 ms.
 class EventTimer {
  public:
-  explicit EventTimer(Clock& clock) : clock_(clock) {}
+  explicit EventTimer(Clock& clock) : clock_(clock), last_(clock.Now()) {}
 
   void Raised() { last_ = clock_.Now(); }
   bool IsDue() const { return clock_.Now() - last_ >= kBetween; }
@@ -42,7 +42,7 @@ class EventTimer {
   static constexpr Clock::Time kBetween{35'000};
 
   Clock& clock_;
-  Clock::Time last_{};
+  Clock::Time last_;
 };
 
 class Operation {
@@ -83,6 +83,16 @@ class Operation {
   // Throws Cancelled once the owner has asked for it. Called after every event and at every item.
   void LookForCancel() const {
     if (cancelFlag_) throw Cancelled{};
+  }
+
+  // Tells that the work is at `path`, which is no file with a progress of its own, if an event is due. Throws
+  // Cancelled.
+  void Tell(const std::string& path) {
+    if (timer.IsDue()) {
+      timer.Raised();
+      events.WipeProgress(0, 0, 0, path);
+    }
+    LookForCancel();
   }
 
   // A random name of `length` characters, legal on every file system. Throws Failure without a seed.

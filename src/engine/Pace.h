@@ -38,9 +38,12 @@ class Pace {
                                 : kLargestUnits * kLargestUnit;
   }
 
-  // How many files are taken through their passes and removed together. The removal can't be stopped
-  // halfway, so it mustn't last.
+  // How many files are taken through their passes and removed together. Parts of the removal can't be stopped
+  // halfway, so they mustn't last.
   std::size_t FilesAtOnce() const { return files_; }
+
+  // How many files or folders are flushed, or files emptied, in one call.
+  std::size_t FlushesAtOnce() const { return flushes_; }
 
   // `time` is what the transfer has taken beyond the one that ended before it.
   void UnitTook(Clock::Time time, std::size_t unitBytes) {
@@ -66,6 +69,14 @@ class Pace {
       files_ = std::max<std::size_t>(files_ / 2, 1);
     } else if (time < kShortRemoval && fileCount >= files_) {
       files_ = std::min(files_ * 2, kMostFiles);
+    }
+  }
+
+  void FlushesTook(Clock::Time time, std::size_t count) {
+    if (time > kLongFlush) {
+      flushes_ = std::max<std::size_t>(flushes_ / 2, 1);
+    } else if (time < kShortFlush && count >= flushes_) {
+      flushes_ = std::min(flushes_ * 2, kMostFiles);
     }
   }
 
@@ -102,6 +113,7 @@ class Pace {
   std::size_t unit_ = std::size_t{64} << 10;
   std::size_t transfers_ = 1;
   std::size_t files_ = 64;
+  std::size_t flushes_ = 16;
   std::uint64_t cachedFlush_ = std::uint64_t{64} << 10;
   std::uint64_t directFlush_ = kFirstDirectFlush;
 };

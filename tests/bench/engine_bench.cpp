@@ -110,8 +110,8 @@ int main(int argc, char** argv) {
     return 1;
   }
   if (!quiet) {
-    std::printf("%.3f s, %.1f MiB, %zu items, %zu progress events\n", seconds,
-                MostMebibytes(), events.wiped, events.progress);
+    std::printf("%.3f s, %.1f MiB, %zu items, %zu progress events\n", seconds, MostMebibytes(), events.wiped,
+                events.progress);
   }
   return 0;
 }

@@ -14,13 +14,19 @@ failed=0
 
 # fresh: a copy of the prefix, still caged. The system's files are shared; none of them is touched.
 fresh() {
+  local part
   rm -rf -- "$copy"
   mkdir -- "$copy"
   cp -r --preserve=links -- "$whole/dosdevices" "$copy/"
   mkdir -- "$copy"/{cage,home,tmp,drive_c}
   cp -- "$whole/cage/made-by-prefix.sh" "$copy/cage/"
-  cp -a -- "$whole/drive_c/users" "$copy/drive_c/"
-  cp -al -- "$whole/drive_c/windows" "$copy/drive_c/"
+  # Other tests may be running in the prefix: their temporary files come and go under a copy's feet.
+  (cd -- "$whole/drive_c" && find users -name Temp -prune -o -type d -print0) |
+    (cd -- "$copy/drive_c" && xargs -0 mkdir -p --)
+  mkdir -- "$copy/drive_c/windows"
+  for part in "$whole"/drive_c/windows/*; do
+    [[ ${part##*/} == temp ]] || cp -al -- "$part" "$copy/drive_c/windows/"
+  done
 }
 
 # refused WHAT: the copy as it now stands must not pass, nor run a program.

@@ -141,6 +141,7 @@ TEST_F(Settings, TakeTheExplorerManagerFromTheRegistryAlone) {
   SettingsFile settings;
   settings.explorerManager = 1;
   Prepare(settings);
+  ::RegDeleteKeyValueA(HKEY_LOCAL_MACHINE, kRunKey, kValue);  // of a run that was broken off
   Run([](const MainWindow&) {});
   EXPECT_EQ(ReadFileBytes(settingsPath_).substr(316, 2), std::string(2, '\0'));
 

@@ -72,8 +72,11 @@ TEST_F(Progress, CountsItemsInTheOverallBar) {
   Confirm(program, main);
   const StatusWindow status(program);
   status.WaitWork("big.dat");
-  EXPECT_EQ(ReadProgress(status.overall).position, 50);
-  EXPECT_EQ(status.window.Text(), "50% - Wipe Operation");
+  {
+    const Hold hold(program, status);
+    EXPECT_EQ(ReadProgress(status.overall).position, 50);
+    EXPECT_EQ(status.window.Text(), "50% - Wipe Operation");
+  }
   Close(program, main, kComplete);
 }
 

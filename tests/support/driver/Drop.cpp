@@ -130,7 +130,7 @@ void Carry(POINT from, POINT to, Source& source) {
         StepMouseTo({to.x + (++tremble & 1), to.y});
         return source.effect != DROPEFFECT_NONE;
       },
-      Limit(1000));
+      Limit(4000));
   Mouse(MOUSEEVENTF_LEFTUP);
 }
 
@@ -170,7 +170,7 @@ DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths) {
         }
         return down;
       },
-      Limit(5000));
+      kPatience);
 
   FileData data(FileList(paths, screen));
   Source source;

@@ -2,6 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+#include <string>
+
 #include "unit/engine/EngineRig.h"
 
 namespace zq::engine::test {
@@ -19,8 +22,10 @@ Clock::Time TimeToStop(EngineRig& rig, Clock::Time clickAt, const Run& run) {
   const Clock::Time click = rig.clock.Now() + clickAt;
   bool cancelled = false;
   std::size_t eventsAfter = 0;
-  rig.events.onEvent = [&](const Event&) {
-    if (cancelled) ++eventsAfter;
+  rig.events.onEvent = [&](const Event& event) {
+    // What goes together with the file of this event is told too.
+    const bool tellsAnEnd = event.kind == "wiped" || (event.total > 0 && event.done == event.total);
+    if (cancelled && !tellsAnEnd) ++eventsAfter;
     if (!cancelled && rig.clock.Now() >= click) {
       cancelled = true;
       rig.engine.CancelOperation();
@@ -95,6 +100,134 @@ TEST(Cancel, RemovesNothingOfABatchThatIsNotThroughItsPasses) {
     EXPECT_EQ(rig.device.Count("set length") + rig.device.Count("rename") + rig.device.Count("remove"), 0u);
     EXPECT_THAT(rig.events.Of("wiped"), IsEmpty());
     EXPECT_EQ(rig.device.openHandles, 0);
+  }
+}
+
+// The files of `folder` that were made with these names and contents: each is gone, and was told as wiped, or
+// is there under its name, untouched or overwritten.
+void ExpectGoneOrNamed(EngineRig& rig, const std::string& folder, int first, int count, std::size_t size) {
+  const auto& left = rig.device.Find(folder)->children;
+  std::set<std::string> wiped;
+  for (const Event& event : rig.events.Of("wiped")) wiped.insert(event.name);
+  std::size_t gone = 0;
+  for (int i = first; i < first + count; ++i) {
+    const std::string name = std::to_string(i);
+    const auto found = left.find(name);
+    if (found == left.end()) {
+      ++gone;
+      EXPECT_EQ(wiped.count(name), 1u) << name;
+    } else {
+      EXPECT_TRUE(found->second->original.size() == size || found->second->stored.empty()) << name;
+    }
+  }
+  EXPECT_EQ(left.size() + gone, static_cast<std::size_t>(count)) << "one has another name";
+}
+
+// The time between two events, and so the longest that a click may wait.
+void ExpectEventsOften(const EngineRig& rig) {
+  Clock::Time last{};
+  for (const Event& event : rig.events.all) {
+    if (last != Clock::Time{}) {
+      EXPECT_LE(event.at - last, kAtMost) << event.kind << ' ' << event.name;
+    }
+    last = event.at;
+  }
+}
+
+// What a stick with many entries, or a folder over a network, may take for each of them.
+TEST(Cancel, StopsTheRemovalOfABatchInTimeOnADeviceThatIsSlowWithEntries) {
+  const auto setUp = [](EngineRig& rig) {
+    rig.device.bytesPerSecond = 5'000'000;
+    rig.device.entryLatency = rig.device.flushLatency = Clock::Time{5'000};
+    for (int i = 100; i < 160; ++i) rig.device.MakeFile("/f/" + std::to_string(i), Secret(3'000));
+  };
+  EngineRig whole;
+  setUp(whole);
+  const Clock::Time start = whole.clock.Now();
+  ASSERT_TRUE(whole.engine.WipeFolderFiles("/f", "*.*", false, 3)) << whole.engine.LastErrorText();
+  EXPECT_THAT(whole.device.violations, IsEmpty());
+  ExpectEventsOften(whole);
+  const Clock::Time duration = whole.clock.Now() - start;
+
+  std::set<std::size_t> wipedCounts;
+  for (Clock::Time clickAt{0}; clickAt < duration - kAtMost; clickAt += Clock::Time{47'000}) {
+    EngineRig rig;
+    setUp(rig);
+    const Clock::Time took =
+        TimeToStop(rig, clickAt, [&] { return rig.engine.WipeFolderFiles("/f", "*.*", false, 3); });
+    EXPECT_LE(took, kAtMost) << clickAt.count();
+    EXPECT_THAT(rig.device.violations, IsEmpty());
+    EXPECT_EQ(rig.device.openHandles, 0);
+    ExpectGoneOrNamed(rig, "/f", 100, 60, 3'000);
+    wipedCounts.insert(rig.events.Of("wiped").size());
+    if (::testing::Test::HasFailure()) break;
+  }
+  EXPECT_GT(wipedCounts.size(), 10u) << "no click came while a batch was being removed";
+}
+
+TEST(Cancel, StopsTheRemovalOfFoldersAndLinksInTimeAndLeavesTheirNames) {
+  for (const bool renamesOpenFolders : {false, true}) {
+    const auto setUp = [&](EngineRig& rig) {
+      rig.device.renamesOpenFolders = renamesOpenFolders;
+      rig.device.bytesPerSecond = 5'000'000;
+      rig.device.entryLatency = rig.device.flushLatency = Clock::Time{5'000};
+      for (int i = 100; i < 130; ++i) {
+        rig.device.MakeFolder("/f/top/" + std::to_string(i) + "/200");
+        rig.device.MakeLink("/f/top/" + std::to_string(i) + "/300", EntryKind::Link);
+      }
+    };
+    EngineRig whole;
+    setUp(whole);
+    const Clock::Time start = whole.clock.Now();
+    ASSERT_TRUE(whole.engine.WipeFolder("/f/top", 3)) << whole.engine.LastErrorText();
+    ExpectEventsOften(whole);
+    const Clock::Time duration = whole.clock.Now() - start;
+
+    std::set<std::size_t> entriesLeft;
+    for (Clock::Time clickAt{0}; clickAt < duration - kAtMost; clickAt += Clock::Time{47'000}) {
+      EngineRig rig;
+      setUp(rig);
+      const Clock::Time took = TimeToStop(rig, clickAt, [&] { return rig.engine.WipeFolder("/f/top", 3); });
+      EXPECT_LE(took, kAtMost) << clickAt.count();
+      EXPECT_EQ(rig.device.openHandles, 0);
+      ASSERT_TRUE(rig.device.Exists("/f/top"));
+      const auto& left = rig.device.Find("/f/top")->children;
+      std::size_t entries = left.size();
+      for (const auto& [name, folder] : left) {
+        entries += folder->children.size();
+        EXPECT_EQ(name.size(), 3u) << name;
+        EXPECT_EQ(name[0], '1') << name;
+        for (const auto& [inner, node] : folder->children)
+          EXPECT_TRUE(inner == "200" || inner == "300") << inner;
+      }
+      entriesLeft.insert(entries);
+      if (::testing::Test::HasFailure()) break;
+    }
+    EXPECT_GT(entriesLeft.size(), 10u) << "no click came while folders were being removed";
+  }
+}
+
+// The event of a failure is a place to cancel in, too: not one at which a folder has a name that isn't its
+// own.
+TEST(Cancel, FromInsideTheErrorOfAFolderLeavesTheNamesOfTheOthers) {
+  for (const bool renamesOpenFolders : {false, true}) {
+    EngineRig rig;
+    rig.device.renamesOpenFolders = renamesOpenFolders;
+    for (const char* name : {"/f/top/101", "/f/top/102", "/f/top/103"}) rig.device.MakeFolder(name);
+    int renames = 0;
+    rig.device.fault = FakeDevice::Fault::FailOnce;
+    rig.device.onOp = [&](const Op& op) {
+      if (op.kind == "rename entry" && ++renames == 5) rig.device.faultAt = rig.device.ops.size();
+    };
+    rig.events.onEvent = [&](const Event& event) {
+      if (event.kind == "error") rig.engine.CancelOperation();
+    };
+    EXPECT_FALSE(rig.engine.WipeFolder("/f/top", 3));
+    EXPECT_THAT(rig.engine.LastErrorText(), HasSubstr("Cancelled"));
+    ASSERT_TRUE(rig.device.Exists("/f/top"));
+    for (const auto& [name, folder] : rig.device.Find("/f/top")->children) {
+      EXPECT_THAT(name, ::testing::AnyOf("101", "102", "103"));
+    }
   }
 }
 

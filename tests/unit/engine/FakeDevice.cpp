@@ -86,9 +86,9 @@ class FakeFile final : public File {
     CheckAlignment(offset, data.data(), data.size());
     if (Status status = device_.Begin("write", Path(), offset, data.size()); !status.Ok()) return status;
     std::size_t size = data.size();
-    if (device_.HitBy(FakeDevice::Fault::ShortWrite)) {
+    if (device_.IsShort()) {
       device_.faultHappened = true;
-      size = size / 2 / device_.sectorBytes * device_.sectorBytes;
+      size = size / 2 / Alignment() * Alignment();
     }
     // Some systems write what fits when not all does, others nothing.
     const std::size_t room = RoomFor(offset, size);
@@ -96,7 +96,7 @@ class FakeFile final : public File {
     if (direct_ && !node_->original.empty() && node_->original.size() <= device_.recordBytes) {
       device_.violations.push_back("moved out of its record: " + Path());
     }
-    if (size == 0 && !data.empty() && !device_.HitBy(FakeDevice::Fault::ShortWrite)) {
+    if (size == 0 && !data.empty() && !device_.IsShort()) {
       device_.ops.back().ok = false;
       return Full();
     }
@@ -561,6 +561,11 @@ Status FakeDevice::Begin(const std::string& kind, const std::string& path, std::
                          std::size_t size) {
   ops.push_back({kind, path, offset, size, {}, true});
   if (onOp) onOp(ops.back());
+  for (const char* ofEntry :
+       {"set length", "set dates", "rename", "rename entry", "remove", "remove entry"}) {
+    if (kind == ofEntry) clock_.Advance(entryLatency);
+  }
+  if (kind == "flush folder") clock_.Advance(flushLatency);
   const std::size_t number = ops.size();
   if (number == faultAt) faultKind = kind;
   const bool hit = (fault == Fault::FailOnce && number == faultAt) ||

@@ -85,6 +85,7 @@ class FakeDevice final : public Device {
   bool mergesEqual = false;          // streams must never be written with a pattern
   std::uint64_t bytesPerSecond = 0;  // 0: no time passes
   Clock::Time flushLatency{0};
+  Clock::Time entryLatency{0};          // of each change of a name, a length or dates, and of each removal
   std::uint64_t capacityBytes = 0;      // 0: no end
   bool writesWhatFits = false;          // of a write that the end of the device cuts
   std::size_t recordBytes = 0;          // files up to this length take no clusters
@@ -93,7 +94,7 @@ class FakeDevice final : public Device {
   std::function<void(const Op&)> onOp;  // before the operation is carried out
 
   // The n-th operation (from 1) goes wrong.
-  enum class Fault { None, FailOnce, FailFromThenOn, ShortWrite, LoseWrite };
+  enum class Fault { None, FailOnce, FailFromThenOn, ShortWrite, ShortFromThenOn, LoseWrite };
   Fault fault = Fault::None;
   std::size_t faultAt = 0;
   bool faultHappened = false;
@@ -125,6 +126,9 @@ class FakeDevice final : public Device {
   Status Begin(const std::string& kind, const std::string& path, std::uint64_t offset = 0,
                std::size_t size = 0);
   bool HitBy(Fault wanted) const { return fault == wanted && ops.size() == faultAt; }
+  bool IsShort() const {
+    return HitBy(Fault::ShortWrite) || (fault == Fault::ShortFromThenOn && ops.size() >= faultAt);
+  }
   std::uint64_t ClustersOf(const Node& node) const;
   void Pass(std::uint64_t bytes);
   void CheckOverwritten(const Node& node, const std::string& path, const char* what);

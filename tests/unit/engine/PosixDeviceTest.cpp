@@ -11,7 +11,10 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
 #include <functional>
+#include <string>
+#include <vector>
 
 #include "unit/engine/RealEngine.h"
 #include "unit/engine/Scratch.h"
@@ -351,6 +354,41 @@ TEST(PosixDevice, RenamesOverNothing) {
   fs::rename(scratch / "y", scratch / "free");
   EXPECT_EQ(file->Remove().trouble, Trouble::Refused) << "another file has come under the name";
   EXPECT_EQ(ReadBytes(scratch / "free"), "other");
+}
+
+// The flags of this process's descriptors for the file, as the system tells them.
+std::vector<int> FlagsOfDescriptorsFor(const fs::path& path) {
+  std::vector<int> all;
+  std::error_code ignored;
+  for (const fs::directory_entry& entry : fs::directory_iterator("/proc/self/fd")) {
+    if (fs::read_symlink(entry.path(), ignored) != path) continue;
+    std::ifstream info("/proc/self/fdinfo/" + entry.path().filename().string());
+    for (std::string word; info >> word;) {
+      if (word == "flags:" && info >> word) all.push_back(std::stoi(word, nullptr, 8));
+    }
+  }
+  return all;
+}
+
+TEST(PosixDevice, ReadsAndWritesPastTheCacheWhereItCan) {
+  Scratch scratch;
+  RealEngine real;
+  const fs::path path = fs::canonical(scratch.Path()) / "x";
+  WriteBytes(path, Secret(100'000));
+  const int direct = ::open(path.c_str(), O_RDWR | O_DIRECT | O_CLOEXEC);
+  if (direct < 0)
+    GTEST_SKIP() << "this file system has no transfers past the cache: " << std::strerror(errno);
+  ::close(direct);
+  std::size_t looks = 0;
+  real.events.onEvent = [&](const Event& event) {
+    if (event.kind != "progress" || event.done == event.total) return;
+    ++looks;
+    const std::vector<int> flags = FlagsOfDescriptorsFor(path);
+    ASSERT_EQ(flags.size(), 1u);
+    EXPECT_NE(flags[0] & O_DIRECT, 0);
+  };
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(path), 3)) << real.engine.LastErrorText();
+  EXPECT_GT(looks, 0u);
 }
 
 TEST(PosixDevice, WipesASparseFileWithItsHoles) {

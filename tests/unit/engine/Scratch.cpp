@@ -2,12 +2,16 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <memory>
 #include <random>
 #include <stdexcept>
+#include <vector>
 
 #ifdef _WIN32
 #include <windows.h>
 #endif
+
+#include "engine/Device.h"
 
 namespace zq::engine::test {
 namespace {
@@ -20,6 +24,31 @@ void RefuseOutsideTheCage() {
     throw std::runtime_error("this test destroys files and doesn't run in a Wine prefix that has a drive Z:");
   }
 #endif
+}
+
+// Whether the engine would overwrite a file in this folder at all. It refuses to on a file system that puts
+// new content in a new place, as the one below a container may.
+bool TakesOverwriting(const std::filesystem::path& folder) {
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  std::unique_ptr<Folder> opened;
+  std::unique_ptr<File> file;
+  FileInfo info;
+  if (!device->OpenFolder(Utf8(folder), opened).Ok() ||
+      !opened->AddFile("probe", Access::Cached, file).Ok()) {
+    return false;
+  }
+  const bool takes = file->Info(info).Ok() && info.notInPlace.empty();
+  return file->Remove().Ok() && takes;
+}
+
+std::filesystem::path MakeFolderIn(const std::filesystem::path& above) {
+  std::random_device random;
+  const std::filesystem::path path = above / ("zq-engine-test-" + std::to_string(random()));
+  std::error_code ignored;
+  if (!std::filesystem::create_directory(path, ignored)) return {};
+  if (TakesOverwriting(path)) return path;
+  std::filesystem::remove(path, ignored);
+  return {};
 }
 
 }  // namespace
@@ -46,9 +75,16 @@ void WriteBytes(const std::filesystem::path& path, const std::string& bytes) {
 
 Scratch::Scratch() {
   RefuseOutsideTheCage();
-  std::random_device random;
-  path_ = std::filesystem::temp_directory_path() / ("zq-engine-test-" + std::to_string(random()));
-  if (!std::filesystem::create_directory(path_)) throw std::runtime_error("can't make " + Utf8(path_));
+  std::vector<std::filesystem::path> places = {std::filesystem::temp_directory_path()};
+#ifndef _WIN32
+  places.insert(places.end(), {"/var/tmp", "/dev/shm", std::filesystem::current_path()});
+#endif
+  for (const std::filesystem::path& place : places) {
+    path_ = MakeFolderIn(place);
+    if (!path_.empty()) return;
+  }
+  throw std::runtime_error("there is no folder here, from " + Utf8(places.front()) +
+                           " on, in which a file could be overwritten in place");
 }
 
 Scratch::~Scratch() {

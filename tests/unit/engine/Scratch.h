@@ -15,8 +15,9 @@ void WriteBytes(const std::filesystem::path& path, const std::string& bytes);
 
 class Scratch {
  public:
-  // Makes a new folder in the system's folder for temporary files. Throws where tests that destroy files may
-  // not run: under Wine with the whole host as a drive.
+  // Makes a new folder in the system's folder for temporary files, or in another one where that lies on a
+  // file system whose files can't be overwritten in place. Throws if there is none, and where tests that
+  // destroy files may not run: under Wine with the whole host as a drive.
   Scratch();
   Scratch(const Scratch&) = delete;
   Scratch& operator=(const Scratch&) = delete;
