@@ -113,6 +113,13 @@ struct SpaceInfo {
   std::uint32_t clusterBytes = 0;
 };
 
+// The room in which a folder keeps names, and in which those of entries that were renamed or removed stay
+// until others come to stand there.
+struct NameRoom {
+  std::uint64_t bytes = 0;     // 0: the names lie in the folder's own record
+  bool growsWhenFull = false;  // and `bytes` then tell
+};
+
 // An open folder. While it is open nobody can put another folder, or a link, in its place: everything
 // reached through it is inside it.
 class Folder {
@@ -146,6 +153,12 @@ class Folder {
   virtual Status Flush() = 0;
 
   virtual Status Space(SpaceInfo& space) = 0;
+
+  // False where the file system clears a name when its entry goes, or it isn't known.
+  virtual bool RoomForNames(NameRoom& room) {
+    room = {};
+    return false;
+  }
 };
 
 // Reads and writes that are under way together. Every one that was begun ends by a Wait; neither its file
@@ -210,7 +223,7 @@ class Device {
 
   // After entries of `folder`, or of folders in it, are gone for good: clears what the file system keeps of
   // them in places of its own, such as a journal. What can't be done, but puts no content at risk, is told
-  // in `note`, as a sentence. A failure is that content may be left.
+  // in `note`, as a sentence, unless it holds one. A failure is that content may be left.
   virtual Status ClearTraces(Folder& folder, std::string& note);
 };
 

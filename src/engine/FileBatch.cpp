@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "engine/NameCover.h"
+
 namespace zq::engine {
 namespace {
 
@@ -175,9 +177,15 @@ void FileBatch::CheckTransfers() {
 // All names are replaced before any of it is made durable: each flush between would put one more copy of
 // the folder, with the names that are still in it, into the file system's journal.
 void FileBatch::Erase() {
+  NameCover cover(operation_);
+  for (const auto& item : items_) {
+    if (!item->failed) cover.Add(*item->place->folder);
+  }
+  cover.FillBlocks();
   for (const auto& item : items_) {
     Try(*item, [&] { item->file ? item->file->Hide() : HideLink(*item); });
   }
+  cover.FillGaps();
   FlushNames();
   for (const auto& item : items_) {
     Try(*item, [&] {
@@ -190,6 +198,7 @@ void FileBatch::Erase() {
       hasRemoved_ = true;
     });
   }
+  cover.Remove();
   FlushPlaces(false);
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/NameCover.h"
+
 namespace zq::engine {
 namespace {
 
@@ -31,6 +33,7 @@ void FolderWipe::Run(const std::string& path) {
   Folder* const left = top->folder ? top->folder.get() : above_.get();
   if (left == nullptr || (!batch_.HasRemoved() && top->folder)) return;
   try {
+    CoverNames(operation_, *left, path);
     operation_.ClearTraces(*left, path);
   } catch (const Failure& failure) {
     Note(failure);
@@ -61,6 +64,7 @@ void FolderWipe::Enter(std::unique_ptr<Folder> folder, std::string name, std::st
   level->path = std::move(path);
   if (!levels_.empty()) level->parent = levels_.back();
   Require(level->folder->List(level->entries), "Listing", level->path);
+  level->hadEntries = !level->entries.empty();
   levels_.push_back(std::move(level));
 }
 
@@ -98,16 +102,24 @@ void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) 
 
 void FolderWipe::RemoveLeftFolders() {
   const std::vector<std::shared_ptr<Level>> left = std::exchange(left_, {});
-  if (!selection_.removeFolders) return;
-  for (const auto& level : left) CheckRemovable(*level);
+  if (selection_.removeFolders) {
+    for (const auto& level : left) CheckRemovable(*level);
+  }
+  NameRoom room;
+  const bool keepsNames = std::any_of(left.begin(), left.end(),
+                                      [&](const auto& level) { return level->folder->RoomForNames(room); });
+  if (!selection_.removeFolders) {
+    if (keepsNames) CoverFolders(left);
+    return;
+  }
   // The removals in them go to the device before they do: freed in one go with them, a folder's block would
   // keep the old names.
-  FlushFolders(left, false);
-  if (operation_.device.RenamesOpenFolders()) {
+  if (!keepsNames) FlushFolders(left, false);
+  if (operation_.device.RenamesOpenFolders() && !keepsNames) {
     RemoveFolders(left);
     return;
   }
-  // Elsewhere a folder can't be renamed before those in it are gone.
+  // Elsewhere a folder can't be renamed, or has names of its own to be covered, before those in it are gone.
   std::size_t highest = 0;
   for (const auto& level : left) {
     if (level->parent) level->parent->height = std::max(level->parent->height, level->height + 1);
@@ -117,8 +129,19 @@ void FolderWipe::RemoveLeftFolders() {
     std::vector<std::shared_ptr<Level>> group;
     std::copy_if(left.begin(), left.end(), std::back_inserter(group),
                  [height](const auto& level) { return level->height == height; });
+    if (keepsNames) CoverFolders(group);
     RemoveFolders(group);
   }
+}
+
+// Covers the names that were in the folders themselves.
+void FolderWipe::CoverFolders(std::span<const std::shared_ptr<Level>> levels) {
+  NameCover cover(operation_);
+  for (const auto& level : levels) {
+    if (level->hadEntries && level->folder) cover.Add(*level->folder);
+  }
+  cover.FillRecords();
+  FlushFolders(levels, false);
 }
 
 void FolderWipe::CheckRemovable(Level& level) {
@@ -137,6 +160,11 @@ void FolderWipe::CheckRemovable(Level& level) {
 
 // All are renamed, that is made durable, and only then are they removed: as with the names of files.
 void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
+  NameCover cover(operation_);
+  for (const auto& level : levels) {
+    if (!level->somethingStays) cover.Add(*FolderAbove(*level));
+  }
+  cover.FillBlocks();
   for (const auto& level : levels) {
     if (!level->somethingStays) {
       try {
@@ -154,6 +182,7 @@ void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
     }
     if (level->somethingStays && level->parent) level->parent->somethingStays = true;
   }
+  cover.FillGaps();
   FlushFolders(levels, true);
   for (const auto& level : levels) {
     const std::string path = level->path + " (now named " + level->self.name + ')';
@@ -171,6 +200,7 @@ void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
     }
     if (level->somethingStays && level->parent) level->parent->somethingStays = true;
   }
+  cover.Remove();
   FlushFolders(levels, true);
 }
 

@@ -45,6 +45,7 @@ class FolderWipe {
     std::string name;  // and what the user calls it
     std::vector<Entry> entries;
     std::size_t next = 0;
+    bool hadEntries = false;
     std::size_t height = 0;  // how many levels of folders to be removed it has beneath it
   };
 
@@ -55,6 +56,7 @@ class FolderWipe {
   // What the walk has left waits here for its files, which are in the batch, and is removed together.
   void RemoveLeftFolders();
   void CheckRemovable(Level& level);
+  void CoverFolders(std::span<const std::shared_ptr<Level>> levels);
   void RemoveFolders(std::span<const std::shared_ptr<Level>> levels);
   Folder* FolderAbove(const Level& level) const {
     return level.parent ? level.parent->folder.get() : above_.get();

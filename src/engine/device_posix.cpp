@@ -23,6 +23,7 @@
 
 #include "engine/Device.h"
 #include "engine/uring_posix.h"
+#include "engine/xfs_posix.h"
 
 namespace zq::engine {
 namespace {
@@ -111,6 +112,20 @@ constexpr std::int64_t kOneDeviceFileSystems[] = {
     0x7366746E,  // NTFS, by the kernel's own driver
 };
 
+constexpr std::int64_t kFuseMagic = 0x65735546;
+
+// File systems that leave a name where it stood in its folder when the entry goes. ext4 clears it.
+struct NamesStay {
+  std::int64_t magic;
+  bool folderGrowsWhenFull;
+};
+constexpr NamesStay kNamesStay[] = {
+    {kXfsMagic, true},   {0x4D44, true},  // FAT
+    {0x2011BAB0, true},                   // exFAT
+    {0x7366746E, false},                  // NTFS, whose index of names has room that no length tells
+    {kFuseMagic, false},                  // on a device: NTFS by ntfs-3g, mostly
+};
+
 // What is the same for all files of a mounted file system.
 struct Volume {
   dev_t device = 0;
@@ -123,9 +138,11 @@ struct Volume {
   bool isOrdered = false;
   bool journalsData = false;     // content goes through the journal, too
   bool mayClearJournal = false;  // an ext4 that we are allowed to
+  const NamesStay* namesStay = nullptr;
 
   bool HasOneFlush() const { return oneFlushForAll; }
   bool IsOrdered() const { return isOrdered; }
+  bool IsXfs() const { return magic == kXfsMagic; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
 };
 
@@ -184,6 +201,11 @@ Status LookAtVolume(int fd, dev_t device, Volume& volume) {
   volume.oneFlushForAll = std::find(std::begin(kOneDeviceFileSystems), std::end(kOneDeviceFileSystems),
                                     volume.magic) != std::end(kOneDeviceFileSystems);
   volume.isOrdered = volume.magic == kXfsMagic || (volume.magic == kExtMagic && HasJournal(device));
+  volume.namesStay = nullptr;
+  for (const NamesStay& one : kNamesStay) {
+    // A network by FUSE has no device, and each filler would take its time.
+    if (one.magic == volume.magic && (one.magic != kFuseMagic || major(device) != 0)) volume.namesStay = &one;
+  }
   if (volume.magic == kExtMagic && volume.isOrdered) {
     volume.mayClearJournal = Checkpoint(fd, kZeroOut | kDryRun);
     volume.journalsData = JournalsData(device);
@@ -531,6 +553,18 @@ class PosixFolder final : public Folder {
     return {};
   }
 
+  bool RoomForNames(NameRoom& room) override {
+    room = {};
+    struct stat facts {};
+    if (volume_.namesStay == nullptr || ::fstat(fd_.Get(), &facts) != 0) return false;
+    room.growsWhenFull = volume_.namesStay->folderGrowsWhenFull;
+    room.bytes = static_cast<std::uint64_t>(facts.st_size);
+    // A length that is no number of blocks is that of names in the inode.
+    if (volume_.magic == kXfsMagic && facts.st_size < facts.st_blksize && facts.st_blocks == 0)
+      room.bytes = 0;
+    return true;
+  }
+
  private:
   static Status CheckRegular(const struct stat& facts) {
     switch (KindOfMode(facts.st_mode)) {
@@ -645,6 +679,9 @@ class PosixQueue final : public TransferQueue {
 
 class PosixDevice final : public Device {
  public:
+  // Longer ones take seconds to come round.
+  static constexpr std::uint64_t kMostLogBytes = std::uint64_t{64} << 20;
+
   explicit PosixDevice(const DeviceOptions& options) : options_(options) {}
 
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override {
@@ -714,6 +751,10 @@ class PosixDevice final : public Device {
 
   void FlushEntries(std::span<File* const> files, std::span<Status> outcomes) override {
     FlushMetadata<PosixFile>(files, outcomes, [](PosixFile& file) { return file.FlushEntry(); });
+    OnceForEachVolume<PosixFile>(files, outcomes, &Volume::IsXfs, [](PosixFile& file) {
+      XfsWriteHome(file.Fd(), file.OnVolume().device);
+      return Status{};
+    });
   }
 
   void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes) override {
@@ -724,18 +765,31 @@ class PosixDevice final : public Device {
       if (status.Ok() && folder.OnVolume().mayClearJournal) Checkpoint(folder.Fd(), 0);
       return status;
     });
+    OnceForEachVolume<PosixFolder>(folders, outcomes, &Volume::IsXfs, [](PosixFolder& folder) {
+      XfsWriteHome(folder.Fd(), folder.OnVolume().device);
+      return Status{};
+    });
   }
 
   // The journal holds the names, and with data in it the content too, until it has come round.
   Status ClearTraces(Folder& folder, std::string& note) override {
-    note.clear();
     auto& posix = static_cast<PosixFolder&>(folder);
     const Volume& volume = posix.OnVolume();
+    if (volume.magic == kXfsMagic) {
+      const bool home = XfsWriteHome(posix.Fd(), volume.device);
+      const bool cycled = XfsCycleLog(posix.Fd(), volume.device, kMostLogBytes);
+      if ((!home || !cycled) && note.empty()) {
+        note =
+            "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
+      }
+      return {};
+    }
     if (volume.magic != kExtMagic || !volume.isOrdered) return {};
     if (volume.mayClearJournal) {
       if (Checkpoint(posix.Fd(), kZeroOut)) return {};
       if (volume.journalsData) return LastError();
     }
+    if (!note.empty()) return {};
     note =
         "The names of what was wiped may stay in the file system's journal for a while, which only an "
         "administrator may clear.";

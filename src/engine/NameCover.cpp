@@ -1,0 +1,105 @@
+#include "engine/NameCover.h"
+
+#include <algorithm>
+
+namespace zq::engine {
+namespace {
+
+constexpr std::uint64_t kBlockBytes = 4096;
+// More than this of one folder isn't filled: it would take longer than the wipe of a few files in it.
+constexpr std::uint64_t kMostBytes = 16 * kBlockBytes;
+
+// How many fillers at most are made of one length. What a name takes besides its characters is the least that
+// any file system asks for; where a folder's growth tells that it is full, that ends the filling sooner.
+std::size_t MostFillers(const NameRoom& room, std::size_t length) {
+  const std::uint64_t bytes = std::clamp(room.bytes, kBlockBytes, kMostBytes);
+  if (room.growsWhenFull) return static_cast<std::size_t>(bytes / (length + 8)) + 4;
+  // A name takes two bytes a character and some 80 more. Those of the least length make up what is missing.
+  constexpr std::size_t kFew = 8;
+  if (length > 100) return static_cast<std::size_t>(bytes / (2 * length + 82)) + 2;
+  return length > 20 ? kFew : 3 * kFew;
+}
+
+}  // namespace
+
+void NameCover::Add(Folder& folder) {
+  // Entries come in the order of the walk, the same folder in runs.
+  const auto isIt = [&folder](const auto& filled) { return &filled->folder == &folder; };
+  if (std::any_of(folders_.rbegin(), folders_.rend(), isIt)) return;
+  NameRoom room;
+  if (!folder.RoomForNames(room)) return;
+  folders_.push_back(std::make_unique<Filled>(Filled{folder, {}}));
+}
+
+void NameCover::Fill(std::initializer_list<std::size_t> lengths, bool record) {
+  for (const auto& filled : folders_) {
+    for (const std::size_t length : lengths) Fill(*filled, length, record);
+  }
+}
+
+void NameCover::Fill(Filled& filled, std::size_t length, bool record) {
+  NameRoom room;
+  if (filled.failed || !filled.folder.RoomForNames(room)) return;
+  const std::size_t most = MostFillers(room, length);
+  // Names that lie in the record go on into a block; that is wanted unless it is the record to be filled.
+  const std::uint64_t full = record ? room.bytes : std::max(room.bytes, kBlockBytes);
+  for (std::size_t count = 0; count < most; ++count) {
+    if (!AddFiller(filled, length)) return;
+    NameRoom now;
+    if (!room.growsWhenFull || !filled.folder.RoomForNames(now) || now.bytes <= full) continue;
+    // This one lies in new room, which isn't wanted. Now those of the next length, in smaller gaps.
+    if (filled.folder.Remove({filled.names.back(), EntryKind::File}).Ok()) filled.names.pop_back();
+    return;
+  }
+}
+
+bool NameCover::AddFiller(Filled& filled, std::size_t length) {
+  std::unique_ptr<File> file;
+  Status status{Trouble::Exists, 0, {}};
+  for (int attempt = 0; attempt < 4 && status.trouble == Trouble::Exists; ++attempt) {
+    filled.names.push_back(operation_.RandomName(length));
+    status = filled.folder.AddFile(filled.names.back(), Access::Cached, file);
+    if (!status.Ok()) filled.names.pop_back();
+  }
+  if (status.Ok()) return true;
+  filled.failed = true;
+  Tell("The names of what was wiped may still stand in a folder, where they could not be covered by others.");
+  return false;
+}
+
+void NameCover::Remove() noexcept {
+  for (const auto& filled : folders_) {
+    for (const std::string& name : filled->names) {
+      try {
+        if (!filled->folder.Remove({name, EntryKind::File}).Ok()) {
+          Tell("An empty file that was made to cover the names of what was wiped could not be removed.");
+        }
+      } catch (const std::bad_alloc&) {
+        // It stays, and so does its folder, which tells.
+      }
+    }
+    filled->names.clear();
+  }
+}
+
+void NameCover::Tell(const char* note) noexcept {
+  try {
+    if (operation_.note.empty()) operation_.note = note;
+  } catch (const std::bad_alloc&) {
+    // The wipe itself goes on.
+  }
+}
+
+void CoverNames(Operation& operation, Folder& folder, const std::string& path) {
+  NameRoom room;
+  if (!folder.RoomForNames(room)) return;
+  NameCover cover(operation);
+  cover.Add(folder);
+  cover.FillRecords();
+  Folder* const folders[] = {&folder};
+  Status outcomes[1];
+  operation.device.FlushFolders(folders, outcomes);
+  Require(outcomes[0], "Flushing the folder of", path);
+}
+
+}  // namespace zq::engine

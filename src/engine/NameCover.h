@@ -1,0 +1,60 @@
+// Covers names where a file system leaves them: in the room of a folder's blocks from which they were
+// removed.
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/Operation.h"
+
+namespace zq::engine {
+
+// Fills that room, in one or several folders, with empty files of random names, which are removed when all of
+// it is on the device. Where a folder has no such room (Folder::RoomForNames) nothing is made. A filler that
+// can't be made is no failure of the wipe: Operation::note tells it.
+class NameCover {
+ public:
+  explicit NameCover(Operation& operation) : operation_(operation) {}
+  NameCover(const NameCover&) = delete;
+  NameCover& operator=(const NameCover&) = delete;
+  ~NameCover() { Remove(); }
+
+  // Takes a folder in, which must stay open. The same one again changes nothing.
+  void Add(Folder& folder);
+
+  // Before entries are renamed: the folder neither shrinks meanwhile, which would free a block with the old
+  // names, nor has it much room for the new names but that of the old ones.
+  void FillBlocks() { Fill({kLongestName}, false); }
+  // After: what the old names have left between others.
+  void FillGaps() { Fill({120, 60, 30, 12}, false); }
+  // When entries are gone, and a folder of few names may lie in its own record, with the old ones behind
+  // them.
+  void FillRecords() { Fill({60, 12}, true); }
+
+  void Remove() noexcept;
+
+ private:
+  static constexpr std::size_t kLongestName = 250;
+
+  struct Filled {
+    Folder& folder;
+    std::vector<std::string> names;
+    bool failed = false;
+  };
+
+  void Fill(std::initializer_list<std::size_t> lengths, bool record);
+  void Fill(Filled& filled, std::size_t length, bool record);
+  bool AddFiller(Filled& filled, std::size_t length);
+  void Tell(const char* note) noexcept;
+
+  Operation& operation_;
+  std::vector<std::unique_ptr<Filled>> folders_;
+};
+
+// Covers the names of what was removed from `folder`, which stays, and makes that durable. Throws Failure.
+void CoverNames(Operation& operation, Folder& folder, const std::string& path);
+
+}  // namespace zq::engine
