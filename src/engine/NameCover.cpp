@@ -5,6 +5,7 @@
 namespace zq::engine {
 namespace {
 
+constexpr std::size_t kLongestName = 250;
 constexpr std::uint64_t kBlockBytes = 4096;
 // More than this of one folder isn't filled: it would take longer than the wipe of a few files in it.
 constexpr std::uint64_t kMostBytes = 16 * kBlockBytes;
@@ -14,10 +15,9 @@ constexpr std::uint64_t kMostBytes = 16 * kBlockBytes;
 std::size_t MostFillers(const NameRoom& room, std::size_t length) {
   const std::uint64_t bytes = std::clamp(room.bytes, kBlockBytes, kMostBytes);
   if (room.growsWhenFull) return static_cast<std::size_t>(bytes / (length + 8)) + 4;
-  // A name takes two bytes a character and some 80 more. Those of the least length make up what is missing.
-  constexpr std::size_t kFew = 8;
-  if (length > 100) return static_cast<std::size_t>(bytes / (2 * length + 82)) + 2;
-  return length > 20 ? kFew : 3 * kFew;
+  // Blocks of a tree that splits a full one and leaves the halves half full. A block is filled by seven of
+  // the longest; as many again, since nobody knows into which of the blocks they go.
+  return static_cast<std::size_t>(bytes / kBlockBytes) * 16;
 }
 
 }  // namespace
@@ -28,12 +28,30 @@ void NameCover::Add(Folder& folder) {
   if (std::any_of(folders_.rbegin(), folders_.rend(), isIt)) return;
   NameRoom room;
   if (!folder.RoomForNames(room)) return;
-  folders_.push_back(std::make_unique<Filled>(Filled{folder, {}}));
+  folders_.push_back(std::make_unique<Filled>(Filled{folder, room.growsWhenFull, {}}));
 }
 
-void NameCover::Fill(std::initializer_list<std::size_t> lengths, bool record) {
+void NameCover::FillBlocks() {
   for (const auto& filled : folders_) {
-    for (const std::size_t length : lengths) Fill(*filled, length, record);
+    if (filled->growsWhenFull) Fill(*filled, kLongestName, false);
+  }
+}
+
+void NameCover::FillGaps() {
+  for (const auto& filled : folders_) {
+    if (filled->growsWhenFull) {
+      for (const std::size_t length : {120, 60, 30, 12}) Fill(*filled, length, false);
+    }
+  }
+}
+
+void NameCover::FillRecords() {
+  for (const auto& filled : folders_) {
+    if (filled->growsWhenFull) {
+      for (const std::size_t length : {60, 12}) Fill(*filled, length, true);
+    } else {
+      for (const std::size_t length : {12, 30, 100}) Fill(*filled, length, true);
+    }
   }
 }
 

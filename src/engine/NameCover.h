@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,25 +26,23 @@ class NameCover {
 
   // Before entries are renamed: the folder neither shrinks meanwhile, which would free a block with the old
   // names, nor has it much room for the new names but that of the old ones.
-  void FillBlocks() { Fill({kLongestName}, false); }
+  void FillBlocks();
   // After: what the old names have left between others.
-  void FillGaps() { Fill({120, 60, 30, 12}, false); }
+  void FillGaps();
   // When entries are gone, and a folder of few names may lie in its own record, with the old ones behind
   // them.
-  void FillRecords() { Fill({60, 12}, true); }
+  void FillRecords();
 
   void Remove() noexcept;
 
  private:
-  static constexpr std::size_t kLongestName = 250;
-
   struct Filled {
     Folder& folder;
+    bool growsWhenFull;
     std::vector<std::string> names;
     bool failed = false;
   };
 
-  void Fill(std::initializer_list<std::size_t> lengths, bool record);
   void Fill(Filled& filled, std::size_t length, bool record);
   bool AddFiller(Filled& filled, std::size_t length);
   void Tell(const char* note) noexcept;
