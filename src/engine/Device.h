@@ -116,8 +116,15 @@ struct SpaceInfo {
 // The room in which a folder keeps names, and in which those of entries that were renamed or removed stay
 // until others come to stand there.
 struct NameRoom {
-  std::uint64_t bytes = 0;     // 0: the names lie in the folder's own record
-  bool growsWhenFull = false;  // and `bytes` then tell
+  enum class Kind {
+    Slots,   // one after the other; the folder grows when it is full, and never shrinks (FAT)
+    Blocks,  // the same, but blocks that aren't needed any more are freed as they are (xfs)
+    Tree,    // sorted, so that nobody knows where the next one goes (NTFS)
+  };
+  Kind kind = Kind::Slots;
+  std::uint64_t bytes = 0;  // 0: the names lie in the folder's own record
+
+  bool GrowsWhenFull() const { return kind != Kind::Tree; }
 };
 
 // An open folder. While it is open nobody can put another folder, or a link, in its place: everything

@@ -14,9 +14,9 @@ constexpr std::uint64_t kMostBytes = 16 * kBlockBytes;
 // any file system asks for; where a folder's growth tells that it is full, that ends the filling sooner.
 std::size_t MostFillers(const NameRoom& room, std::size_t length) {
   const std::uint64_t bytes = std::clamp(room.bytes, kBlockBytes, kMostBytes);
-  if (room.growsWhenFull) return static_cast<std::size_t>(bytes / (length + 8)) + 4;
-  // Blocks of a tree that splits a full one and leaves the halves half full. A block is filled by seven of
-  // the longest; as many again, since nobody knows into which of the blocks they go.
+  if (room.GrowsWhenFull()) return static_cast<std::size_t>(bytes / (length + 8)) + 4;
+  // Enough to fill a block and to split it, in whatever order they come to stand: a tree that was emptied
+  // grows again through the same record and blocks.
   return static_cast<std::size_t>(bytes / kBlockBytes) * 16;
 }
 
@@ -28,29 +28,28 @@ void NameCover::Add(Folder& folder) {
   if (std::any_of(folders_.rbegin(), folders_.rend(), isIt)) return;
   NameRoom room;
   if (!folder.RoomForNames(room)) return;
-  folders_.push_back(std::make_unique<Filled>(Filled{folder, room.growsWhenFull, {}}));
+  folders_.push_back(std::make_unique<Filled>(Filled{folder, room.kind, {}}));
 }
 
 void NameCover::FillBlocks() {
   for (const auto& filled : folders_) {
-    if (filled->growsWhenFull) Fill(*filled, kLongestName, false);
+    if (filled->kind == NameRoom::Kind::Blocks) Fill(*filled, kLongestName, false);
   }
 }
 
 void NameCover::FillGaps() {
   for (const auto& filled : folders_) {
-    if (filled->growsWhenFull) {
-      for (const std::size_t length : {120, 60, 30, 12}) Fill(*filled, length, false);
-    }
+    if (filled->kind == NameRoom::Kind::Tree) continue;
+    for (const std::size_t length : {120, 60, 30, 12}) Fill(*filled, length, false);
   }
 }
 
 void NameCover::FillRecords() {
   for (const auto& filled : folders_) {
-    if (filled->growsWhenFull) {
-      for (const std::size_t length : {60, 12}) Fill(*filled, length, true);
-    } else {
+    if (filled->kind == NameRoom::Kind::Tree) {
       for (const std::size_t length : {12, 30, 100}) Fill(*filled, length, true);
+    } else {
+      for (const std::size_t length : {60, 12}) Fill(*filled, length, true);
     }
   }
 }
@@ -62,16 +61,26 @@ void NameCover::Fill(Filled& filled, std::size_t length, bool record) {
   // Names that lie in the record go on into a block; that is wanted unless it is the record to be filled.
   const std::uint64_t full = record ? room.bytes : std::max(room.bytes, kBlockBytes);
   for (std::size_t count = 0; count < most; ++count) {
-    if (!AddFiller(filled, length)) return;
+    const Status status = AddFiller(filled, length);
+    if (!status.Ok() && status.trouble != Trouble::NoSpace) {
+      filled.failed = true;
+      Tell("Names of what was wiped may still stand in a folder, where they could not be covered by others.");
+      return;
+    }
     NameRoom now;
-    if (!room.growsWhenFull || !filled.folder.RoomForNames(now) || now.bytes <= full) continue;
-    // This one lies in new room, which isn't wanted. Now those of the next length, in smaller gaps.
-    if (filled.folder.Remove({filled.names.back(), EntryKind::File}).Ok()) filled.names.pop_back();
+    const bool isFull =
+        !status.Ok() || (room.GrowsWhenFull() && filled.folder.RoomForNames(now) && now.bytes > full);
+    if (!isFull) continue;
+    // The last one lies in new room, which isn't wanted, or has taken what a renaming needs. Now those of the
+    // next length, in smaller gaps.
+    if (!filled.names.empty() && filled.folder.Remove({filled.names.back(), EntryKind::File}).Ok()) {
+      filled.names.pop_back();
+    }
     return;
   }
 }
 
-bool NameCover::AddFiller(Filled& filled, std::size_t length) {
+Status NameCover::AddFiller(Filled& filled, std::size_t length) {
   std::unique_ptr<File> file;
   Status status{Trouble::Exists, 0, {}};
   for (int attempt = 0; attempt < 4 && status.trouble == Trouble::Exists; ++attempt) {
@@ -79,10 +88,7 @@ bool NameCover::AddFiller(Filled& filled, std::size_t length) {
     status = filled.folder.AddFile(filled.names.back(), Access::Cached, file);
     if (!status.Ok()) filled.names.pop_back();
   }
-  if (status.Ok()) return true;
-  filled.failed = true;
-  Tell("The names of what was wiped may still stand in a folder, where they could not be covered by others.");
-  return false;
+  return status;
 }
 
 void NameCover::Remove() noexcept {

@@ -38,13 +38,13 @@ class NameCover {
  private:
   struct Filled {
     Folder& folder;
-    bool growsWhenFull;
+    NameRoom::Kind kind;
     std::vector<std::string> names;
     bool failed = false;
   };
 
   void Fill(Filled& filled, std::size_t length, bool record);
-  bool AddFiller(Filled& filled, std::size_t length);
+  Status AddFiller(Filled& filled, std::size_t length);
   void Tell(const char* note) noexcept;
 
   Operation& operation_;

@@ -117,13 +117,13 @@ constexpr std::int64_t kFuseMagic = 0x65735546;
 // File systems that leave a name where it stood in its folder when the entry goes. ext4 clears it.
 struct NamesStay {
   std::int64_t magic;
-  bool folderGrowsWhenFull;
+  NameRoom::Kind kind;
 };
 constexpr NamesStay kNamesStay[] = {
-    {kXfsMagic, true},   {0x4D44, true},  // FAT
-    {0x2011BAB0, true},                   // exFAT
-    {0x7366746E, false},                  // NTFS, whose index of names has room that no length tells
-    {kFuseMagic, false},                  // on a device: NTFS by ntfs-3g, mostly
+    {kXfsMagic, NameRoom::Kind::Blocks}, {0x4D44, NameRoom::Kind::Slots},  // FAT
+    {0x2011BAB0, NameRoom::Kind::Slots},                                   // exFAT
+    {0x7366746E, NameRoom::Kind::Tree},                                    // NTFS, by the kernel's own driver
+    {kFuseMagic, NameRoom::Kind::Tree},  // on a device: NTFS by ntfs-3g, mostly
 };
 
 // What is the same for all files of a mounted file system.
@@ -557,7 +557,7 @@ class PosixFolder final : public Folder {
     room = {};
     struct stat facts {};
     if (volume_.namesStay == nullptr || ::fstat(fd_.Get(), &facts) != 0) return false;
-    room.growsWhenFull = volume_.namesStay->folderGrowsWhenFull;
+    room.kind = volume_.namesStay->kind;
     room.bytes = static_cast<std::uint64_t>(facts.st_size);
     // A length that is no number of blocks is that of names in the inode.
     if (volume_.magic == kXfsMagic && facts.st_size < facts.st_blksize && facts.st_blocks == 0)
