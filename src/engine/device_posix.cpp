@@ -22,8 +22,8 @@
 #include <utility>
 
 #include "engine/Device.h"
+#include "engine/journal_posix.h"
 #include "engine/uring_posix.h"
-#include "engine/xfs_posix.h"
 
 namespace zq::engine {
 namespace {
@@ -143,6 +143,7 @@ struct Volume {
   bool HasOneFlush() const { return oneFlushForAll; }
   bool IsOrdered() const { return isOrdered; }
   bool IsXfs() const { return magic == kXfsMagic; }
+  bool IsJournaledExt() const { return magic == kExtMagic && isOrdered; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
 };
 
@@ -679,9 +680,6 @@ class PosixQueue final : public TransferQueue {
 
 class PosixDevice final : public Device {
  public:
-  // Longer ones take seconds to come round.
-  static constexpr std::uint64_t kMostLogBytes = std::uint64_t{64} << 20;
-
   explicit PosixDevice(const DeviceOptions& options) : options_(options) {}
 
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override {
@@ -761,8 +759,8 @@ class PosixDevice final : public Device {
     FlushMetadata<PosixFolder>(folders, outcomes, [](PosixFolder& folder) {
       Status status = folder.Flush();
       // The folder's own block has to be written before it may be freed: once it is free, the journal forgets
-      // the change, and the block keeps the old names. Done where it is allowed.
-      if (status.Ok() && folder.OnVolume().mayClearJournal) Checkpoint(folder.Fd(), 0);
+      // the change, and the block keeps the old names.
+      if (status.Ok() && folder.OnVolume().IsJournaledExt()) WriteHome(folder);
       return status;
     });
     OnceForEachVolume<PosixFolder>(folders, outcomes, &Volume::IsXfs, [](PosixFolder& folder) {
@@ -777,7 +775,7 @@ class PosixDevice final : public Device {
     const Volume& volume = posix.OnVolume();
     if (volume.magic == kXfsMagic) {
       const bool home = XfsWriteHome(posix.Fd(), volume.device);
-      const bool cycled = XfsCycleLog(posix.Fd(), volume.device, kMostLogBytes);
+      const bool cycled = XfsCycleLog(posix.Fd(), volume.device);
       if ((!home || !cycled) && note.empty()) {
         note =
             "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
@@ -789,6 +787,7 @@ class PosixDevice final : public Device {
       if (Checkpoint(posix.Fd(), kZeroOut)) return {};
       if (volume.journalsData) return LastError();
     }
+    Ext4FillJournal(posix.Fd());
     if (!note.empty()) return {};
     note =
         "The names of what was wiped may stay in the file system's journal for a while, which only an "
@@ -797,6 +796,12 @@ class PosixDevice final : public Device {
   }
 
  private:
+  // Where the checkpoint isn't allowed, the changes of others have to be written too.
+  static void WriteHome(PosixFolder& folder) {
+    if (folder.OnVolume().mayClearJournal && Checkpoint(folder.Fd(), 0)) return;
+    if (LittleIsUnwritten()) Retry([&folder] { return ::syncfs(folder.Fd()); });
+  }
+
   // What is true of names, lengths and dates for files and folders alike. Without an order among them each
   // has to be flushed, or with many of them the whole file system, which has to write what others have
   // changed too, but does it in one go.

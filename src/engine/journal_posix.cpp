@@ -1,24 +1,27 @@
-#include "engine/xfs_posix.h"
+#include "engine/journal_posix.h"
 
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <climits>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <optional>
+#include <span>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "engine/SeedSource.h"
 
@@ -71,17 +74,23 @@ std::optional<LogHead> ReadLogHead(dev_t device) {
   return head;
 }
 
-// Files with an extended attribute of about a block each. Written anew each time they go through the log, and
-// unlike a file's content they do.
-class LogFiller {
+// What is written into a journal to fill it is bounded in both, since nobody can cancel meanwhile.
+constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
+constexpr std::chrono::seconds kMostTime{2};
+
+// Files with an extended attribute of most of a block. Each time it is written anew it goes through the
+// journal, and unlike a file's content it does.
+class JournalFiller {
  public:
   static constexpr std::size_t kFiles = 64;
+  // xfs keeps larger ones outside, and those don't go through the log.
   static constexpr std::size_t kValueBytes = 2500;
+  static constexpr std::size_t kRoundBytes = kFiles * kValueBytes;
 
-  explicit LogFiller(int folderFd) : folderFd_(folderFd) {}
-  LogFiller(const LogFiller&) = delete;
-  LogFiller& operator=(const LogFiller&) = delete;
-  ~LogFiller() {
+  explicit JournalFiller(int folderFd) : folderFd_(folderFd) {}
+  JournalFiller(const JournalFiller&) = delete;
+  JournalFiller& operator=(const JournalFiller&) = delete;
+  ~JournalFiller() {
     for (std::size_t i = 0; i < count_; ++i) {
       ::unlinkat(folderFd_, names_[i].data(), 0);
       ::close(fds_[i]);
@@ -93,38 +102,64 @@ class LogFiller {
     while (count_ < kFiles) {
       std::array<unsigned char, 12> random{};
       if (!seeds.Fill(std::as_writable_bytes(std::span(random))).Ok()) return false;
-      std::string name;
+      std::string& name = names_[count_];
       for (const unsigned char byte : random) name += "0123456789bcdefghijklmpqrsvwxyz_"[byte & 31];
-      names_[count_] = std::move(name);
-      fds_[count_] = ::openat(folderFd_, names_[count_].data(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+      fds_[count_] = ::openat(folderFd_, name.data(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
       if (fds_[count_] < 0) return false;
       ++count_;
     }
     return true;
   }
 
-  // Fills the log once more and makes that durable.
+  // Writes one round and makes it durable. False once something fails or the time is over.
   bool Write() {
-    ++value_[0];
+    if (std::chrono::steady_clock::now() - started_ > kMostTime) return false;
     for (const int fd : fds_) {
+      // No two are the same, or ext4 would keep them in one block.
+      ++number_;
+      std::copy_n(reinterpret_cast<const char*>(&number_), sizeof number_, value_.begin());
       if (::fsetxattr(fd, "user.filler", value_.data(), value_.size(), 0) != 0) return false;
     }
     return ::fsync(fds_.back()) == 0;
   }
 
  private:
+  const std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
   int folderFd_;
   std::size_t count_ = 0;
   std::array<std::string, kFiles> names_;
   std::array<int, kFiles> fds_{};
+  std::uint64_t number_ = 0;
   std::array<char, kValueBytes> value_{};
 };
 
+// The journal that mke2fs makes in a file system of so many bytes, or more than kMostBytes.
+std::uint64_t UsualJournalBytes(std::uint64_t bytes) {
+  constexpr std::uint64_t kMiB = std::uint64_t{1} << 20;
+  if (bytes < 128 * kMiB) return 4 * kMiB;
+  if (bytes < 1024 * kMiB) return 16 * kMiB;
+  if (bytes < 2048 * kMiB) return 32 * kMiB;
+  if (bytes < 16384 * kMiB) return 64 * kMiB;
+  return 128 * kMiB;
+}
+
 }  // namespace
+
+bool LittleIsUnwritten() {
+  constexpr std::uint64_t kLittleKilobytes = 256 << 10;
+  std::ifstream facts("/proc/meminfo");
+  std::uint64_t unwritten = 0;
+  for (std::string line; std::getline(facts, line);) {
+    if (line.rfind("Dirty:", 0) != 0 && line.rfind("Writeback:", 0) != 0) continue;
+    unwritten += std::strtoull(line.c_str() + line.find(':') + 1, nullptr, 10);
+  }
+  return unwritten < kLittleKilobytes;
+}
 
 bool XfsWriteHome(int fd, dev_t device) {
   struct stat root {};
   if (::geteuid() != 0 || ::stat("/", &root) != 0 || root.st_dev == device) return false;
+  if (!LittleIsUnwritten()) return false;
 
   // A file system that stays frozen stops all who write to it. Therefore a process of its own freezes and
   // thaws it, which no signal reaches that is meant for this one or its terminal, and which makes no other
@@ -151,17 +186,17 @@ bool XfsWriteHome(int fd, dev_t device) {
   return child > 0 && WIFEXITED(outcome) && WEXITSTATUS(outcome) == 0;
 }
 
-bool XfsCycleLog(int fd, dev_t device, std::uint64_t mostBytes) {
+bool XfsCycleLog(int fd, dev_t device) {
   XfsGeometry geometry{};
   if (::ioctl(fd, kGeometry, &geometry) != 0) return false;
   const std::uint64_t logBytes = std::uint64_t{geometry.logBlocks} * geometry.blockBytes;
   const std::optional<LogHead> start = ReadLogHead(device);
-  if (!start || logBytes == 0 || logBytes > mostBytes) return false;
+  if (!start || logBytes == 0 || logBytes > kMostBytes) return false;
 
-  LogFiller filler(fd);
+  JournalFiller filler(fd);
   if (!filler.Make()) return false;
   // Each round logs at least the values; twice the log has to be enough, unless others hold it up.
-  const std::uint64_t mostRounds = 2 * logBytes / (LogFiller::kFiles * LogFiller::kValueBytes) + 2;
+  const std::uint64_t mostRounds = 2 * logBytes / JournalFiller::kRoundBytes + 2;
   for (std::uint64_t i = 0; i < mostRounds; ++i) {
     if (!filler.Write()) return false;
     const std::optional<LogHead> now = ReadLogHead(device);
@@ -171,6 +206,22 @@ bool XfsCycleLog(int fd, dev_t device, std::uint64_t mostBytes) {
     }
   }
   return false;
+}
+
+bool Ext4FillJournal(int fd) {
+  struct statvfs facts {};
+  if (::fstatvfs(fd, &facts) != 0) return false;
+  const std::uint64_t journalBytes = UsualJournalBytes(std::uint64_t{facts.f_blocks} * facts.f_frsize);
+  if (journalBytes > kMostBytes) return false;
+
+  JournalFiller filler(fd);
+  if (!filler.Make()) return false;
+  // Each round fills a block for each file, and some more.
+  const std::uint64_t rounds = journalBytes / (JournalFiller::kFiles * std::uint64_t{facts.f_frsize}) + 2;
+  for (std::uint64_t i = 0; i < rounds; ++i) {
+    if (!filler.Write()) return false;
+  }
+  return true;
 }
 
 }  // namespace zq::engine
