@@ -12,7 +12,7 @@ source "$(dirname -- "${BASH_SOURCE[0]}")/uml.sh"
 
 tools=$1 kind=$3 all=${4:-}
 rm -f -- "$2/table.$kind.txt"  # that of an earlier run
-if [[ $kind == vfat && -z ${ZQ_IN_UML:-} ]] && ! have_file_system vfat && uml_have; then
+if [[ $kind == vfat && -z ${ZQ_IN_UML:-} ]] && ! have_file_system vfat && [[ $all == --all ]] && uml_have; then
   say "this machine's kernel has no vfat: User Mode Linux has"
   mkdir -p -- "$2"
   uml_run "$2" "$(realpath -- "${BASH_SOURCE[0]}")" "$tools" /mnt/out vfat ${all:+"$all"}

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -78,7 +79,9 @@ class FakeDevice final : public Device {
   bool direct = true;          // whether it can do without the cache
   std::size_t queueDepth = 1;  // with more, transfers are carried out at Wait, the latest first
   bool renamesOpenFolders = false;
-  std::uint64_t bytesPerSecond = 0;  // 0: no time passes
+  std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
+  std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end
+  std::uint64_t bytesPerSecond = 0;        // 0: no time passes
   Clock::Time flushLatency{0};
   std::uint64_t capacityBytes = 0;      // 0: no end
   bool writesWhatFits = false;          // of a write that the end of the device cuts
