@@ -76,13 +76,13 @@ std::optional<LogHead> ReadLogHead(dev_t device) {
 
 // What is written into a journal to fill it is bounded in both, since nobody can cancel meanwhile.
 constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
-constexpr std::chrono::seconds kMostTime{2};
+constexpr std::chrono::seconds kMostTime{5};
 
 // Files with an extended attribute of most of a block. Each time it is written anew it goes through the
 // journal, and unlike a file's content it does.
 class JournalFiller {
  public:
-  static constexpr std::size_t kFiles = 64;
+  static constexpr std::size_t kFiles = 256;
   // xfs keeps larger ones outside, and those don't go through the log.
   static constexpr std::size_t kValueBytes = 2500;
   static constexpr std::size_t kRoundBytes = kFiles * kValueBytes;
