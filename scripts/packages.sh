@@ -17,11 +17,12 @@ packages_of() {
     test)
       printf '%s\n' googletest clang libclang-rt-dev clang-format cppcheck shellcheck \
         imagemagick icoutils librsvg2-bin python3
+      # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
+      printf '%s\n' e2fsprogs ntfs-3g xfsprogs btrfs-progs dosfstools procps sleuthkit testdisk secure-delete wipe
       ;;
     forensic)
-      # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
-      printf '%s\n' e2fsprogs dosfstools ntfs-3g xfsprogs btrfs-progs user-mode-linux procps perl-base \
-        sleuthkit testdisk secure-delete wipe
+      # For FAT where this machine's kernel has none, and for cases that need Perl; beside `test`.
+      printf '%s\n' user-mode-linux perl-base
       ;;
     bench)
       printf '%s\n' googletest wipe secure-delete scrub fio strace perl

@@ -47,8 +47,7 @@ void Device::FlushFolders(std::span<Folder* const> folders, std::span<Status> ou
   for (std::size_t i = 0; i < folders.size(); ++i) outcomes[i] = folders[i]->Flush();
 }
 
-Status Device::ClearTraces(Folder&, std::string& note) {
-  note.clear();
+Status Device::ClearTraces(Folder&, const std::function<bool()>&, std::string&) {
   return {};
 }
 

@@ -9,6 +9,7 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -129,6 +130,20 @@ struct SpaceInfo {
   std::uint32_t clusterBytes = 0;
 };
 
+// The room in which a folder keeps names, and in which those of entries that were renamed or removed stay
+// until others come to stand there.
+struct NameRoom {
+  enum class Kind {
+    Slots,   // one after the other; the folder grows when it is full, and never shrinks (FAT)
+    Blocks,  // the same, but blocks that aren't needed any more are freed as they are (xfs)
+    Tree,    // sorted, so that nobody knows where the next one goes (NTFS)
+  };
+  Kind kind = Kind::Slots;
+  std::uint64_t bytes = 0;  // 0: the names lie in the folder's own record
+
+  bool GrowsWhenFull() const { return kind != Kind::Tree; }
+};
+
 // An open folder. While it is open nobody can put another folder, or a link, in its place: everything
 // reached through it is inside it.
 class Folder {
@@ -162,6 +177,12 @@ class Folder {
   virtual Status Flush() = 0;
 
   virtual Status Space(SpaceInfo& space) = 0;
+
+  // False where the file system clears a name when its entry goes, or it isn't known.
+  virtual bool RoomForNames(NameRoom& room) {
+    room = {};
+    return false;
+  }
 };
 
 // Reads and writes that are under way together. Every one that was begun ends by a Wait; neither its file
@@ -230,8 +251,9 @@ class Device {
 
   // After entries of `folder`, or of folders in it, are gone for good: clears what the file system keeps of
   // them in places of its own, such as a journal. What can't be done, but puts no content at risk, is told
-  // in `note`, as a sentence. A failure is that content may be left.
-  virtual Status ClearTraces(Folder& folder, std::string& note);
+  // in `note`, as a sentence, unless it holds one. A failure is that content may be left. `mayGoOn` is asked
+  // several times a second; after a no what is left to be done is left, and told.
+  virtual Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note);
 };
 
 struct DeviceOptions {

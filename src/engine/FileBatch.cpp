@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "engine/NameCover.h"
+
 namespace zq::engine {
 namespace {
 
@@ -237,11 +239,14 @@ void FileBatch::Shorten() {
 // look at the cancel flag, so that nothing is left with another name and half its dates.
 void FileBatch::Erase(std::size_t first) {
   const Clock::Time started = operation_.clock.Now();
+  NameCover cover(operation_);
   std::size_t end = first;
   do {
     Item& item = *items_[end++];
+    if (!item.failed) cover.FillBlocks(*item.place->folder, item.place->path);
     Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
   } while (end < items_.size() && operation_.clock.Now() - started < kLongestHiding);
+  cover.FillGaps();
   group_ = std::span(items_).subspan(first, end - first);
   TryTogether("Flushing the entry of", &Device::FlushEntries);
   FlushPlaces(true);
@@ -256,6 +261,7 @@ void FileBatch::Erase(std::size_t first) {
       hasRemoved_ = true;
     });
   }
+  cover.Remove();
   FlushPlaces(false);
 }
 

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/NameCover.h"
+
 namespace zq::engine {
 namespace {
 
@@ -34,6 +36,7 @@ void FolderWipe::Run(const std::string& path) {
   Folder* const left = top->folder ? top->folder.get() : above_.get();
   if (left == nullptr || !(batch_.HasRemoved() || hasRemovedFolder_)) return;
   try {
+    CoverNames(operation_, *left, path);
     operation_.ClearTraces(*left, path);
   } catch (const Failure& failure) {
     Note(failure);
@@ -64,6 +67,7 @@ void FolderWipe::Enter(std::unique_ptr<Folder> folder, std::string name, std::st
   level->path = std::move(path);
   if (!levels_.empty()) level->parent = levels_.back();
   Require(level->folder->List(level->entries), "Listing", level->path);
+  level->hadEntries = !level->entries.empty();
   levels_.push_back(std::move(level));
 }
 
@@ -101,26 +105,27 @@ void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) 
 
 void FolderWipe::RemoveLeftFolders() {
   const std::vector<std::shared_ptr<Level>> left = std::exchange(left_, {});
-  if (!selection_.removeFolders) return;
-  for (const auto& level : left) {
-    operation_.Tell(level->path);
-    CheckRemovable(*level);
+  if (selection_.removeFolders) {
+    for (const auto& level : left) {
+      operation_.Tell(level->path);
+      CheckRemovable(*level);
+    }
+  }
+  NameRoom room;
+  const bool keepsNames = std::any_of(left.begin(), left.end(),
+                                      [&](const auto& level) { return level->folder->RoomForNames(room); });
+  if (!selection_.removeFolders) {
+    if (keepsNames) CoverFolders(left);
+    return;
   }
   // The removals in them go to the device before they do: freed in one go with them, a folder's block would
   // keep the old names.
-  for (std::span<const std::shared_ptr<Level>> rest = left; !rest.empty();) {
-    operation_.Tell(rest.front()->path);
-    const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), rest.size());
-    const Clock::Time started = operation_.clock.Now();
-    FlushFolders(rest.first(count), false);
-    operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
-    rest = rest.subspan(count);
-  }
-  if (operation_.device.RenamesOpenFolders()) {
+  if (!keepsNames) FlushInPieces(left);
+  if (operation_.device.RenamesOpenFolders() && !keepsNames) {
     RemoveFolders(left);
     return;
   }
-  // Elsewhere a folder can't be renamed before those in it are gone.
+  // Elsewhere a folder can't be renamed, or has names of its own to be covered, before those in it are gone.
   std::size_t highest = 0;
   for (const auto& level : left) {
     if (level->parent) level->parent->height = std::max(level->parent->height, level->height + 1);
@@ -130,7 +135,29 @@ void FolderWipe::RemoveLeftFolders() {
     std::vector<std::shared_ptr<Level>> group;
     std::copy_if(left.begin(), left.end(), std::back_inserter(group),
                  [height](const auto& level) { return level->height == height; });
+    if (keepsNames) CoverFolders(group);
     RemoveFolders(group);
+  }
+}
+
+// Covers the names that were in the folders themselves.
+void FolderWipe::CoverFolders(std::span<const std::shared_ptr<Level>> levels) {
+  NameCover cover(operation_);
+  for (const auto& level : levels) {
+    operation_.Tell(level->path);
+    if (level->hadEntries && level->folder) cover.FillRecord(*level->folder, level->path);
+  }
+  FlushInPieces(levels);
+}
+
+void FolderWipe::FlushInPieces(std::span<const std::shared_ptr<Level>> levels) {
+  while (!levels.empty()) {
+    operation_.Tell(levels.front()->path);
+    const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), levels.size());
+    const Clock::Time started = operation_.clock.Now();
+    FlushFolders(levels.first(count), false);
+    operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
+    levels = levels.subspan(count);
   }
 }
 
@@ -155,15 +182,19 @@ void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
     operation_.Tell(levels.front()->path);
     // A cancel must not leave a folder with the name it has meanwhile.
     holdsNotes_ = true;
-    const std::size_t count = RenameFolders(levels);
-    RemoveRenamed(levels.first(count));
+    {
+      NameCover cover(operation_);
+      const std::size_t count = RenameFolders(levels, cover);
+      cover.FillGaps();
+      RemoveRenamed(levels.first(count), cover);
+      levels = levels.subspan(count);
+    }
     holdsNotes_ = false;
     for (const Failure& failure : std::exchange(heldNotes_, {})) Note(failure);
-    levels = levels.subspan(count);
   }
 }
 
-std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> levels) {
+std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> levels, NameCover& cover) {
   const Clock::Time started = operation_.clock.Now();
   std::size_t count = 0;
   for (const auto& level : levels) {
@@ -174,6 +205,7 @@ std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> le
         // Where it can't be renamed while it is open; what is in it is removed through it elsewhere.
         if (!operation_.device.RenamesOpenFolders()) level->folder.reset();
         Folder& above = *FolderAbove(*level);
+        cover.FillBlocks(above, level->path);
         std::size_t& shortest = level->parent ? level->parent->shortestName : shortestAbove_;
         HideName(operation_, level->self.name, level->path, shortest, [&](const std::string& newName) {
           Status status = above.Rename(level->self, newName);
@@ -189,7 +221,7 @@ std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> le
   return count;
 }
 
-void FolderWipe::RemoveRenamed(std::span<const std::shared_ptr<Level>> levels) {
+void FolderWipe::RemoveRenamed(std::span<const std::shared_ptr<Level>> levels, NameCover& cover) {
   FlushFolders(levels, true);
   for (const auto& level : levels) {
     const std::string path = level->path + " (now named " + level->self.name + ')';
@@ -208,6 +240,7 @@ void FolderWipe::RemoveRenamed(std::span<const std::shared_ptr<Level>> levels) {
     }
     if (level->somethingStays && level->parent) level->parent->somethingStays = true;
   }
+  cover.Remove();
   FlushFolders(levels, true);
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "engine/FileBatch.h"
+#include "engine/NameCover.h"
 #include "engine/Operation.h"
 
 namespace zq::engine {
@@ -45,6 +46,7 @@ class FolderWipe {
     std::string name;  // and what the user calls it
     std::vector<Entry> entries;
     std::size_t next = 0;
+    bool hadEntries = false;
     std::size_t height = 0;  // how many levels of folders to be removed it has beneath it
   };
 
@@ -55,10 +57,13 @@ class FolderWipe {
   // What the walk has left waits here for its files, which are in the batch, and is removed together.
   void RemoveLeftFolders();
   void CheckRemovable(Level& level);
+  void CoverFolders(std::span<const std::shared_ptr<Level>> levels);
+  // Makes the removals in them durable.
+  void FlushInPieces(std::span<const std::shared_ptr<Level>> levels);
   void RemoveFolders(std::span<const std::shared_ptr<Level>> levels);
   // Renames as many of them, from the first on, as the time allows. Gives their number.
-  std::size_t RenameFolders(std::span<const std::shared_ptr<Level>> levels);
-  void RemoveRenamed(std::span<const std::shared_ptr<Level>> levels);
+  std::size_t RenameFolders(std::span<const std::shared_ptr<Level>> levels, NameCover& cover);
+  void RemoveRenamed(std::span<const std::shared_ptr<Level>> levels, NameCover& cover);
   Folder* FolderAbove(const Level& level) const {
     return level.parent ? level.parent->folder.get() : above_.get();
   }

@@ -77,7 +77,9 @@ class Operation {
   std::map<FileId, std::uint32_t> namesLeft;
   // Clears the file system's traces of what was removed from `folder`. Throws Failure.
   void ClearTraces(Folder& folder, const std::string& path) {
-    Require(device.ClearTraces(folder, note), "Clearing the journal after the wipe of", path);
+    Require(device.ClearTraces(
+                folder, [&] { return MayGoOn(path); }, note),
+            "Clearing the journal after the wipe of", path);
   }
 
   // Throws Cancelled once the owner has asked for it. Called after every event and at every item.
@@ -85,14 +87,18 @@ class Operation {
     if (cancelFlag_) throw Cancelled{};
   }
 
-  // Tells that the work is at `path`, which is no file with a progress of its own, if an event is due. Throws
-  // Cancelled.
-  void Tell(const std::string& path) {
+  // Tells that the work is at `path`, which is no file with a progress of its own, if an event is due. False
+  // once the owner wants to stop, for work that has to be brought to an end of its own then.
+  bool MayGoOn(const std::string& path) {
     if (timer.IsDue()) {
       timer.Raised();
       events.WipeProgress(0, 0, 0, path);
     }
-    LookForCancel();
+    return !cancelFlag_;
+  }
+  // The same for work that can end anywhere: throws Cancelled.
+  void Tell(const std::string& path) {
+    if (!MayGoOn(path)) throw Cancelled{};
   }
 
   // A random name of `length` characters, legal on every file system. Throws Failure without a seed.

@@ -9,6 +9,7 @@
 #include "engine/FileBatch.h"
 #include "engine/FolderWipe.h"
 #include "engine/FreeSpaceWipe.h"
+#include "engine/NameCover.h"
 #include "engine/Operation.h"
 
 namespace zq::engine {
@@ -129,7 +130,10 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcep
     });
     batch.AddFile(place, name, path);
     batch.Run();
-    if (batch.HasRemoved()) operation.ClearTraces(*place->folder, path);
+    if (batch.HasRemoved()) {
+      CoverNames(operation, *place->folder, path);
+      operation.ClearTraces(*place->folder, path);
+    }
     if (first) throw Failure(*first);
   });
 }

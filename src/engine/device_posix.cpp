@@ -24,6 +24,7 @@
 #include <utility>
 
 #include "engine/Device.h"
+#include "engine/journal_posix.h"
 #include "engine/uring_posix.h"
 
 namespace zq::engine {
@@ -113,6 +114,20 @@ constexpr std::int64_t kOneDeviceFileSystems[] = {
     0x7366746E,  // NTFS, by the kernel's own driver
 };
 
+constexpr std::int64_t kFuseMagic = 0x65735546;
+
+// File systems that leave a name where it stood in its folder when the entry goes. ext4 clears it.
+struct NamesStay {
+  std::int64_t magic;
+  NameRoom::Kind kind;
+};
+constexpr NamesStay kNamesStay[] = {
+    {kXfsMagic, NameRoom::Kind::Blocks}, {0x4D44, NameRoom::Kind::Slots},  // FAT
+    {0x2011BAB0, NameRoom::Kind::Slots},                                   // exFAT
+    {0x7366746E, NameRoom::Kind::Tree},                                    // NTFS, by the kernel's own driver
+    {kFuseMagic, NameRoom::Kind::Tree},  // on a device: NTFS by ntfs-3g, mostly
+};
+
 // What is the same for all files of a mounted file system.
 struct Volume {
   dev_t device = 0;
@@ -125,10 +140,13 @@ struct Volume {
   bool isOrdered = false;
   bool journalsData = false;     // content goes through the journal, too
   bool mayClearJournal = false;  // an ext4 that we are allowed to
+  const NamesStay* namesStay = nullptr;
 
   bool MayNotClearJournal() const { return magic == kExtMagic && isOrdered && !mayClearJournal; }
   bool HasOneFlush() const { return oneFlushForAll; }
   bool IsOrdered() const { return isOrdered; }
+  bool IsXfs() const { return magic == kXfsMagic; }
+  bool IsJournaledExt() const { return magic == kExtMagic && isOrdered; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
 };
 
@@ -187,6 +205,11 @@ Status LookAtVolume(int fd, dev_t device, Volume& volume) {
   volume.oneFlushForAll = std::find(std::begin(kOneDeviceFileSystems), std::end(kOneDeviceFileSystems),
                                     volume.magic) != std::end(kOneDeviceFileSystems);
   volume.isOrdered = volume.magic == kXfsMagic || (volume.magic == kExtMagic && HasJournal(device));
+  volume.namesStay = nullptr;
+  for (const NamesStay& one : kNamesStay) {
+    // A network by FUSE has no device, and each filler would take its time.
+    if (one.magic == volume.magic && (one.magic != kFuseMagic || major(device) != 0)) volume.namesStay = &one;
+  }
   if (volume.magic == kExtMagic && volume.isOrdered) {
     volume.mayClearJournal = Checkpoint(fd, kZeroOut | kDryRun);
     volume.journalsData = JournalsData(device);
@@ -783,6 +806,18 @@ class PosixFolder final : public Folder {
     return {};
   }
 
+  bool RoomForNames(NameRoom& room) override {
+    room = {};
+    struct stat facts {};
+    if (volume_.namesStay == nullptr || ::fstat(fd_.Get(), &facts) != 0) return false;
+    room.kind = volume_.namesStay->kind;
+    room.bytes = static_cast<std::uint64_t>(facts.st_size);
+    // A length that is no number of blocks is that of names in the inode.
+    if (volume_.magic == kXfsMagic && facts.st_size < facts.st_blksize && facts.st_blocks == 0)
+      room.bytes = 0;
+    return true;
+  }
+
  private:
   static Status CheckRegular(const struct stat& facts) {
     switch (KindOfMode(facts.st_mode)) {
@@ -1012,28 +1047,46 @@ class PosixDevice final : public Device {
 
   void FlushEntries(std::span<File* const> files, std::span<Status> outcomes) override {
     FlushMetadata<PosixFile>(files, outcomes, [](PosixFile& file) { return file.FlushEntry(); });
+    OnceForEachVolume<PosixFile>(files, outcomes, &Volume::IsXfs, [](PosixFile& file) {
+      XfsWriteHome(file.Fd(), file.OnVolume().device);
+      return Status{};
+    });
   }
 
   void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes) override {
     FlushMetadata<PosixFolder>(folders, outcomes, [](PosixFolder& folder) {
       Status status = folder.Flush();
       // The folder's own block has to be written before it may be freed: once it is free, the journal forgets
-      // the change, and the block keeps the old names. Done where it is allowed.
-      if (status.Ok() && folder.OnVolume().mayClearJournal) Checkpoint(folder.Fd(), 0);
+      // the change, and the block keeps the old names.
+      if (status.Ok() && folder.OnVolume().IsJournaledExt()) WriteHome(folder);
       return status;
+    });
+    OnceForEachVolume<PosixFolder>(folders, outcomes, &Volume::IsXfs, [](PosixFolder& folder) {
+      XfsWriteHome(folder.Fd(), folder.OnVolume().device);
+      return Status{};
     });
   }
 
   // The journal holds the names, and with data in it the content too, until it has come round.
-  Status ClearTraces(Folder& folder, std::string& note) override {
-    note.clear();
+  Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note) override {
     auto& posix = static_cast<PosixFolder&>(folder);
     const Volume& volume = posix.OnVolume();
+    if (volume.magic == kXfsMagic) {
+      const bool home = XfsWriteHome(posix.Fd(), volume.device);
+      const bool cycled = XfsCycleLog(posix.Fd(), volume.device, mayGoOn);
+      if ((!home || !cycled) && note.empty()) {
+        note =
+            "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
+      }
+      return {};
+    }
     if (volume.magic != kExtMagic || !volume.isOrdered) return {};
     if (volume.mayClearJournal) {
       // Content may have gone through it: small files and extended attributes, or all of it.
       return Checkpoint(posix.Fd(), kZeroOut) ? Status{} : LastError();
     }
+    Ext4FillJournal(posix.Fd(), mayGoOn);
+    if (!note.empty()) return {};
     note =
         "The names of what was wiped may stay in the file system's journal for a while, which only an "
         "administrator may clear.";
@@ -1041,6 +1094,12 @@ class PosixDevice final : public Device {
   }
 
  private:
+  // Where the checkpoint isn't allowed, the changes of others have to be written too.
+  static void WriteHome(PosixFolder& folder) {
+    if (folder.OnVolume().mayClearJournal && Checkpoint(folder.Fd(), 0)) return;
+    if (LittleIsUnwritten()) Retry([&folder] { return ::syncfs(folder.Fd()); });
+  }
+
   // What is true of names, lengths and dates for files and folders alike. Without an order among them each
   // has to be flushed, or with many of them the whole file system, which has to write what others have
   // changed too, but does it in one go.

@@ -271,6 +271,13 @@ Status ListStreamsOf(const std::wstring& path, std::vector<std::string>& names) 
 
 // --- Files ----------------------------------------------------------------------------------------------
 
+// Wine takes unbuffered and write-through transfers into the cache of the system beneath it, from which only
+// the flush of that very file gets them to the device.
+bool RunsInWine() {
+  const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+  return ntdll != nullptr && ::GetProcAddress(ntdll, "wine_get_version") != nullptr;
+}
+
 // What is the same for all files of a volume.
 struct Volume {
   std::uint32_t clusterBytes = 0;
@@ -300,7 +307,7 @@ Status LookAtVolume(const std::wstring& path, Volume& volume) {
     volume.isNtfs = std::wcscmp(fileSystem, L"NTFS") == 0;
   }
   const UINT kind = ::GetDriveTypeW(root.c_str());
-  volume.isLocal = kind == DRIVE_FIXED || kind == DRIVE_REMOVABLE;
+  volume.isLocal = (kind == DRIVE_FIXED || kind == DRIVE_REMOVABLE) && !RunsInWine();
   volume.root = std::move(root);
   return {};
 }

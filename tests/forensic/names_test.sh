@@ -1,13 +1,17 @@
 #!/usr/bin/env bash
-# names_test.sh FOLDER KIND: judges what forensic_test.sh has found of names: none in a folder's blocks or
-# records, and fewer than each of the other tools leaves on the same file system.
+# names_test.sh FOLDER KIND: judges what forensic_test.sh has found of names. With privileges none may be left.
+# Without, there are fewer than each of the other tools leaves on the same file system, or none.
 set -euo pipefail
 table=$1/table.$2.txt
 [[ -s $table ]] || { echo "not tested here: forensic_test.sh has left no table"; exit 77; }
 awk '
-  $2 == "wipe_tool" {
-    ours = $4
-    for (i = 5; i < NF; i++) if ($i ~ /^(folder|record)$/) { print $(i + 1), "names in a", $i; bad = 1 }
+  $2 == "wipe_tool" { judged++; if ($4 > 0) { print "we leave", $4, "names:", $0; bad = 1 } }
+  $2 == "as_user" && $NF != "refused" { isUser = 1; user = $4 }
+  $2 ~ /^(shred|srm|wipe)$/ {
+    others++
+    if (isUser && user > 0 && user >= $4) { print $2, "leaves", $4, "names, and we leave", user, "without privileges"; bad = 1 }
   }
-  $2 ~ /^(shred|srm|wipe)$/ && ours >= $4 && ours > 0 { print $2, "leaves", $4, "names, and we leave", ours; bad = 1 }
-  END { if (ours == "") { print "we are not in the table"; bad = 1 } exit bad }' "$table"
+  END {
+    if (!judged || !others) { print "the table is incomplete"; bad = 1 }
+    exit bad
+  }' "$table"

@@ -6,9 +6,9 @@ awk '
   $1 != "system" { sectors[$1, $2] = $3; names[$1, $2] = $4; refused[$1, $2] = $NF == "refused" }
   END {
     kinds = split("ext4 ext4-journal vfat ntfs xfs btrfs", kind)
-    ways = split("rm shred wipe srm wipe_tool", way)
+    ways = split("rm shred wipe srm wipe_tool as_user", way)
     title["rm"] = "`rm -rf`"; title["shred"] = "`shred -u`, `rm -r`"; title["wipe"] = "`wipe -rf`"
-    title["srm"] = "`srm -r`"; title["wipe_tool"] = "this engine"
+    title["srm"] = "`srm -r`"; title["wipe_tool"] = "this engine, as root"; title["as_user"] = "this engine, without privileges"
     printf "| |"; for (k = 1; k <= kinds; k++) printf " %s |", kind[k]
     printf "\n|---|"; for (k = 1; k <= kinds; k++) printf "---|"
     for (w = 1; w <= ways; w++) {

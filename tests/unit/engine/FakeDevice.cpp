@@ -313,10 +313,25 @@ class FakeFolder final : public Folder {
   Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
     if (Status status = device_.Begin("add", PathOf(name)); !status.Ok()) return status;
     if (node_->children.count(name) != 0) return Taken();
+    if (device_.mostEntries > 0 && node_->children.size() >= device_.mostEntries) {
+      return {Trouble::NoSpace, 112, "The device is full"};
+    }
     node_->children[name] = std::make_shared<Node>();
     file = std::make_unique<FakeFile>(device_, node_->children[name], node_->children, path_, name,
                                       access == Access::Direct && device_.direct, false);
     return {};
+  }
+
+  // As much as the names take, in whole blocks.
+  bool RoomForNames(NameRoom& room) override {
+    room = {};
+    if (!device_.nameRoom) return false;
+    constexpr std::uint64_t kBlockBytes = 4096;
+    std::uint64_t bytes = 1;
+    for (const auto& child : node_->children) bytes += child.first.size() + 8;
+    room.kind = *device_.nameRoom;
+    room.bytes = (bytes + kBlockBytes - 1) / kBlockBytes * kBlockBytes;
+    return true;
   }
 
   Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) override {

@@ -7,6 +7,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -81,9 +82,11 @@ class FakeDevice final : public Device {
   bool direct = true;          // whether it can do without the cache
   std::size_t queueDepth = 1;  // with more, transfers are carried out at Wait, the latest first
   bool renamesOpenFolders = false;
-  bool opensForOneAlone = false;     // a file that is open can't be opened under another name
-  bool mergesEqual = false;          // streams must never be written with a pattern
-  std::uint64_t bytesPerSecond = 0;  // 0: no time passes
+  bool opensForOneAlone = false;           // a file that is open can't be opened under another name
+  bool mergesEqual = false;                // streams must never be written with a pattern
+  std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
+  std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end
+  std::uint64_t bytesPerSecond = 0;        // 0: no time passes
   Clock::Time flushLatency{0};
   Clock::Time entryLatency{0};          // of each change of a name, a length or dates, and of each removal
   std::uint64_t capacityBytes = 0;      // 0: no end

@@ -10,9 +10,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -56,6 +58,166 @@ class SmallMount {
   bool mounted_ = false;
   std::string whyNot_;
 };
+
+// A real file system in a file, on a loop device that goes with the mount.
+class ImageMount {
+ public:
+  ImageMount(const Scratch& scratch, const std::string& make, const std::string& options)
+      : image_(scratch / "image"), path_(scratch / "mnt") {
+    fs::create_directory(path_);
+    std::ofstream(image_).close();
+    fs::resize_file(image_, std::uintmax_t{64} << 20);
+    const std::string quiet = " >/dev/null 2>&1";
+    if (::geteuid() != 0) {
+      whyNot_ = "that needs root";
+    } else if (std::system((make + " '" + image_.string() + "'" + quiet).c_str()) != 0) {
+      whyNot_ = "'" + make + "' makes no file system";
+    } else if (std::system(("mount -o loop," + options + " '" + image_.string() + "' '" + path_.string() +
+                            "'" + quiet)
+                               .c_str()) != 0) {
+      whyNot_ = "there is no loop device, or the kernel has no such file system";
+    } else {
+      mounted_ = true;
+      fs::permissions(path_, fs::perms::all);
+    }
+  }
+  ImageMount(const ImageMount&) = delete;
+  ImageMount& operator=(const ImageMount&) = delete;
+  ~ImageMount() {
+    if (mounted_ && ::umount2(path_.c_str(), 0) != 0) ::umount2(path_.c_str(), MNT_DETACH);
+  }
+
+  bool IsMounted() const { return mounted_; }
+  const std::string& WhyNot() const { return whyNot_; }
+  fs::path operator/(const std::string& name) const { return path_ / name; }
+
+  // Writes what waits in the system's cache, as every system does after a while.
+  void Sync() const {
+    const int fd = ::open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    EXPECT_EQ(::syncfs(fd), 0);
+    ::close(fd);
+  }
+  bool Holds(const std::string& text) const {
+    std::string bytes(fs::file_size(image_), '\0');
+    std::ifstream file(image_, std::ios::binary);
+    EXPECT_TRUE(file.read(bytes.data(), static_cast<std::streamsize>(bytes.size())));
+    return ::memmem(bytes.data(), bytes.size(), text.data(), text.size()) != nullptr;
+  }
+
+ private:
+  fs::path image_;
+  fs::path path_;
+  bool mounted_ = false;
+  std::string whyNot_;
+};
+
+// As a user without privileges, for as long as this lives.
+class WithoutPrivileges {
+ public:
+  WithoutPrivileges() : done_(::seteuid(65534) == 0) {}
+  WithoutPrivileges(const WithoutPrivileges&) = delete;
+  WithoutPrivileges& operator=(const WithoutPrivileges&) = delete;
+  ~WithoutPrivileges() {
+    if (done_ && ::seteuid(0) != 0) std::abort();
+  }
+
+ private:
+  const bool done_;
+};
+
+constexpr char kName[] = "marked-name-of-a-letter";
+
+TEST(PosixJournal, IsClearedOfNamesByAnAdministrator) {
+  Scratch scratch;
+  const ImageMount mount(scratch, "mkfs.ext4 -q -F", "data=ordered");
+  if (!mount.IsMounted()) GTEST_SKIP() << "no ext4 to test on: " << mount.WhyNot();
+  RealEngine real;
+  WriteBytes(mount / kName, Secret(5'000));
+  mount.Sync();
+  ASSERT_TRUE(mount.Holds(kName));
+  ASSERT_TRUE(real.engine.WipeFile(Utf8(mount / kName), 3)) << real.engine.LastErrorText();
+  EXPECT_EQ(real.engine.Note(), "");
+  mount.Sync();
+  EXPECT_FALSE(mount.Holds(kName));
+  EXPECT_FALSE(mount.Holds(Secret(100)));
+}
+
+TEST(PosixJournal, MayKeepNamesWithoutPrivilegesWhichIsTold) {
+  Scratch scratch;
+  const ImageMount mount(scratch, "mkfs.ext4 -q -F", "data=ordered");
+  if (!mount.IsMounted()) GTEST_SKIP() << "no ext4 to test on: " << mount.WhyNot();
+  fs::permissions(scratch.Path(), fs::perms::all);
+  RealEngine real;
+  const WithoutPrivileges user;
+  WriteBytes(mount / kName, Secret(5'000));
+  ASSERT_TRUE(real.engine.WipeFile(Utf8(mount / kName), 3)) << real.engine.LastErrorText();
+  EXPECT_THAT(real.engine.Note(), HasSubstr("only an administrator may clear"));
+  std::vector<std::string> left;
+  for (const auto& entry : fs::directory_iterator(mount / ""))
+    left.push_back(entry.path().filename().string());
+  EXPECT_THAT(left, ::testing::ElementsAre("lost+found")) << "nothing that was made for it stays";
+}
+
+TEST(PosixJournal, OfDataIsWrittenHomeAndCleared) {
+  Scratch scratch;
+  const ImageMount mount(scratch, "mkfs.ext4 -q -F", "data=journal");
+  if (!mount.IsMounted()) GTEST_SKIP() << "no ext4 to test on: " << mount.WhyNot();
+  RealEngine real;
+  WriteBytes(mount / kName, Secret(50'000));
+  mount.Sync();
+  ASSERT_TRUE(mount.Holds(Secret(100)));
+  ASSERT_TRUE(real.engine.WipeFile(Utf8(mount / kName), 3)) << real.engine.LastErrorText();
+  EXPECT_EQ(real.engine.Note(), "");
+  EXPECT_FALSE(mount.Holds(Secret(100)));
+  EXPECT_FALSE(mount.Holds(kName));
+}
+
+TEST(PosixJournal, OfDataMakesTheWipeARefusalWithoutPrivileges) {
+  Scratch scratch;
+  const ImageMount mount(scratch, "mkfs.ext4 -q -F", "data=journal");
+  if (!mount.IsMounted()) GTEST_SKIP() << "no ext4 to test on: " << mount.WhyNot();
+  fs::permissions(scratch.Path(), fs::perms::all);
+  RealEngine real;
+  const WithoutPrivileges user;
+  WriteBytes(mount / kName, Secret(5'000));
+  EXPECT_FALSE(real.engine.WipeFile(Utf8(mount / kName), 3));
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("only an administrator may clear"));
+  EXPECT_EQ(ReadBytes(mount / kName), Secret(5'000));
+}
+
+TEST(PosixXfs, IsClearedOfNamesAndThawedAgain) {
+  Scratch scratch;
+  const ImageMount mount(scratch, "mkfs.xfs -q -f --unsupported", "noatime");
+  if (!mount.IsMounted()) GTEST_SKIP() << "no xfs to test on: " << mount.WhyNot();
+  RealEngine real;
+  for (const char* number : {"1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
+    WriteBytes(mount / (kName + std::string(number)), Secret(5'000));
+  }
+  WriteBytes(mount / "neighbour", "keep");
+  mount.Sync();
+  ASSERT_TRUE(mount.Holds(kName));
+  ASSERT_TRUE(real.engine.WipeFolderFiles(Utf8(mount / ""), std::string(kName) + "*", false, 3))
+      << real.engine.LastErrorText();
+  // Would wait for good on a frozen file system.
+  WriteBytes(mount / "neighbour", "changed");
+  mount.Sync();
+  if (!real.engine.Note().empty()) GTEST_SKIP() << "this machine was too slow for it: " << real.engine.Note();
+  EXPECT_FALSE(mount.Holds(kName));
+  EXPECT_EQ(std::distance(fs::directory_iterator(mount / ""), fs::directory_iterator()), 1);
+}
+
+TEST(PosixXfs, KeepsNamesForAWhileWithoutPrivilegesWhichIsTold) {
+  Scratch scratch;
+  const ImageMount mount(scratch, "mkfs.xfs -q -f --unsupported", "noatime");
+  if (!mount.IsMounted()) GTEST_SKIP() << "no xfs to test on: " << mount.WhyNot();
+  fs::permissions(scratch.Path(), fs::perms::all);
+  RealEngine real;
+  const WithoutPrivileges user;
+  WriteBytes(mount / kName, Secret(5'000));
+  ASSERT_TRUE(real.engine.WipeFile(Utf8(mount / kName), 3)) << real.engine.LastErrorText();
+  EXPECT_THAT(real.engine.Note(), HasSubstr("may stay"));
+  EXPECT_TRUE(fs::is_empty(mount / ""));
+}
 
 TEST(PosixDevice, RefusesALinkNamedByItself) {
   Scratch scratch;
