@@ -13,6 +13,8 @@ constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
 
 // After this much time in replacing names, those that have been replaced are taken to the end first.
 constexpr Clock::Time kLongestHiding{60'000};
+// Where names are covered, too, the gaps take several times as long to fill as the blocks have taken before.
+constexpr Clock::Time kLongestHidingUnderCover{15'000};
 
 }  // namespace
 
@@ -245,7 +247,8 @@ void FileBatch::Erase(std::size_t first) {
     Item& item = *items_[end++];
     if (!item.failed) cover.FillBlocks(*item.place->folder, item.place->path);
     Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
-  } while (end < items_.size() && operation_.clock.Now() - started < kLongestHiding);
+  } while (end < items_.size() && operation_.clock.Now() - started <
+                                      (cover.HasFillers() ? kLongestHidingUnderCover : kLongestHiding));
   cover.FillGaps();
   group_ = std::span(items_).subspan(first, end - first);
   TryTogether("Flushing the entry of", &Device::FlushEntries);

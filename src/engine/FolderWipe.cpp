@@ -13,6 +13,8 @@ constexpr std::size_t kMostLeftFolders = 128;
 
 // After this much time in renaming folders, those that have been renamed are removed first.
 constexpr Clock::Time kLongestRenaming{60'000};
+// As with files: there are gaps to be filled after it.
+constexpr Clock::Time kLongestRenamingUnderCover{15'000};
 
 }  // namespace
 
@@ -140,14 +142,21 @@ void FolderWipe::RemoveLeftFolders() {
   }
 }
 
-// Covers the names that were in the folders themselves.
+// Covers the names that were in the folders themselves, in groups as above.
 void FolderWipe::CoverFolders(std::span<const std::shared_ptr<Level>> levels) {
-  NameCover cover(operation_);
-  for (const auto& level : levels) {
-    operation_.Tell(level->path);
-    if (level->hadEntries && level->folder) cover.FillRecord(*level->folder, level->path);
+  while (!levels.empty()) {
+    operation_.Tell(levels.front()->path);
+    const Clock::Time started = operation_.clock.Now();
+    NameCover cover(operation_);
+    std::size_t count = 0;
+    do {
+      const Level& level = *levels[count++];
+      if (level.hadEntries && level.folder) cover.FillRecord(*level.folder, level.path);
+    } while (count < std::min(operation_.pace.FlushesAtOnce(), levels.size()) &&
+             operation_.clock.Now() - started < kLongestRenaming);
+    FlushFolders(levels.first(count), false);
+    levels = levels.subspan(count);
   }
-  FlushInPieces(levels);
 }
 
 void FolderWipe::FlushInPieces(std::span<const std::shared_ptr<Level>> levels) {
@@ -198,7 +207,8 @@ std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> le
   const Clock::Time started = operation_.clock.Now();
   std::size_t count = 0;
   for (const auto& level : levels) {
-    if (count > 0 && operation_.clock.Now() - started >= kLongestRenaming) break;
+    const Clock::Time longest = cover.HasFillers() ? kLongestRenamingUnderCover : kLongestRenaming;
+    if (count > 0 && operation_.clock.Now() - started >= longest) break;
     ++count;
     if (!level->somethingStays) {
       try {

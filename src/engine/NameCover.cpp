@@ -10,6 +10,9 @@ constexpr std::uint64_t kBlockBytes = 4096;
 // More than this of one folder isn't filled: it would take longer than the wipe of a few files in it.
 constexpr std::uint64_t kMostBytes = 16 * kBlockBytes;
 
+// Their removal, which nobody can cancel, takes about as long as the filling.
+constexpr Clock::Time kLongestFilling{150'000};
+
 // How many fillers at most are made of one length. What a name takes besides its characters is the least that
 // any file system asks for; where a folder's growth tells that it is full, that ends the filling sooner.
 std::size_t MostFillers(const NameRoom& room, std::size_t length) {
@@ -64,7 +67,9 @@ void NameCover::Fill(Filled& filled, std::size_t length, bool record) {
       filled.failed = true;
       return;
     }
-    const Status status = AddFiller(filled, length);
+    const Clock::Time started = operation_.clock.Now();
+    const Status status = filling_ < kLongestFilling ? AddFiller(filled, length) : Status::Refusal("no time");
+    filling_ += operation_.clock.Now() - started;
     if (!status.Ok() && status.trouble != Trouble::NoSpace) {
       filled.failed = true;
       Tell("Names of what was wiped may still stand in a folder, where they could not be covered by others.");

@@ -26,6 +26,7 @@ class NameCover {
   // old names, nor has it much room for the new names but that of the old ones. The same folder again changes
   // nothing; it must stay open. `path` is what events call it.
   void FillBlocks(Folder& folder, const std::string& path);
+  bool HasFillers() const { return !folders_.empty(); }
   // After, in all of these: what the old names have left between others.
   void FillGaps();
   // When entries are gone, and a folder of few names may lie in its own record, with the old ones behind
@@ -50,6 +51,7 @@ class NameCover {
   void Tell(const char* note) noexcept;
 
   Operation& operation_;
+  Clock::Time filling_{};  // the time that all the filling has taken
   std::vector<std::unique_ptr<Filled>> folders_;
 };
 

@@ -90,7 +90,7 @@ class Operation {
   // Tells that the work is at `path`, which is no file with a progress of its own, if an event is due. False
   // once the owner wants to stop, for work that has to be brought to an end of its own then.
   bool MayGoOn(const std::string& path) {
-    if (timer.IsDue()) {
+    if (!cancelFlag_ && timer.IsDue()) {
       timer.Raised();
       events.WipeProgress(0, 0, 0, path);
     }

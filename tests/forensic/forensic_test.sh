@@ -28,6 +28,8 @@ mkdir -- "$work/mnt" "$work/bin"
 # Where one without privileges reaches it.
 cp -- "$tools/wipe_tool" "$work/bin/"
 table=$2/table.$kind.txt
+# With much of others' data on its way to the device, the engine leaves alone what would have to wait for it.
+sync
 
 readonly kUser=65534
 

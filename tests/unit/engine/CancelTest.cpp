@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
 #include <string>
 
@@ -134,9 +135,11 @@ void ExpectEventsOften(const EngineRig& rig) {
   }
 }
 
-// What a stick with many entries, or a folder over a network, may take for each of them.
-TEST(Cancel, StopsTheRemovalOfABatchInTimeOnADeviceThatIsSlowWithEntries) {
-  const auto setUp = [](EngineRig& rig) {
+// What a stick with many entries, or a folder over a network, may take for each of them. Clicks come at each
+// `step`, but not in what can't be stopped any more at the end.
+void StopRemovalsAtAnyTime(std::optional<NameRoom::Kind> nameRoom, Clock::Time step, Clock::Time end) {
+  const auto setUp = [&](EngineRig& rig) {
+    rig.device.nameRoom = nameRoom;
     rig.device.bytesPerSecond = 5'000'000;
     rig.device.entryLatency = rig.device.flushLatency = Clock::Time{5'000};
     for (int i = 100; i < 160; ++i) rig.device.MakeFile("/f/" + std::to_string(i), Secret(3'000));
@@ -150,7 +153,7 @@ TEST(Cancel, StopsTheRemovalOfABatchInTimeOnADeviceThatIsSlowWithEntries) {
   const Clock::Time duration = whole.clock.Now() - start;
 
   std::set<std::size_t> wipedCounts;
-  for (Clock::Time clickAt{0}; clickAt < duration - kAtMost; clickAt += Clock::Time{47'000}) {
+  for (Clock::Time clickAt{0}; clickAt < duration - end; clickAt += step) {
     EngineRig rig;
     setUp(rig);
     const Clock::Time took =
@@ -163,6 +166,17 @@ TEST(Cancel, StopsTheRemovalOfABatchInTimeOnADeviceThatIsSlowWithEntries) {
     if (::testing::Test::HasFailure()) break;
   }
   EXPECT_GT(wipedCounts.size(), 10u) << "no click came while a batch was being removed";
+}
+
+TEST(Cancel, StopsTheRemovalOfABatchInTimeOnADeviceThatIsSlowWithEntries) {
+  StopRemovalsAtAnyTime({}, Clock::Time{47'000}, kAtMost);
+}
+
+// The fillers that have been made go first.
+TEST(Cancel, StopsTheCoveringOfNamesInTime) {
+  for (const auto kind : {NameRoom::Kind::Slots, NameRoom::Kind::Blocks}) {
+    StopRemovalsAtAnyTime(kind, Clock::Time{471'000}, Clock::Time{1'000'000});
+  }
 }
 
 TEST(Cancel, StopsTheRemovalOfFoldersAndLinksInTimeAndLeavesTheirNames) {

@@ -577,7 +577,7 @@ Status FakeDevice::Begin(const std::string& kind, const std::string& path, std::
   ops.push_back({kind, path, offset, size, {}, true});
   if (onOp) onOp(ops.back());
   for (const char* ofEntry :
-       {"set length", "set dates", "rename", "rename entry", "remove", "remove entry"}) {
+       {"set length", "set dates", "rename", "rename entry", "remove", "remove entry", "add"}) {
     if (kind == ofEntry) clock_.Advance(entryLatency);
   }
   if (kind == "flush folder") clock_.Advance(flushLatency);
