@@ -27,6 +27,10 @@ class SerialQueue final : public TransferQueue {
 
 }  // namespace
 
+Status File::Identity(FileId&) {
+  return Status::Refusal("it is no file of its own");
+}
+
 std::unique_ptr<TransferQueue> Device::MakeQueue() {
   return std::make_unique<SerialQueue>();
 }

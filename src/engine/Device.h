@@ -63,7 +63,6 @@ struct FileInfo {
   // Empty, or why overwriting this file would leave its old content somewhere: "it is compressed". When it is
   // asked again later: or has left it, "another program has moved it during the wipe".
   std::string notInPlace;
-  FileId id;
   std::uint32_t names = 1;  // hard links
 };
 
@@ -77,6 +76,9 @@ class File {
   virtual ~File() = default;
 
   virtual Status Info(FileInfo& info) = 0;
+  // Which file this is. Apart from Info, since a system may take its time for it, and mostly nobody asks.
+  // Streams have none.
+  virtual Status Identity(FileId& id);
 
   // 1, or what offset, size and buffer address of each Read and Write must be multiples of.
   virtual std::size_t Alignment() const = 0;

@@ -33,7 +33,7 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
       Run();
       open();
     }
-    if (HoldsSameFile(item->file->Info())) {
+    if (HoldsSameFile(*item->file)) {
       // In one batch the two would spoil each other's read-back. After the run there is nothing left in it.
       item->file.reset();
       Run();
@@ -64,13 +64,12 @@ void FileBatch::AddLink(std::shared_ptr<Place> place, Entry entry, std::string p
 
 bool FileBatch::HoldsFileOfSeveralNames() const {
   return std::any_of(items_.begin(), items_.end(),
-                     [](const auto& item) { return item->file && item->file->Info().names > 1; });
+                     [](const auto& item) { return item->file && item->file->HasSeveralNames(); });
 }
 
-bool FileBatch::HoldsSameFile(const FileInfo& info) const {
-  if (info.names <= 1) return false;
+bool FileBatch::HoldsSameFile(FileWipe& file) const {
   return std::any_of(items_.begin(), items_.end(),
-                     [&info](const auto& item) { return item->file && item->file->Info().id == info.id; });
+                     [&file](const auto& item) { return item->file && item->file->IsSameFileAs(file); });
 }
 
 bool FileBatch::IsFull() const {

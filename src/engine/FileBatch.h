@@ -50,7 +50,7 @@ class FileBatch {
   };
 
   bool HoldsFileOfSeveralNames() const;
-  bool HoldsSameFile(const FileInfo& info) const;
+  bool HoldsSameFile(FileWipe& file) const;
   bool IsFull() const;
   // Carries out one step for an item, and takes it out of the batch when that fails.
   template <typename Step>

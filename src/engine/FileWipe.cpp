@@ -158,6 +158,19 @@ void FileWipe::RemoveStreams() {
   RemoveOverwritten(parts_, 1);
 }
 
+const FileId& FileWipe::Identity() {
+  if (!id_) {
+    FileId id;
+    Require(parts_.front().TheFile().Identity(id), "Looking at", path_);
+    id_ = id;
+  }
+  return *id_;
+}
+
+bool FileWipe::IsSameFileAs(FileWipe& other) {
+  return HasSeveralNames() && other.HasSeveralNames() && Identity() == other.Identity();
+}
+
 void FileWipe::Hide() {
   File& file = parts_.front().TheFile();
   Require(file.SetDates(), "Setting the dates of", hiddenPath_);
@@ -167,12 +180,14 @@ void FileWipe::Hide() {
 }
 
 void FileWipe::Remove() {
+  const bool mayHaveOtherNames = HasSeveralNames() || !operation_.namesLeft.empty();
+  if (mayHaveOtherNames) Identity();
   Require(parts_.front().TheFile().Remove(), "Removing", hiddenPath_);
   parts_.clear();
-  if (info_.names > 1) {
-    operation_.namesLeft[info_.id] = info_.names - 1;
-  } else {
-    operation_.namesLeft.erase(info_.id);
+  if (HasSeveralNames()) {
+    operation_.namesLeft[*id_] = info_.names - 1;
+  } else if (mayHaveOtherNames) {
+    operation_.namesLeft.erase(*id_);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,7 +58,9 @@ class FileWipe {
   // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
   void Open();
   // The file's facts as it was last looked at.
-  const FileInfo& Info() const { return info_; }
+  // Whether another name of this file may be in the same wipe.
+  bool HasSeveralNames() const { return info_.names > 1; }
+  bool IsSameFileAs(FileWipe& other);
   // Tells the owner that the work on this file begins.
   void Start();
   // Whether the file is still what it was when it was opened, as far as the system shows it: not longer, not
@@ -86,6 +89,7 @@ class FileWipe {
 
  private:
   void CheckOverwritten();
+  const FileId& Identity();
 
   Operation& operation_;
   Place& place_;
@@ -93,6 +97,7 @@ class FileWipe {
   std::string path_;
   std::string hiddenPath_;
   FileInfo info_;
+  std::optional<FileId> id_;  // once it was asked for
   std::vector<Overwriter> parts_;
   std::vector<std::uint64_t> lengthsBytes_;  // of the parts, when they were opened
   FileProgress progress_;

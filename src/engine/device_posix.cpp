@@ -490,8 +490,12 @@ class PosixFile final : public PosixPart {
       placement_ = std::move(placement.pieces);
       openedBytes_ = info.lengthBytes;
     }
-    info.id = {facts.st_dev, {facts.st_ino, 0}};
     info.names = static_cast<std::uint32_t>(facts.st_nlink);
+    return {};
+  }
+
+  Status Identity(FileId& id) override {
+    id = {device_, {inode_, 0}};
     return {};
   }
 

@@ -369,7 +369,8 @@ class OverlappedTransfer {
     return code == ERROR_SUCCESS || code == ERROR_HANDLE_EOF ? Status{} : FromCode(code);
   }
 
-  bool IsUnderWay() const { return refused_ == ERROR_SUCCESS; }
+  // Without asking the system: what it has done at once needs no waiting for its event.
+  bool IsUnderWay() const { return refused_ == ERROR_SUCCESS && !HasOverlappedIoCompleted(&at_); }
   HANDLE Event() const { return event_.Get(); }
 
  private:
@@ -392,6 +393,8 @@ class OverlappedTransfer {
   OVERLAPPED at_{};
   DWORD refused_ = ERROR_SUCCESS;  // what it has failed with at once
 };
+
+constexpr char kReadOnly[] = "it is read-only";
 
 class WindowsFile final : public File {
  public:
@@ -426,6 +429,8 @@ class WindowsFile final : public File {
     Facts facts;
     if (Status status = LookAt(handle.Get(), facts); !status.Ok()) return status;
     if (facts.isLink) return Status::Refusal("it is a link");
+    // Not each file system keeps us from opening it.
+    if ((facts.attributes & FILE_ATTRIBUTE_READONLY) != 0) return Status::Refusal(kReadOnly);
     file = std::make_unique<WindowsFile>(std::move(handle), folderPath, name, volume, direct);
     return {};
   }
@@ -443,13 +448,6 @@ class WindowsFile final : public File {
     // What lies in clusters occupies whole ones; what lies in the MFT record is told in units of 8 bytes.
     info.inRecord = volume_.isNtfs && info.lengthBytes > 0 && info.allocatedBytes % volume_.clusterBytes != 0;
     info.names = standard.NumberOfLinks;
-    if (!id_) {
-      FileId id;
-      Status status = IdentityOf(handle_.Get(), id);
-      if (!status.Ok() && info.names > 1) return status;
-      id_ = id;
-    }
-    info.id = *id_;
     info.notInPlace.clear();
     for (const AttributeRefusal& refusal : kRefusedAttributes) {
       if ((facts.attributes & refusal.attribute) != 0) {
@@ -459,6 +457,8 @@ class WindowsFile final : public File {
     }
     return {};
   }
+
+  Status Identity(FileId& id) override { return IdentityOf(handle_.Get(), id); }
 
   std::size_t Alignment() const override { return direct_ ? volume_.sectorBytes : 1; }
 
@@ -534,7 +534,6 @@ class WindowsFile final : public File {
   std::wstring name_;
   Volume volume_;
   bool direct_;
-  std::optional<FileId> id_;
 };
 
 // --- Folders --------------------------------------------------------------------------------------------
@@ -592,13 +591,15 @@ class WindowsFolder final : public Folder {
   Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
     std::wstring wide;
     if (Status status = WideName(name, wide); !status.Ok()) return status;
+    Status status = WindowsFile::Open(path_, wide, volume_, access, OPEN_EXISTING, file);
+    if (status.code != ERROR_ACCESS_DENIED) return status;
+    // The system has one answer for all these.
     const DWORD attributes = ::GetFileAttributesW(JoinWide(path_, wide).c_str());
-    if (attributes == INVALID_FILE_ATTRIBUTES) return LastError();
-    if ((attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
       if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return Status::Refusal("it is a folder");
-      if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return Status::Refusal("it is read-only");
+      if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return Status::Refusal(kReadOnly);
     }
-    return WindowsFile::Open(path_, wide, volume_, access, OPEN_EXISTING, file);
+    return status;
   }
 
   Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {

@@ -74,8 +74,13 @@ class FakeFile final : public File {
         device_.recordBytes > 0 && !node_->written.empty() && node_->written.size() <= device_.recordBytes;
     info.mergesEqual = device_.mergesEqual && isStream_;
     info.notInPlace = node_->notInPlace;
-    info.id = {1, {node_->number, 0}};
     info.names = node_->names;
+    return {};
+  }
+
+  Status Identity(FileId& id) override {
+    if (Status status = device_.Begin("identity", Path()); !status.Ok()) return status;
+    id = {1, {node_->number, 0}};
     return {};
   }
 
