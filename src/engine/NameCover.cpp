@@ -42,7 +42,7 @@ void NameCover::FillBlocks(Folder& folder, const std::string& path) {
 void NameCover::FillGaps() {
   for (const auto& filled : folders_) {
     if (filled->kind == NameRoom::Kind::Tree) continue;
-    for (const std::size_t length : {120, 60, 30, 12}) Fill(*filled, length, false);
+    for (const std::size_t length : {120u, 60u, 30u, 12u}) Fill(*filled, length, false);
   }
 }
 
@@ -50,9 +50,9 @@ void NameCover::FillRecord(Folder& folder, const std::string& path) {
   Filled* const filled = Add(folder, path);
   if (filled == nullptr) return;
   if (filled->kind == NameRoom::Kind::Tree) {
-    for (const std::size_t length : {12, 30, 100}) Fill(*filled, length, true);
+    for (const std::size_t length : {12u, 30u, 100u}) Fill(*filled, length, true);
   } else {
-    for (const std::size_t length : {60, 12}) Fill(*filled, length, true);
+    for (const std::size_t length : {60u, 12u}) Fill(*filled, length, true);
   }
 }
 
