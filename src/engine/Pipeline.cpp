@@ -8,7 +8,7 @@ Pipeline::Pipeline(Device& device, const Clock& clock, Pace& pace)
     : clock_(clock),
       pace_(pace),
       queue_(device.MakeQueue()),
-      depth_(std::min(queue_->Depth(), slots_.size())),
+      depth_(std::min(queue_->Depth(), Pace::kMostTransfers)),
       memory_(depth_, std::min(depth_, Pace::kLargestUnits)) {
   for (std::size_t i = depth_; i > 0; --i) free_.push_back(i - 1);
 }
