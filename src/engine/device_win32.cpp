@@ -6,8 +6,10 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <cwchar>
+#include <numeric>
 #include <optional>
 #include <utility>
 
@@ -380,7 +382,8 @@ class OverlappedTransfer {
     at_ = {};
     at_.Offset = static_cast<DWORD>(offsetBytes);
     at_.OffsetHigh = static_cast<DWORD>(offsetBytes >> 32);
-    at_.hEvent = event_.Get();
+    // The lowest bit says that nobody waits for it at a completion port (GetQueuedCompletionStatus).
+    at_.hEvent = reinterpret_cast<HANDLE>(reinterpret_cast<std::uintptr_t>(event_.Get()) | 1);
   }
   void Note(BOOL begun) {
     if (begun != 0) return;
@@ -710,6 +713,46 @@ class WindowsFolder final : public Folder {
 };
 
 // Several overlapped transfers under way.
+// Flushes files of which each has to be flushed by itself, as over a network, where a flush is a journey of
+// its own: threads of the system's pool make several side by side, and nothing else.
+class Flushes {
+ public:
+  void Add(HANDLE file) { files_.push_back(file); }
+
+  // The outcomes, in the order of the files: a system code for each, or ERROR_SUCCESS.
+  const std::vector<DWORD>& Run() {
+    constexpr std::size_t kFew = 4;
+    constexpr int kHelpers = 7;
+    codes_.assign(files_.size(), ERROR_SUCCESS);
+    const PTP_WORK work =
+        files_.size() > kFew ? ::CreateThreadpoolWork(&Flushes::Help, this, nullptr) : nullptr;
+    if (work != nullptr) {
+      for (int i = 0; i < kHelpers; ++i) ::SubmitThreadpoolWork(work);
+    }
+    TakeAll();
+    if (work != nullptr) {
+      // Those that haven't begun have nothing left to do.
+      ::WaitForThreadpoolWorkCallbacks(work, TRUE);
+      ::CloseThreadpoolWork(work);
+    }
+    return codes_;
+  }
+
+ private:
+  static void CALLBACK Help(PTP_CALLBACK_INSTANCE, void* flushes, PTP_WORK) {
+    static_cast<Flushes*>(flushes)->TakeAll();
+  }
+  void TakeAll() {
+    for (std::size_t i = next_++; i < files_.size(); i = next_++) {
+      if (::FlushFileBuffers(files_[i]) == 0) codes_[i] = ::GetLastError();
+    }
+  }
+
+  std::vector<HANDLE> files_;
+  std::vector<DWORD> codes_;
+  std::atomic<std::size_t> next_ = 0;
+};
+
 class WindowsQueue final : public TransferQueue {
  public:
   static constexpr std::size_t kDepth = 32;
@@ -810,11 +853,12 @@ class WindowsDevice final : public Device {
   // adds is that of the device's own cache, and one file's is as good as another's for that.
   void FlushMany(std::span<File* const> files, std::span<Status> outcomes) override {
     std::vector<std::wstring> flushed;
+    std::vector<std::size_t> apart;
     for (std::size_t i = files.size(); i > 0; --i) {
       auto& file = static_cast<WindowsFile&>(*files[i - 1]);
       const Volume& volume = file.OnVolume();
       if (!file.IsDirect() || !volume.isLocal) {
-        outcomes[i - 1] = file.Flush();
+        apart.push_back(i - 1);
         continue;
       }
       if (std::find(flushed.begin(), flushed.end(), volume.root) != flushed.end()) continue;
@@ -826,9 +870,26 @@ class WindowsDevice final : public Device {
         if (same.IsDirect() && same.OnVolume().root == volume.root) outcomes[other] = status;
       }
     }
+    FlushApart(files, apart, outcomes);
+  }
+
+  void FlushEntries(std::span<File* const> files, std::span<Status> outcomes) override {
+    std::vector<std::size_t> all(files.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    FlushApart(files, all, outcomes);
   }
 
  private:
+  static void FlushApart(std::span<File* const> files, std::span<const std::size_t> which,
+                         std::span<Status> outcomes) {
+    Flushes flushes;
+    for (const std::size_t i : which) flushes.Add(static_cast<WindowsFile&>(*files[i]).Handle());
+    const std::vector<DWORD>& codes = flushes.Run();
+    for (std::size_t i = 0; i < which.size(); ++i) {
+      outcomes[which[i]] = codes[i] == ERROR_SUCCESS ? Status{} : FromCode(codes[i]);
+    }
+  }
+
   DeviceOptions options_;
 };
 

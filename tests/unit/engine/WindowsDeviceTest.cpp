@@ -367,6 +367,33 @@ BOOL WINAPI NotedFlush(HANDLE file) {
   return reinterpret_cast<decltype(&::FlushFileBuffers)>(flushFile->Before())(file);
 }
 
+BOOL WINAPI FailingFlush(HANDLE file) {
+  if (!calls->Has(file)) return reinterpret_cast<decltype(&::FlushFileBuffers)>(flushFile->Before())(file);
+  ::SetLastError(ERROR_NETNAME_DELETED);
+  return FALSE;
+}
+
+// Where each file is flushed by itself, several are at a time.
+TEST(WindowsDevice, KeepsTheFileWhoseFlushFailsAndNoOther) {
+  Scratch scratch;
+  RealEngine real;
+  for (int i = 0; i < 40; ++i) WriteBytes(scratch / ("file" + std::to_string(i)), Secret(3'000));
+  WriteBytes(scratch / "bad.dat", Secret(3'000));
+  Calls noted{L"\\bad.dat"};
+  {
+    calls = &noted;
+    Intercept create(__imp_CreateFileW, reinterpret_cast<void*>(NotedCreateFile));
+    Intercept flush(__imp_FlushFileBuffers, reinterpret_cast<void*>(FailingFlush));
+    createFile = &create;
+    flushFile = &flush;
+    EXPECT_FALSE(real.engine.WipeFolderFiles(Utf8(scratch.Path()), "*.*", false, 3));
+  }
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("bad.dat"));
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("(64)"));
+  EXPECT_EQ(std::distance(fs::directory_iterator(scratch.Path()), fs::directory_iterator()), 1);
+  EXPECT_EQ(real.events.Of("wiped").size(), 40u);
+}
+
 TEST(WindowsDevice, WritesThroughUnbufferedOverlappedAndFlushesEachPass) {
   Scratch scratch;
   RealEngine real;
