@@ -10,7 +10,7 @@
 #include "ancillary/frmOpen.h"
 #include "ancillary/frmWelcome.h"
 #include "controls/MessageLoop.h"
-#include "core/frmMain.h"
+#include "core/main/frmMain.h"
 #include "jobs/frmEdit.h"
 #include "jobs/frmFolder.h"
 #include "jobs/frmNew.h"

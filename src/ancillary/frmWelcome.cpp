@@ -1,6 +1,6 @@
 #include "ancillary/frmWelcome.h"
 
-#include "core/Settings.h"
+#include "core/state/Settings.h"
 #include "platform/Files.h"
 #include "platform/RunTimeError.h"
 

@@ -12,9 +12,9 @@
 #include <string_view>
 #include <vector>
 
-#include "core/BarLayout.h"
-#include "core/CommandState.h"
-#include "core/CommandTable.h"
+#include "controls/BarLayout.h"
+#include "core/main/CommandTable.h"
+#include "jobs/CommandState.h"
 #include "platform/win32/UniqueHandle.h"
 
 namespace zq {

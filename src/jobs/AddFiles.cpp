@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/FileIcons.h"
 #include "jobs/JobList.h"
 #include "jobs/JobRow.h"

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/JobList.h"
 #include "platform/RunTimeError.h"
 #include "platform/Text.h"

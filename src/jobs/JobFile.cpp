@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <utility>
 
-#include "core/AppState.h"
-#include "core/CommandState.h"
-#include "core/StartUp.h"
+#include "core/state/AppState.h"
+#include "core/state/ItemExists.h"
+#include "jobs/CommandState.h"
 #include "jobs/FileIcons.h"
 #include "jobs/JobList.h"
 #include "jobs/JobName.h"

@@ -2,9 +2,8 @@
 
 #include <optional>
 
-#include "core/AppState.h"
-#include "core/CommandState.h"
-#include "core/StartUp.h"
+#include "core/state/AppState.h"
+#include "jobs/CommandState.h"
 #include "jobs/JobList.h"
 #include "jobs/JobName.h"
 #include "platform/Files.h"

@@ -1,8 +1,7 @@
 #include "jobs/JobName.h"
 
-#include <optional>
-
 #include "platform/Files.h"
+#include "platform/Regional.h"
 #include "platform/RunTimeError.h"
 #include "platform/Text.h"
 
@@ -54,6 +53,20 @@ Message BoxOf(JobNameVerdict verdict) {
       break;
   }
   throw RunTimeError(ErrorNumber::InvalidProcedureCall);
+}
+
+std::optional<std::string> JobNameFromCommandLine(const std::string& commandLine,
+                                                  const std::string& appFolder, Regional& regional) {
+  std::string_view text = commandLine;
+  if (text.starts_with('"')) {
+    text.remove_prefix(1);
+    if (text.ends_with('"')) text.remove_suffix(1);
+  }
+
+  const std::string upper = regional.UpperCase(text);
+  if (upper.find(regional.UpperCase(appFolder)) == std::string::npos) return std::nullopt;
+  if (upper.find(".ZQJ") == std::string::npos) return std::nullopt;
+  return std::string(WithoutLastCharacters(text.substr(text.rfind('\\') + 1), 4));
 }
 
 }  // namespace zq

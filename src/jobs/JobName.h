@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,7 @@
 namespace zq {
 
 class Files;
+class Regional;
 struct FileEntry;
 
 inline constexpr const char* kJobsFolder = "Jobs\\";  // below the program's folder
@@ -40,5 +42,11 @@ JobNameVerdict VerdictOnJobName(Files& files, const std::string& appFolder, std:
 
 // The box of a verdict. Raises InvalidProcedureCall for Accepted, which has none.
 Message BoxOf(JobNameVerdict verdict);
+
+// The name of the job that the command line asks for, or nothing if it doesn't name one: it has to hold
+// the program's folder and ".ZQJ", with case ignored. The folder part is thrown away: a job is always
+// read from the program's own folder of jobs.
+std::optional<std::string> JobNameFromCommandLine(const std::string& commandLine,
+                                                  const std::string& appFolder, Regional& regional);
 
 }  // namespace zq

@@ -3,7 +3,7 @@
 
 #include "controls/Control.h"
 #include "controls/Default.h"
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "platform/Platform.h"
 #include "resource.h"
 

@@ -6,7 +6,7 @@
 #include "controls/Control.h"
 #include "controls/Default.h"
 #include "controls/FolderTreeview.h"
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "platform/Platform.h"
 #include "resource.h"
 

@@ -8,7 +8,7 @@
 #include "controls/Default.h"
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/JobFile.h"
 #include "platform/Platform.h"
 #include "resource.h"

@@ -1,8 +1,8 @@
 #include "wipe/JobWipe.h"
 
-#include "core/AppState.h"
-#include "core/MainWindow.h"
-#include "core/StartUp.h"
+#include "core/state/AppState.h"
+#include "core/state/ItemExists.h"
+#include "core/state/MainWindow.h"
 #include "jobs/JobFile.h"
 #include "jobs/JobList.h"
 #include "platform/Files.h"

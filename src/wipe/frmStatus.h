@@ -4,7 +4,7 @@
 #include "controls/Control.h"
 #include "controls/Default.h"
 #include "controls/ProgressBarEx.h"
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "platform/Platform.h"
 #include "resource.h"
 #include "wipe/WipeProgress.h"

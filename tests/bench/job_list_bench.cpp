@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/AddFiles.h"
 #include "jobs/FileIcons.h"
 #include "jobs/FileMask.h"

@@ -1,6 +1,6 @@
 // The layout file of the bars: any bytes are refused, or are exactly what is written for the layout that
 // was read from them.
-#include "core/BarLayout.h"
+#include "controls/BarLayout.h"
 #include "fuzz/Fuzz.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

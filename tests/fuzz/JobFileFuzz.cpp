@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "fuzz/Fuzz.h"
 #include "jobs/FileIcons.h"
 #include "jobs/FileMask.h"

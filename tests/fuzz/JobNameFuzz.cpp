@@ -2,8 +2,9 @@
 #include <optional>
 #include <string>
 
-#include "core/StartUp.h"
+#include "core/main/StartUp.h"
 #include "fuzz/Fuzz.h"
+#include "jobs/JobName.h"
 #include "support/fakes/FakeRegional.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -1,7 +1,7 @@
 // The settings records: bytes of the right length come back as they were, and all others are refused.
 #include <string>
 
-#include "core/Settings.h"
+#include "core/state/Settings.h"
 #include "fuzz/Fuzz.h"
 #include "platform/RunTimeError.h"
 

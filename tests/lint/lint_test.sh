@@ -46,8 +46,8 @@ ours 'src/*' ':!src/*/frm*' ':!src/controls/*' ':!src/platform/win32/*' ':!src/*
 
 ours 'src/engine/*' | found '#include *"(core|jobs|wipe|reports|quickbin|preferences|help|ancillary|controls|platform|manager|cli)/' |
   complain "The engine stands alone:"
-ours 'src/*' ':!src/core/*' ':!src/app*' | found '#include *"core/frmMain\.h"' |
-  complain "Nothing but the program's start knows frmMain; take core/MainWindow.h:"
+ours 'src/*' ':!src/core/*' ':!src/app*' | found '#include *"core/main/frmMain\.h"' |
+  complain "Nothing but the program's start knows frmMain; take core/state/MainWindow.h:"
 { ours 'src/*.h' 'tests/*.h' | xargs -0 --no-run-if-empty grep -L '^#pragma once' || true; } |
   complain "Headers without #pragma once:"
 

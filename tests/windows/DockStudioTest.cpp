@@ -4,10 +4,10 @@
 #include <algorithm>
 
 #include "FakePlatform.h"
+#include "controls/BarLayout.h"
 #include "controls/MessageLoop.h"
-#include "core/BarLayout.h"
-#include "core/Settings.h"
-#include "core/frmMain.h"
+#include "core/main/frmMain.h"
+#include "core/state/Settings.h"
 
 namespace zq::test {
 namespace {

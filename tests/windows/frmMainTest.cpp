@@ -5,8 +5,8 @@
 
 #include "FakePlatform.h"
 #include "controls/MessageLoop.h"
-#include "core/Settings.h"
-#include "core/frmMain.h"
+#include "core/main/frmMain.h"
+#include "core/state/Settings.h"
 #include "platform/RunTimeError.h"
 
 namespace zq::test {

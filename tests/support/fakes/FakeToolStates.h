@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "core/CommandState.h"
+#include "jobs/CommandState.h"
 #include "platform/RunTimeError.h"
 #include "support/fakes/EventLog.h"
 

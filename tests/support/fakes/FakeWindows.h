@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "core/MainWindow.h"
+#include "core/state/MainWindow.h"
 #include "support/fakes/EventLog.h"
 #include "wipe/JobWipe.h"
 #include "wipe/WipeProgress.h"

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/FileMask.h"
 #include "jobs/JobList.h"
 #include "support/ExpectRaises.h"

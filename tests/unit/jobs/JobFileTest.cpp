@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/FileIcons.h"
 #include "jobs/JobFile.h"
 #include "jobs/JobList.h"

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/AddFiles.h"
 #include "jobs/FileIcons.h"
 #include "jobs/FileMask.h"

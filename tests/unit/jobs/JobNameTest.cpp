@@ -1,13 +1,17 @@
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <string>
+
 #include "jobs/JobName.h"
 #include "support/ExpectRaises.h"
 #include "support/fakes/FakeFiles.h"
+#include "support/fakes/FakeRegional.h"
 
 namespace zq {
 namespace {
 
-constexpr const char* kAppFolder = "C:\\Zeroquill\\";
+const std::string kAppFolder = "C:\\Zeroquill\\";
 
 JobNameVerdict VerdictOn(const std::string& nameText) {
   test::FakeFiles files;
@@ -77,6 +81,54 @@ TEST(JobName, HasABoxForEachVerdictButTheGoodOne) {
           "Job?",
           "Overwrite Job", MessageIcon::Question, MessageButtons::OkCancel}));
   test::ExpectRaises(ErrorNumber::InvalidProcedureCall, [] { BoxOf(JobNameVerdict::Accepted); });
+}
+
+TEST(JobNameFromCommandLine, IsWhatFollowsTheLastBackslashWithoutTheExtension) {
+  struct Case {
+    const char* commandLine;
+    std::optional<std::string> name;
+  };
+  const Case kCases[] = {
+      {"C:\\Zeroquill\\Jobs\\Old papers.zqj", "Old papers"},
+      {"\"C:\\Zeroquill\\Jobs\\Old papers.zqj\"", "Old papers"},
+      {"c:\\ZEROQUILL\\jobs\\Old papers.ZqJ", "Old papers"},
+      // The folder part is thrown away.
+      {"C:\\Zeroquill\\Elsewhere\\Deep\\x.zqj", "x"},
+      {"C:\\Zeroquill\\x.zqj", "x"},
+      // A closing quote without an opening one stays, and counts among the four.
+      {"C:\\Zeroquill\\Jobs\\x.zqj\"", "x."},
+      {"\"C:\\Zeroquill\\Jobs\\x.zqj", "x"},
+      // One pair of quotes at the most.
+      {"\"\"C:\\Zeroquill\\Jobs\\x.zqj\"\"", "x."},
+      // Two paths count together.
+      {"C:\\Zeroquill\\a.txt D:\\b.zqj", "b"},
+      {"D:\\b.zqj C:\\Zeroquill\\a.txt", "a"},
+      {"C:\\Zeroquill\\a.zqj.txt", "a.zqj"},
+      // A last part of up to four characters leaves an empty name.
+      {"C:\\Zeroquill\\.zqj", ""},
+      {"C:\\Zeroquill\\x.zqj\\", ""},
+      {"C:\\Zeroquill\\x.zqj D:\\abc", ""},
+      // Four characters, not bytes.
+      {"C:\\Zeroquill\\x.zqj D:\\abcdé", "a"},
+      {"C:\\Zeroquill\\Jobs\\Café.zqj", "Café"},
+      // No job of the program's own folder.
+      {"", std::nullopt},
+      {"\"", std::nullopt},
+      {"\"\"", std::nullopt},
+      {"C:\\Zeroquill\\a.txt", std::nullopt},
+      {"D:\\Copy\\x.zqj", std::nullopt},
+      {"C:\\Zeroquil\\x.zqj", std::nullopt},
+      {"C:\\Zeroquill\\zqj", std::nullopt},
+  };
+  test::FakeRegional regional;
+  for (const Case& c : kCases) {
+    EXPECT_EQ(JobNameFromCommandLine(c.commandLine, kAppFolder, regional), c.name) << c.commandLine;
+  }
+}
+
+TEST(JobNameFromCommandLine, IgnoresTheCaseOfLettersBeyondAscii) {
+  test::FakeRegional regional;
+  EXPECT_EQ(JobNameFromCommandLine("c:\\été\\x.zqj", "C:\\ÉTÉ\\", regional), "x");
 }
 
 }  // namespace

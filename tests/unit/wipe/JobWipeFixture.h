@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/JobList.h"
 #include "support/ExpectRaises.h"
 #include "support/Rows.h"

@@ -1,10 +1,10 @@
-#include "core/Settings.h"
+#include "core/state/Settings.h"
 
 #include <algorithm>
 #include <type_traits>
 #include <utility>
 
-#include "core/StartUp.h"
+#include "core/state/ItemExists.h"
 #include "platform/Files.h"
 #include "platform/NumberFormat.h"
 #include "platform/Registry.h"

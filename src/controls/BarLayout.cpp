@@ -1,4 +1,4 @@
-#include "core/BarLayout.h"
+#include "controls/BarLayout.h"
 
 #include <algorithm>
 #include <charconv>

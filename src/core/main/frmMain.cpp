@@ -1,5 +1,5 @@
 // The main window's life: start, placement, shutdown, and its list.
-#include "core/frmMain.h"
+#include "core/main/frmMain.h"
 
 #include <shellapi.h>
 #include <windowsx.h>
@@ -7,9 +7,10 @@
 #include <array>
 
 #include "ancillary/frmWelcome.h"
-#include "core/CommandState.h"
-#include "core/Settings.h"
-#include "core/StartUp.h"
+#include "core/main/StartUp.h"
+#include "core/state/ItemExists.h"
+#include "core/state/Settings.h"
+#include "jobs/CommandState.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
 #include "platform/Twips.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/Settings.h"
+#include "core/state/Settings.h"
 #include "platform/FixedPoint.h"
 
 namespace zq {

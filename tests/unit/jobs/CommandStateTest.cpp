@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/AppState.h"
-#include "core/CommandState.h"
+#include "core/state/AppState.h"
+#include "jobs/CommandState.h"
 #include "jobs/JobList.h"
 #include "platform/RunTimeError.h"
 #include "support/Rows.h"

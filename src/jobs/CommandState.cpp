@@ -1,6 +1,6 @@
-#include "core/CommandState.h"
+#include "jobs/CommandState.h"
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "jobs/JobList.h"
 #include "platform/NumberFormat.h"
 #include "platform/RunTimeError.h"

@@ -1,4 +1,4 @@
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/AppState.h"
+#include "core/state/AppState.h"
 #include "support/ExpectRaises.h"
 
 namespace zq {

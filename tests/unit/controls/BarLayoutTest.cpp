@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/BarLayout.h"
+#include "controls/BarLayout.h"
 
 namespace zq {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "core/Settings.h"
+#include "core/state/Settings.h"
 #include "support/ExpectRaises.h"
 #include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeRegistry.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/CommandTable.h"
+#include "core/main/CommandTable.h"
 
 namespace zq {
 namespace {

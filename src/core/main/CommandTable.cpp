@@ -1,4 +1,4 @@
-#include "core/CommandTable.h"
+#include "core/main/CommandTable.h"
 
 namespace zq {
 namespace {
