@@ -1,4 +1,5 @@
-// The device on Windows.
+#include "engine/device_win32.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
@@ -6,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/Device.h"
+#include "engine/calls_win32.h"
 #include "engine/file_win32.h"
 #include "engine/folder_win32.h"
 #include "engine/paths_win32.h"
@@ -57,12 +58,13 @@ class Flushes {
 
 class WindowsDevice final : public Device {
  public:
-  explicit WindowsDevice(const DeviceOptions& options) : options_(options) {}
+  WindowsDevice(const DeviceOptions& options, std::unique_ptr<WindowsCalls> calls)
+      : options_(options), calls_(std::move(calls)) {}
 
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override {
     std::wstring longPath;
     if (Status status = LongPath(path, longPath); !status.Ok()) return status;
-    return OpenWindowsFolder(longPath, true, folder);
+    return OpenRootFolder(*calls_, longPath, options_.trustFileSystem, folder);
   }
 
   Status Split(const std::string& path, std::string& folderPath, std::string& name) const override {
@@ -106,7 +108,7 @@ class WindowsDevice final : public Device {
     for (std::size_t i = files.size(); i > 0; --i) {
       auto& file = static_cast<WindowsFile&>(*files[i - 1]);
       const Volume& volume = file.OnVolume();
-      if (!file.IsDirect() || !volume.isLocal) {
+      if (!file.IsDirect() || !volume.flushesAtOnce) {
         apart.push_back(i - 1);
         continue;
       }
@@ -140,16 +142,21 @@ class WindowsDevice final : public Device {
   }
 
   DeviceOptions options_;
+  std::unique_ptr<WindowsCalls> calls_;
 };
 
 }  // namespace
+
+std::unique_ptr<Device> MakeDevice(const DeviceOptions& options, std::unique_ptr<WindowsCalls> calls) {
+  return std::make_unique<WindowsDevice>(options, std::move(calls));
+}
 
 }  // namespace zq::engine::win32
 
 namespace zq::engine {
 
 std::unique_ptr<Device> MakeSystemDevice(const DeviceOptions& options) {
-  return std::make_unique<win32::WindowsDevice>(options);
+  return win32::MakeDevice(options, win32::MakeSystemCalls());
 }
 
 }  // namespace zq::engine
