@@ -1,11 +1,13 @@
 #include "wipe/JobWipe.h"
 
 #include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "core/state/ItemExists.h"
 #include "core/state/MainWindow.h"
 #include "jobs/JobFile.h"
 #include "jobs/JobList.h"
 #include "platform/Files.h"
+#include "platform/Like.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
@@ -16,8 +18,6 @@
 
 namespace zq {
 namespace {
-
-constexpr const char* kEveryFile = "*.*";
 
 constexpr const char* kNothingFound =
     "All listed items in your current Job were not found at their defined locations and may have been "
@@ -42,7 +42,7 @@ bool HasSubFoldersText(const JobRow& row) {
 }
 
 bool IncludesSubFolders(const JobRow& row) {
-  return row.SubFolders == "Yes";
+  return row.SubFolders == kYes;
 }
 
 std::string WithQuestion(const char* statement, const char* question) {
@@ -152,7 +152,7 @@ void JobWipe::WipeFolderRow(int row) {
   state_.ReportFolders.Add(item.NameAndLocation);
 
   bool wiped = false;
-  if (item.FolderMask == kEveryFile && IncludesSubFolders(item)) {
+  if (item.FolderMask == kEveryFileMask && IncludesSubFolders(item)) {
     wiped = SFD1_->WipeFolder(item.NameAndLocation, level);
     if (wiped) jobList_.SetGhosted(row, true);
   } else {
@@ -183,7 +183,7 @@ void JobWipe::WriteReport() {
   // is written by the next save.
   if (!state_.CurrentJobName.empty()) {
     state_.LastWiping = stamp;
-    StampJobFile(state_, platform_.files);
+    StampJobFile(state_, DataFolder(platform_.files, state_));
   }
 
   ReportData report;
@@ -192,7 +192,7 @@ void JobWipe::WriteReport() {
   report.folders = state_.ReportFolders.Items();
   report.files = state_.ReportFiles.Items();
   report.errors = state_.ReportErrors.Items();
-  platform_.files.Write(state_.AppFolder + "Report\\Report.dat", EncodeReport(report));
+  DataFolder(platform_.files, state_).Write(kReportFile, EncodeReport(report));
 }
 
 void JobWipe::ClearReportLists() {

@@ -9,7 +9,6 @@
 #include "ancillary/frmWelcome.h"
 #include "core/main/CommandTable.h"
 #include "core/main/StartUp.h"
-#include "core/state/ItemExists.h"
 #include "core/state/Settings.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
@@ -60,6 +59,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
     : Form(IDD_frmMain),
       state_(state),
       platform_(platform),
+      dataFolder_(platform.files, state),
       jobList_(platform.regional),
       icons_(*this, platform.regional),
       addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
@@ -119,7 +119,7 @@ void frmMain::Load() {
   state_.SecondInstance = false;
   state_.AppFolder = AppFolderFrom(platform_.process.ApplicationPath());
 
-  const LoadedSettings loaded = LoadSettings(platform_.files, platform_.registry, state_.AppFolder);
+  const LoadedSettings loaded = LoadSettings(dataFolder_, platform_.registry);
   state_.Settings = loaded.settings;
   state_.Placement = loaded.placement;
   FirstRun_ = loaded.firstRun;
@@ -133,7 +133,7 @@ void frmMain::Load() {
   state_.CurrentJobName = "";
   state_.JobSaved = true;
   state_.LastWiping = "N/A";
-  EnsureDataFolders(platform_.files, state_.AppFolder);
+  EnsureDataFolders(dataFolder_);
   commands_.UpdateTools();
   dropTarget_.Register(ListView1.Handle(),
                        [this](const DroppedPaths& paths) { ListView1_OLEDragDrop(paths); });
@@ -156,8 +156,8 @@ void frmMain::Show() {
 }
 
 void frmMain::LoadBarLayout() {
-  const std::string path = state_.AppFolder + kBarLayoutFile;
-  if (ItemExists(platform_.files, kItemIsFile, path)) DockStudio1.LoadLayout(platform_.files, path);
+  if (dataFolder_.HasFile(kBarLayoutFile))
+    DockStudio1.LoadLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
 }
 
 void frmMain::SetDesignSize() {
@@ -207,9 +207,9 @@ void frmMain::Unloaded() {
   dropTarget_.Revoke();
   if (state_.Settings.Maximize != 1) state_.Placement = CurrentPlacement();
   if (!state_.SecondInstance) {
-    WriteSettings(platform_.files, state_.AppFolder, state_.Settings);
-    WritePlacement(platform_.files, state_.AppFolder, state_.Placement);
-    DockStudio1.SaveLayout(platform_.files, state_.AppFolder + kBarLayoutFile);
+    WriteSettings(dataFolder_, state_.Settings);
+    WritePlacement(dataFolder_, state_.Placement);
+    DockStudio1.SaveLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
   }
   platform_.process.End();
 }

@@ -13,6 +13,7 @@
 #include "controls/ListView.h"
 #include "core/main/Commands.h"
 #include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "core/state/MainWindow.h"
 #include "jobs/AddFiles.h"
 #include "jobs/FileIcons.h"
@@ -96,6 +97,7 @@ class frmMain final : public Form,
 
   AppState& state_;
   Platform& platform_;
+  DataFolder dataFolder_;
   JobList jobList_;
   FileIcons icons_;
   AddFiles addFiles_;
