@@ -24,7 +24,7 @@ std::string_view CutAtCharacter(std::string_view text, std::size_t maxBytes) {
 
 std::string_view WithoutLastCharacters(std::string_view text, int count) {
   for (; count > 0 && !text.empty(); --count) {
-    text = CutAtCharacter(text, text.size() - 1);
+    text.remove_suffix(LastCharacterBytes(text));
   }
   return text;
 }

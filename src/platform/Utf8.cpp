@@ -19,4 +19,13 @@ Character FirstCharacter(std::string_view text) {
   return {size, true, value};
 }
 
+std::size_t LastCharacterBytes(std::string_view text) {
+  constexpr std::size_t kMostBytes = 4;
+  for (std::size_t size = 1; size <= kMostBytes && size <= text.size(); ++size) {
+    const Character character = FirstCharacter(text.substr(text.size() - size));
+    if (character.isValid && character.sizeBytes == size) return size;
+  }
+  return 1;
+}
+
 }  // namespace zq

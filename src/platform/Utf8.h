@@ -17,6 +17,10 @@ struct Character {
 // code point aren't valid.
 Character FirstCharacter(std::string_view text);
 
+// The number of bytes of the character at the end of `text`, which must not be empty: 1 for a byte that isn't
+// valid there.
+std::size_t LastCharacterBytes(std::string_view text);
+
 // Whether a byte is one of those that follow a character's first.
 constexpr bool IsContinuation(char byte) {
   return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;

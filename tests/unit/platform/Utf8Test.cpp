@@ -23,5 +23,14 @@ TEST(Utf8, TakesForACharacterOnlyWhatIsValid) {
   EXPECT_EQ(FirstCharacter("\xF0\x9F\x98\x80").value, U'\U0001F600');
 }
 
+TEST(Utf8, CountsTheBytesOfTheLastCharacter) {
+  for (const char* text : {"a", "ba", "\xC3\xA9z"}) EXPECT_EQ(LastCharacterBytes(text), 1u) << text;
+  EXPECT_EQ(LastCharacterBytes("a\xC3\xA9"), 2u);
+  EXPECT_EQ(LastCharacterBytes("\xC3\xA9\xE2\x82\xAC"), 3u);
+  EXPECT_EQ(LastCharacterBytes("a\xF0\x9F\x98\x80"), 4u);
+  for (const char* text : {"\x80", "a\x80", "\xC3\xA9\x80", "\x80\x80\x80\x80\x80", "\xE2\x82"})
+    EXPECT_EQ(LastCharacterBytes(text), 1u) << text;
+}
+
 }  // namespace
 }  // namespace zq
