@@ -65,7 +65,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
       addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
       jobWipe_(state, jobList_, platform, *this, statusWindow_, nullptr),
-      SFD1_(jobWipe_),
+      SFD1(jobWipe_),
       commands_({.state = state,
                  .jobList = jobList_,
                  .platform = platform,
@@ -75,7 +75,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .jobWipe = jobWipe_,
                  .folderDialog = *this,
                  .windows = *this}) {
-  jobWipe_.SetEngine(&SFD1_);
+  jobWipe_.SetEngine(&SFD1);
   jobList_.SetView(this);
 
   DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };
@@ -122,7 +122,7 @@ void frmMain::Load() {
   const LoadedSettings loaded = LoadSettings(dataFolder_, platform_.registry);
   state_.Settings = loaded.settings;
   state_.Placement = loaded.placement;
-  FirstRun_ = loaded.firstRun;
+  FirstRun = loaded.firstRun;
   RestoreWindowPlacement();
   LoadBarLayout();
 
@@ -215,7 +215,7 @@ void frmMain::Unloaded() {
 }
 
 void frmMain::Activated() {
-  if (FirstRun_ && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
+  if (FirstRun && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
 }
 
 std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -246,8 +246,8 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
       if (wParam) Unloaded();
       return 0;
     case kShowWelcome:
-      if (FirstRun_) {
-        FirstRun_ = false;  // before the window runs: each activation asks again
+      if (FirstRun) {
+        FirstRun = false;  // before the window runs: each activation asks again
         Default<frmWelcome>::Touch().ShowModal(Handle());
       }
       return 0;
@@ -310,7 +310,7 @@ void frmMain::MeasureSmallIcon(const std::string& key, std::uint32_t flags) {
   SHFILEINFOA info{};
   const auto images = reinterpret_cast<HIMAGELIST>(
       ::SHGetFileInfoA(key.c_str(), 0, &info, sizeof info, SHGFI_SYSICONINDEX | flags));
-  if (images) ::ImageList_GetIconSize(images, &IconWidth_, &IconHeight_);
+  if (images) ::ImageList_GetIconSize(images, &IconWidth, &IconHeight);
 }
 
 void frmMain::DrawFileIcon(const std::string& key, std::uint32_t flags) {
