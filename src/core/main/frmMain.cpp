@@ -253,7 +253,9 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
   }
 }
 
+// The rows first: who reads the number of items in the status bar must find as many in the list.
 void frmMain::UpdateCommandState() {
+  ShowPendingRows();
   zq::UpdateCommandState(state_, jobList_, DockStudio1, platform_.regional);
 }
 
