@@ -23,7 +23,7 @@ packages_of() {
       printf '%s\n' wine wine64 fonts-wine fonts-dejavu-core fonts-liberation2 xvfb xauth util-linux
       ;;
     test)
-      printf '%s\n' googletest clang libclang-rt-dev clang-format cppcheck shellcheck \
+      printf '%s\n' googletest clang libclang-rt-dev clang-format clang-tidy cppcheck shellcheck \
         imagemagick icoutils librsvg2-bin python3
       # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
       printf '%s\n' e2fsprogs ntfs-3g xfsprogs btrfs-progs dosfstools procps sleuthkit testdisk secure-delete wipe
@@ -64,7 +64,7 @@ need_packages() {
       [build]="cmake ninja x86_64-w64-mingw32-g++-posix x86_64-w64-mingw32-windres"
       [build-native]="cmake ninja g++"
       [run]="wine wineserver Xvfb unshare nsenter"
-      [test]="clang++ clang-format"
+      [test]="clang++ clang-format clang-tidy cppcheck shellcheck"
       [bench]="wipe srm scrub fio strace perl")
     local tool absent=""
     for set in "$@"; do
