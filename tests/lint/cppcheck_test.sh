@@ -7,7 +7,7 @@ source scripts/files.sh
 
 # Left out: it takes what a lambda throws for thrown by the function around it, and a pointer to a local
 # variable that is taken back at the end of the call for one that stays.
-options=(--quiet --enable=warning,performance,portability --std=c++20 --language=c++ --inline-suppr
+options=(--quiet "--enable=warning,performance,portability" --std=c++20 --language=c++ --inline-suppr
   --error-exitcode=1 -I src -I resources --template='{file}:{line}: {id}: {message}'
   --suppress=throwInNoexceptFunction --suppress=danglingLifetime)
 native=(--platform=unix64)

@@ -41,10 +41,6 @@ ours 'src/*' '!src/*/frm*' '!src/controls/*' '!src/platform/win32/*' '!src/*_win
   '!src/app*' '!src/manager/*' | found "$system" |
   complain "Windows' headers outside forms, controls, platform/win32 and device files:"
 
-ours 'src/engine/*' | found '#include *"(core|jobs|wipe|reports|quickbin|preferences|help|ancillary|controls|platform|manager|cli)/' |
-  complain "The engine stands alone:"
-ours 'src/*' '!src/core/*' '!src/app*' | found '#include *"core/main/frmMain\.h"' |
-  complain "Nothing but the program's start knows frmMain; take core/state/MainWindow.h:"
 { ours 'src/*.h' 'tests/*.h' | xargs -0 --no-run-if-empty grep -L '^#pragma once' || true; } |
   complain "Headers without #pragma once:"
 
