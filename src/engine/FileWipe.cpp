@@ -114,6 +114,10 @@ void FileProgress::Raise(std::int32_t bytesDone) {
   operation_.LookForCancel();
 }
 
+void ThrowNotMeant(const std::string& path) {
+  throw MakeFailure("Opening", path, "it isn't any more what was to be wiped: something else is there now");
+}
+
 FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::string path)
     : operation_(operation),
       place_(place),
@@ -129,6 +133,7 @@ void FileWipe::Open() {
         return place_.folder->OpenFile(name_, access, file);
       },
       info_));
+  if (place_.onlyFile && Identity() != *place_.onlyFile) ThrowNotMeant(path_);
   lengthsBytes_.push_back(info_.lengthBytes);
 
   std::vector<std::string> streams;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <memory>
 #include <numeric>
 #include <string>
 #include <vector>
@@ -65,6 +66,22 @@ class WindowsDevice final : public Device {
     std::wstring longPath;
     if (Status status = LongPath(path, longPath); !status.Ok()) return status;
     return OpenRootFolder(*calls_, longPath, options_.trustFileSystem, folder);
+  }
+
+  Status Identify(const std::string& path, EntryId& id) override {
+    std::wstring longPath;
+    if (Status status = LongPath(path, longPath); !status.Ok()) return status;
+    Closing handle(*calls_);
+    constexpr Opening kToIdentify = {kReadAttributes | kSynchronize, kShareRead | kShareWrite | kShareDelete,
+                                     kOpenExisting, kBackupSemantics | kOpenReparsePoint | kOpenNoRecall};
+    if (const Code code = calls_->Open(longPath, kToIdentify, handle.handle); code != kSuccess) {
+      return FromCode(code);
+    }
+    // Without a hold: a handle would keep the entry from going where it goes only with its last one (FAT).
+    // NTFS counts in the number itself how often it was given to another file.
+    id = {};
+    const Code code = calls_->Identity(handle.handle, id.file);
+    return code == kSuccess ? Status{} : FromCode(code);
   }
 
   Status Split(const std::string& path, std::string& folderPath, std::string& name) const override {

@@ -18,6 +18,12 @@ class WindowsFolder final : public Folder {
   WindowsFolder(SystemHandle handle, FolderPlace place) : handle_(handle), place_(std::move(place)) {}
   ~WindowsFolder() override { place_.calls->Close(handle_); }
 
+  Status Identity(EntryId& id) override {
+    id = {};
+    const Code code = place_.calls->Identity(handle_, id.file);
+    return code == kSuccess ? Status{} : FromCode(code);
+  }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};
