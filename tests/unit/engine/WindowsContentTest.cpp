@@ -149,7 +149,7 @@ TEST(WindowsContent, RefusesASparseFileThatTellsNotWhatItHolds) {
 TEST(WindowsContent, ReadsTheNamesOfStreams) {
   std::vector<std::byte> answer(512);
   std::size_t used = 0;
-  const auto add = [&answer](std::u16string name, bool isLast) {
+  const auto add = [&answer, &used](std::u16string name, bool isLast) {
     const std::size_t start = used;
     const std::size_t size = (24 + name.size() * 2 + 7) / 8 * 8;
     used += size;
