@@ -69,13 +69,14 @@ std::string ReadJobStamp(Files& files, const std::string& path) {
 std::vector<SavedJob> ListSavedJobs(Files& files, const std::string& appFolder) {
   std::vector<SavedJob> jobs;
   const std::string folder = appFolder + kJobsFolder;
-  files.List(folder + "*" + kJobExtension, [&](const FileEntry& entry) {
+  const ListEnd end = files.List(folder + "*" + kJobExtension, [&](const FileEntry& entry) {
     if (!IsJobFile(entry)) return;
     const std::string fileName = TrimAtNull(entry.name);
     const auto extensionCharacters = static_cast<int>(std::string_view(kJobExtension).size());
     jobs.push_back({std::string(WithoutLastCharacters(fileName, extensionCharacters)),
                     ReadJobStamp(files, folder + fileName)});
   });
+  if (end == ListEnd::BrokenOff) throw RunTimeError(ErrorNumber::DeviceIoError);
   return jobs;
 }
 

@@ -83,7 +83,7 @@ TEST_F(frmMainTest, CloseIsRefusedWhileTheBinWipesButTheJobIsGone) {
   EXPECT_EQ(main.Jobs().Count(), 0U);
   EXPECT_TRUE(state_.JobSaved);
   EXPECT_FALSE(Ended());
-  EXPECT_EQ(std::count(fake_.files.log.begin(), fake_.files.log.end(), "write C:\\Zeroquill\\Settings.dat"),
+  EXPECT_EQ(std::count(fake_.files.log.begin(), fake_.files.log.end(), "record C:\\Zeroquill\\Settings.dat"),
             0);
 }
 
@@ -97,8 +97,8 @@ TEST_F(frmMainTest, ShutdownWritesSettingsThenPlacementThenEnds) {
   const auto at = [&](const std::string& line) {
     return std::find(fake_.files.log.begin(), fake_.files.log.end(), line) - fake_.files.log.begin();
   };
-  EXPECT_LT(at("write C:\\Zeroquill\\Settings.dat"), at("write C:\\Zeroquill\\Settings2.dat"));
-  EXPECT_LT(at("write C:\\Zeroquill\\Settings2.dat"), at("end"));
+  EXPECT_LT(at("record C:\\Zeroquill\\Settings.dat"), at("record C:\\Zeroquill\\Settings2.dat"));
+  EXPECT_LT(at("record C:\\Zeroquill\\Settings2.dat"), at("end"));
   EXPECT_TRUE(Ended());
   EXPECT_EQ(Content("Settings.dat"), EncodeSettings(settings));
 }

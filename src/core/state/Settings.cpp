@@ -168,11 +168,11 @@ LoadedSettings LoadSettings(Files& files, Registry& registry, const std::string&
 }
 
 void WriteSettings(Files& files, const std::string& appFolder, const SettingsRecord& settings) {
-  files.Write(appFolder + kSettingsFile, EncodeSettings(settings));
+  files.WriteRecord(appFolder + kSettingsFile, EncodeSettings(settings));
 }
 
 void WritePlacement(Files& files, const std::string& appFolder, const WindowPlacement& placement) {
-  files.Write(appFolder + kPlacementFile, EncodePlacement(placement));
+  files.WriteRecord(appFolder + kPlacementFile, EncodePlacement(placement));
 }
 
 WindowPlacement PlacementFrom(double widthTwips, double heightTwips, double leftTwips, double topTwips) {

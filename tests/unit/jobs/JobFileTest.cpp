@@ -445,6 +445,13 @@ TEST_F(JobFileTest, OneSavedJobWithoutAStampFailsTheWholeList) {
   ExpectRaises(ErrorNumber::PermissionDenied, [this] { ListSavedJobs(files, state.AppFolder); });
 }
 
+TEST_F(JobFileTest, AListOfSavedJobsThatBreaksOffIsAFailure) {
+  files.AddFile("C:\\Zeroquill\\Jobs\\one.zqj", "\"N/A\"");
+  files.AddFile("C:\\Zeroquill\\Jobs\\two.zqj", "\"N/A\"");
+  files.listingBreaksAfter = 1;
+  ExpectRaises(ErrorNumber::DeviceIoError, [this] { ListSavedJobs(files, state.AppFolder); });
+}
+
 TEST_F(JobFileTest, AStampLeavesTheDiscAsItIs) {
   const std::string bytes = "\"N/A\"\r\n\"[FOLDERS]\"\r\n\"[FILES]\"\r\n\"C:\\a.txt\"\r\n";
   files.AddFile(kJob, bytes);
