@@ -1,6 +1,7 @@
 #include "jobs/JobFile.h"
 
 #include <cstdint>
+#include <string_view>
 #include <utility>
 
 #include "core/state/AppState.h"
@@ -30,6 +31,13 @@ constexpr const char* kSaveError =
     "An error was encountered trying to save the current wiping job.  Ensure that Zeroquill was installed "
     "with the proper permissions to create a Jobs sub folder under the main folder and can write files "
     "within the folder.";
+
+// The bytes behind a mark of their encoding, which an editor may have put there.
+std::string WithoutByteOrderMark(std::string bytes) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  if (bytes.starts_with(kMark)) bytes.erase(0, kMark.size());
+  return bytes;
+}
 
 // The number under which a file is opened. Files are numbered from 1: this one no file can have.
 constexpr int kNumberOfNoFile = 0;
@@ -62,7 +70,7 @@ std::string EncodeJob(const JobList& jobList, const std::string& lastWiping) {
 }
 
 std::string ReadJobStamp(Files& files, const std::string& path) {
-  const std::string bytes = files.Read(path);
+  const std::string bytes = WithoutByteOrderMark(files.Read(path));
   return FieldReader(bytes).Next();
 }
 
@@ -122,7 +130,8 @@ void JobFile::LoadJob() {
 }
 
 void JobFile::ReadRows() {
-  const std::string bytes = platform_.files.Read(JobFilePath(state_.AppFolder, state_.CurrentJobName));
+  const std::string bytes =
+      WithoutByteOrderMark(platform_.files.Read(JobFilePath(state_.AppFolder, state_.CurrentJobName)));
   FieldReader reader(bytes);
   state_.LastWiping = reader.Next();
   reader.Next();  // the folders' mark: its place makes it that, whatever it says

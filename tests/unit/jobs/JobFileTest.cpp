@@ -445,6 +445,19 @@ TEST_F(JobFileTest, OneSavedJobWithoutAStampFailsTheWholeList) {
   ExpectRaises(ErrorNumber::PermissionDenied, [this] { ListSavedJobs(files, state.AppFolder); });
 }
 
+// As an editor leaves it in a file made by hand. With the mark in the stamp, the first line wouldn't begin
+// with a quote, and be saved as a line that can't be read again.
+TEST_F(JobFileTest, AByteOrderMarkIsPassedOver) {
+  const std::string bytes = "\"16.11.2026\"\r\n\"[FOLDERS]\"\r\n\"[FILES]\"\r\n\"C:\\a.txt\"\r\n";
+  files.AddFile(kJob, "\xEF\xBB\xBF" + bytes);
+  EXPECT_THAT(ListSavedJobs(files, state.AppFolder), ElementsAre(SavedJob{"Weekly", "16.11.2026"}));
+  jobFile.LoadJob();
+  EXPECT_EQ(state.LastWiping, "16.11.2026");
+  ASSERT_EQ(Rows().size(), 1U);
+  jobFile.SaveJob();
+  EXPECT_EQ(JobOnDisc(), bytes);
+}
+
 TEST_F(JobFileTest, AListOfSavedJobsThatBreaksOffIsAFailure) {
   files.AddFile("C:\\Zeroquill\\Jobs\\one.zqj", "\"N/A\"");
   files.AddFile("C:\\Zeroquill\\Jobs\\two.zqj", "\"N/A\"");
