@@ -23,7 +23,8 @@ namespace {
 
 constexpr unsigned kAddFilesFlags = OFN_HIDEREADONLY | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST |
                                     OFN_SHAREAWARE | OFN_EXPLORER | OFN_LONGNAMES;
-constexpr unsigned kAddFilesBufferBytes = 32000;
+// In UTF-16 units: for as many files as a job can have rows, each name at its longest, and their folder.
+constexpr unsigned kAddFilesBuffer = 32767 * (255 + 1) + 32768;
 
 }  // namespace
 
@@ -93,7 +94,7 @@ void frmMain::AddFilesDialog() {
                                                       .filter = "All Files|*.*",
                                                       .initialFolder = addFiles_.InitialFolder(),
                                                       .flags = kAddFilesFlags,
-                                                      .maxFileSize = kAddFilesBufferBytes});
+                                                      .maxFileSize = kAddFilesBuffer});
   if (result.outcome == OpenDialogOutcome::TooManyFiles) {
     platform_.messageBoxes.Show({.text = "The names of the selected files are more than can be taken at one "
                                          "time, and none was added.  Select "
