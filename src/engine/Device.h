@@ -1,5 +1,6 @@
 // What the engine asks of a system: folders, files and their flushes. One implementation for each system
-// (device_win32.cpp, device_posix.cpp), and in the tests one in memory that records and fails.
+// (device_win32.cpp; device_posix.cpp and the files that it names), and in the tests one in memory that
+// records and fails.
 //
 // All paths and names are UTF-8. No call throws, except std::bad_alloc. No call follows a link unless it
 // says so. A call that returns a failure has changed nothing, or at most written a part of the data.

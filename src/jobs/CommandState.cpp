@@ -1,5 +1,6 @@
 #include "jobs/CommandState.h"
 
+#include "controls/ToolStates.h"
 #include "core/state/AppState.h"
 #include "jobs/JobList.h"
 #include "platform/NumberFormat.h"
