@@ -33,9 +33,9 @@ constexpr Clock::Time kLongestRenamingUnderCover{15'000};
 
 }  // namespace
 
-void FolderWipe::Run(const std::string& path) {
+void FolderWipe::Run(const std::string& path, const EntryId* meant) {
   try {
-    Open(path);
+    Open(path, meant);
   } catch (const Failure& failure) {
     operation_.TellFailed({path, path, ItemKind::Folder}, failure, Outcome::Kept, path);
     return;
@@ -54,7 +54,7 @@ void FolderWipe::Run(const std::string& path) {
   }
 }
 
-void FolderWipe::Open(const std::string& path) {
+void FolderWipe::Open(const std::string& path, const EntryId* meant) {
   std::string abovePath;
   std::string name;
   Require(operation_.device.Split(path, abovePath, name), "Opening", path);
@@ -65,6 +65,11 @@ void FolderWipe::Open(const std::string& path) {
     Require(operation_.device.OpenFolder(abovePath, above_), "Opening", abovePath);
     // Opened through the folder above it, so that a link in its place is refused.
     Require(above_->OpenFolder(name, folder), "Opening", path);
+  }
+  if (meant != nullptr) {
+    EntryId id;
+    Require(folder->Identity(id), "Opening", path);
+    if (id != *meant) ThrowNotMeant(path);
   }
   Enter(std::move(folder), name, path);
 }

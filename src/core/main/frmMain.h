@@ -71,7 +71,7 @@ class frmMain final : public Form,
   void RowsChanged() override;
   void RowChanged(int row) override;
   void SelectionChanged(int row) override;
-  void ShowPendingRows();
+  void ShowPendingRows() override;
 
   // FolderDialog
   void ShowFor(const std::string& path) override;
