@@ -33,9 +33,9 @@ frmOpen::frmOpen(Platform& platform, std::function<void()> showMain)
 
 void frmOpen::Load() {
   ShowPicture();
-  PrevInstanceFound_ = false;
+  PrevInstanceFound = false;
   if (platform_.process.EarlierInstanceRuns()) {
-    PrevInstanceFound_ = true;
+    PrevInstanceFound = true;
     Unload();
     return;
   }
@@ -75,7 +75,7 @@ void frmOpen::Timer1_Timer() {
 void frmOpen::Unloaded() {
   // Closed by the user meanwhile, it leaves nothing behind that would ever show a window, but a process
   // that turns away each later start.
-  if (PrevInstanceFound_ || !timerFired_) platform_.process.End();
+  if (PrevInstanceFound || !timerFired_) platform_.process.End();
 }
 
 }  // namespace zq

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -73,6 +74,12 @@ class Operation {
 
   // What couldn't be done and is no failure, for the owner to read. Empty mostly.
   std::string note;
+  // Adds a sentence, unless the note has it.
+  void AddNote(const std::string& sentence) {
+    if (note.find(sentence) != std::string::npos) return;
+    if (!note.empty()) note += ' ';
+    note += sentence;
+  }
   // The files of which a name has gone, and how many names each of them has left.
   std::map<FileId, std::uint32_t> namesLeft;
   // Clears the file system's traces of what was removed from `folder`. Throws Failure.
@@ -81,6 +88,17 @@ class Operation {
                 folder, [&] { return MayGoOn(path); }, note),
             "Clearing the journal after the wipe of", path);
   }
+
+  // The failures that were told, and the first: later ones are often its consequences.
+  std::size_t failureCount = 0;
+  std::optional<Failure> firstFailure;
+  // What became of an item. None of these looks at the cancel flag.
+  void TellWiped(const Item& item);
+  void TellFailed(const Item& item, const Failure& failure, Outcome outcome, const std::string& nameNow);
+  // Of what shares the fate of something that was told.
+  void TellStays(const Item& item, const std::string& reason, Outcome outcome);
+  // A failure that belongs to no single item.
+  void TellFailure(const Failure& failure);
 
   // Throws Cancelled once the owner has asked for it. Called after every event and at every item.
   void LookForCancel() const {
@@ -92,7 +110,7 @@ class Operation {
   bool MayGoOn(const std::string& path) {
     if (!cancelFlag_ && timer.IsDue()) {
       timer.Raised();
-      events.WipeProgress(0, 0, 0, path);
+      events.WipeProgress(0, 0, 0, {path, path, ItemKind::Other});
     }
     return !cancelFlag_;
   }
