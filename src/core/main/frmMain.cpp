@@ -64,7 +64,8 @@ frmMain::frmMain(AppState& state, Platform& platform)
       icons_(*this, platform.regional),
       addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
-      jobWipe_(state, jobList_, platform, *this, statusWindow_, nullptr),
+      reportWindow_(*this),
+      jobWipe_(state, jobList_, platform, *this, statusWindow_, &reportWindow_),
       SFD1_(jobWipe_) {
   jobWipe_.SetEngine(&SFD1_);
   jobList_.SetView(this);

@@ -3,6 +3,7 @@
 #include <commdlg.h>
 
 #include <algorithm>
+#include <exception>
 
 #include "ancillary/frmAbout.h"
 #include "controls/CommonDialog.h"
@@ -17,6 +18,7 @@
 #include "jobs/frmSave.h"
 #include "platform/MessageBoxes.h"
 #include "platform/RunTimeError.h"
+#include "reports/ReportDocument.h"
 
 namespace zq {
 namespace {
@@ -163,7 +165,14 @@ void frmMain::RemoveSelectedItem() {
 }
 
 void frmMain::ViewReport() {
-  if (ItemExists(platform_.files, kItemIsFile, state_.AppFolder + "Report\\Report.dat")) return;
+  try {
+    if (ItemExists(platform_.files, kItemIsFile, state_.AppFolder + kReportDataFile)) {
+      reportWindow_.ShowModal();
+      return;
+    }
+  } catch (const std::exception&) {
+    // A report that can't be read is none.
+  }
   platform_.messageBoxes.Show({.text = "There is no report available to view at this time.",
                                .title = "No Report",
                                .icon = MessageIcon::Information});
