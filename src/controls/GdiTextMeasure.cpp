@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/Wide.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "controls/PreviewWindow.h"
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {

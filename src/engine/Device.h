@@ -1,5 +1,6 @@
 // What the engine asks of a system: folders, files and their flushes. One implementation for each system
-// (device_win32.cpp, device_posix.cpp), and in the tests one in memory that records and fails.
+// (device_win32.cpp; device_posix.cpp and the files that it names), and in the tests one in memory that
+// records and fails.
 //
 // All paths and names are UTF-8. No call throws, except std::bad_alloc. No call follows a link unless it
 // says so. A call that returns a failure has changed nothing, or at most written a part of the data.
@@ -11,6 +12,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -20,10 +22,11 @@ namespace zq::engine {
 // What the engine has to tell apart among the failures of a system call.
 enum class Trouble {
   None,
-  NotFound,  // the entry doesn't exist (any more)
-  Exists,    // the new name is taken
-  NoSpace,   // the device is full: how every filling of free space ends
-  Refused,   // a refusal of our own: a link, not a regular file; `text` says which, `code` is 0
+  NotFound,     // the entry doesn't exist (any more)
+  Exists,       // the new name is taken
+  NoSpace,      // the device is full: how every filling of free space ends
+  TooManyOpen,  // so many files and folders are open that the system opens no more
+  Refused,      // a refusal of our own: a link, not a regular file; `text` says which, `code` is 0
   Other,
 };
 
@@ -49,6 +52,24 @@ struct FileId {
   auto operator<=>(const FileId&) const = default;
 };
 
+// What a path leads to, so that it can be told again whatever has happened to the folders on the way.
+struct EntryId {
+  FileId file;
+  // What it was reached through, where a system can have the same folder in several places: of a mount
+  // (Linux). 0: not known, or there is no such thing.
+  std::uint64_t mount = 0;
+  // Not compared: as long as it lives the system gives the numbers to nothing else. Empty where there are too
+  // many to be held.
+  std::shared_ptr<const void> hold = nullptr;
+
+  bool operator==(const EntryId& other) const { return file == other.file && mount == other.mount; }
+};
+
+struct ByteRange {
+  std::uint64_t offsetBytes = 0;
+  std::uint64_t sizeBytes = 0;
+};
+
 struct FileInfo {
   std::uint64_t lengthBytes = 0;
   // What the file occupies; more than the length if space was reserved behind its end. 0: not known.
@@ -60,6 +81,12 @@ struct FileInfo {
   // The file system may put equal contents of two files together, and then what has become superfluous is
   // never overwritten: only random data, which are equal to nothing else, are safe to write.
   bool mergesEqual = false;
+  // Of a sparse file: the parts of it that have room on the device, in order, each of whole clusters. Nothing
+  // else of it holds data, and writing there would take room. Unset for other files: they have all they need.
+  std::optional<std::vector<ByteRange>> room;
+  // Empty, or a sentence for the user, who has this file wiped all the same: what may be left of it in places
+  // that can't be reached from here.
+  std::string caveat;
   // Empty, or why overwriting this file would leave its old content somewhere: "it is compressed". When it is
   // asked again later: or has left it, "another program has moved it during the wipe".
   std::string notInPlace;
@@ -155,6 +182,9 @@ class Folder {
   Folder& operator=(const Folder&) = delete;
   virtual ~Folder() = default;
 
+  // Which folder this is, without a hold.
+  virtual Status Identity(EntryId& id);
+
   virtual Status List(std::vector<Entry>& entries) = 0;
 
   // Opens a regular file for overwriting. Refused, without waiting for anything, for all else. An open
@@ -225,6 +255,9 @@ class Device {
   // Opens the folder that a user named; links on the way to it are followed as everywhere.
   virtual Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) = 0;
 
+  // What is at `path` now, itself and not what it leads to if it is a link. Opens nothing for writing.
+  virtual Status Identify(const std::string& path, EntryId& id);
+
   // Splits a path into the folder that holds the entry and the entry's name. `name` is empty when the path
   // is a root, which has no folder above it. Refused for what can't be an entry (an empty path, "..").
   virtual Status Split(const std::string& path, std::string& folderPath, std::string& name) const = 0;
@@ -261,6 +294,9 @@ class Device {
 struct DeviceOptions {
   // Do without the system's way of having several transfers under way, as where it isn't allowed.
   bool oneTransferAtATime = false;
+  // Overwrite also where it isn't known whether new data go to the place of the old ones, as the user
+  // insists. What is known to go elsewhere is refused all the same.
+  bool trustFileSystem = false;
 };
 
 // The device of the system that this program was built for.

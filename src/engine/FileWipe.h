@@ -39,9 +39,12 @@ class FileProgress final : public WorkMeter {
 struct Place {
   std::unique_ptr<Folder> folder;
   std::string path;
-  bool somethingStays = false;   // something in it has failed, so it has to stay too
-  std::size_t shortestName = 1;  // that is free in it, as far as known (HideName)
+  bool somethingStays = false;          // something in it has failed, so it has to stay too
+  std::size_t shortestName = 1;         // that is free in it, as far as known (HideName)
+  std::optional<FileId> onlyFile = {};  // if set, no other file may be opened in it
 };
+
+[[noreturn]] void ThrowNotMeant(const std::string& path);
 
 // One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
 // apart because a batch takes all its files through one of them before the next; what makes them durable
@@ -83,7 +86,7 @@ class FileWipe {
   // The file itself, then its named streams.
   std::vector<Overwriter>& Parts() { return parts_; }
   FileProgress& Progress() { return progress_; }
-  std::uint64_t ExtentBytes() const;
+  std::uint64_t CoveredBytes() const;
   // What error texts call it once it is overwritten, and after Hide.
   const std::string& HiddenPath() const { return hiddenPath_; }
 

@@ -18,7 +18,7 @@ constexpr Clock::Time kLongestRenamingUnderCover{15'000};
 
 }  // namespace
 
-void FolderWipe::Run(const std::string& path) {
+void FolderWipe::Run(const std::string& path, const EntryId* meant) {
   std::string abovePath;
   std::string name;
   Require(operation_.device.Split(path, abovePath, name), "Opening", path);
@@ -29,6 +29,11 @@ void FolderWipe::Run(const std::string& path) {
     Require(operation_.device.OpenFolder(abovePath, above_), "Opening", abovePath);
     // Opened through the folder above it, so that a link in its place is refused.
     Require(above_->OpenFolder(name, folder), "Opening", path);
+  }
+  if (meant != nullptr) {
+    EntryId id;
+    Require(folder->Identity(id), "Opening", path);
+    if (id != *meant) ThrowNotMeant(path);
   }
   Enter(std::move(folder), name, path);
   const std::shared_ptr<Level> top = levels_.front();

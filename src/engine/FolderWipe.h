@@ -30,9 +30,9 @@ class FolderWipe {
         selection_(std::move(selection)),
         batch_(operation, [this](const Failure& failure) { Note(failure); }) {}
 
-  // Wipes the folder at `path`. Throws Failure if it can't even be opened, and Cancelled; all other failures
-  // are collected.
-  void Run(const std::string& path);
+  // Wipes the folder at `path`, which has to be the one that is meant, if that is given. Throws Failure if it
+  // can't even be opened, and Cancelled; all other failures are collected.
+  void Run(const std::string& path, const EntryId* meant);
 
   std::size_t FailureCount() const { return failureCount_; }
   const Failure& FirstFailure() const { return *firstFailure_; }

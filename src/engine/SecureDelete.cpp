@@ -116,13 +116,21 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
   return done;
 }
 
-bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     auto place = std::make_shared<Place>();
     std::string name;
     Require(device_.Split(path, place->path, name), "Opening", path);
     if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
     Require(device_.OpenFolder(place->path, place->folder), "Opening", place->path);
+
+    if (meant != nullptr) {
+      // The file has its folder's mount, or it is refused.
+      EntryId folder;
+      Require(place->folder->Identity(folder), "Opening", place->path);
+      if (folder.mount != meant->mount) ThrowNotMeant(path);
+      place->onlyFile = meant->file;
+    }
 
     std::optional<Failure> first;
     FileBatch batch(operation, [&first](const Failure& failure) {
@@ -138,20 +146,20 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcep
   });
 }
 
-bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});
-    wipe.Run(path);
+    wipe.Run(path, meant);
     ThrowIfItemsFailed(wipe);
   });
 }
 
 bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
-                                   std::int32_t level) noexcept {
+                                   std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     const auto takes = [&](const std::string& name) { return mask == "*.*" || matches_(name, mask); };
     FolderWipe wipe(operation, {takes, includeSubFolders, false});
-    wipe.Run(path);
+    wipe.Run(path, meant);
     ThrowIfItemsFailed(wipe);
   });
 }

@@ -10,8 +10,7 @@
 
 namespace zq {
 
-// The files of the last report, in the program's folder.
-inline constexpr const char* kReportDataFile = "Report\\Report.dat";
+// The last report as rich text, in the program's folder.
 inline constexpr const char* kReportTextFile = "Report\\Report.rtf";
 
 // Makes the whole document in `VS1`, which writes the rich text file under `appFolder` at its end. `fontSize`

@@ -1,7 +1,7 @@
 #include "reports/frmPrintReport.h"
 
 #include "controls/Pictures.h"
-#include "platform/Files.h"
+#include "core/state/DataFolder.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Regional.h"
 #include "reports/ReportData.h"
@@ -39,7 +39,7 @@ void frmPrintReport::Load() {
   ::SendMessageA(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeIcon_.Get()));
 
   ClearReportLists();
-  const ReportData report = DecodeReport(platform_.files.Read(state_.AppFolder + kReportDataFile));
+  const ReportData report = DecodeReport(DataFolder(platform_.files, state_).Read(kReportFile));
   BuildReportDocument(VS1, report, state_.Settings.ReportFontSize, state_.AppFolder,
                       LoadDocumentPicture(kLogo, kLogoWidth, kLogoHeight));
   VS1.SetZoom(100);

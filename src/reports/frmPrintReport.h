@@ -6,8 +6,8 @@
 #include "controls/VSPrinter.h"
 #include "core/state/AppState.h"
 #include "platform/Platform.h"
+#include "reports/ReportViewer.h"
 #include "resource.h"
-#include "wipe/JobWipe.h"
 
 namespace zq {
 

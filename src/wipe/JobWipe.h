@@ -6,6 +6,7 @@
 
 #include "platform/FixedPoint.h"
 #include "platform/Platform.h"
+#include "reports/ReportViewer.h"
 #include "wipe/SecureFileDeleteWizard.h"
 
 namespace zq {
@@ -14,14 +15,6 @@ struct AppState;
 class JobList;
 class MainWindow;
 class WipeStatusWindow;
-
-// The report window, where there is one. Loading a loaded window has no effect.
-class ReportViewer {
- public:
-  virtual ~ReportViewer() = default;
-  virtual void Load() = 0;
-  virtual void ShowModal() = 0;
-};
 
 // The driver and the handlers of the engine's events that serve it.
 class JobWipe final : public WipeEvents {
@@ -37,7 +30,7 @@ class JobWipe final : public WipeEvents {
         statusWindow_(statusWindow),
         reportViewer_(reportViewer) {}
 
-  void SetEngine(SecureFileDeleteWizard* engine) { SFD1_ = engine; }
+  void SetEngine(SecureFileDeleteWizard* engine) { SFD1 = engine; }
 
   // Raises what fails on the way: there is no handler here, and the process ends with its report.
   void RunJobWipe();
@@ -66,8 +59,8 @@ class JobWipe final : public WipeEvents {
   MainWindow& mainWindow_;
   WipeStatusWindow& statusWindow_;
   ReportViewer* reportViewer_;
-  SecureFileDeleteWizard* SFD1_ = nullptr;
-  FixedPoint ProcessedWipeItems_;
+  SecureFileDeleteWizard* SFD1 = nullptr;
+  FixedPoint ProcessedWipeItems;
 };
 
 }  // namespace zq

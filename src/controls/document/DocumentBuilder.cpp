@@ -5,8 +5,8 @@
 #include <cmath>
 #include <utility>
 
+#include "controls/document/Characters.h"
 #include "controls/document/Length.h"
-#include "controls/document/Utf8.h"
 #include "platform/RunTimeError.h"
 
 namespace zq {

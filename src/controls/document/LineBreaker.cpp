@@ -1,6 +1,6 @@
 #include "controls/document/LineBreaker.h"
 
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 
 namespace zq {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "controls/document/Characters.h"
 #include "controls/document/LineBreaker.h"
-#include "controls/document/Utf8.h"
 #include "platform/Twips.h"
 
 namespace zq {

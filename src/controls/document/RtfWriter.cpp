@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 
 namespace zq {
 namespace {

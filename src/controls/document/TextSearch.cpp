@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 
 namespace zq {
 namespace {

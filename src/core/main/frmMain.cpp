@@ -7,10 +7,9 @@
 #include <array>
 
 #include "ancillary/frmWelcome.h"
+#include "core/main/CommandTable.h"
 #include "core/main/StartUp.h"
-#include "core/state/ItemExists.h"
 #include "core/state/Settings.h"
-#include "jobs/CommandState.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
 #include "platform/Twips.h"
@@ -60,24 +59,35 @@ frmMain::frmMain(AppState& state, Platform& platform)
     : Form(IDD_frmMain),
       state_(state),
       platform_(platform),
+      dataFolder_(platform.files, state),
       jobList_(platform.regional),
       icons_(*this, platform.regional),
       addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
       reportWindow_(*this),
       jobWipe_(state, jobList_, platform, *this, statusWindow_, &reportWindow_),
-      SFD1_(jobWipe_) {
-  jobWipe_.SetEngine(&SFD1_);
+      SFD1(jobWipe_),
+      commands_({.state = state,
+                 .jobList = jobList_,
+                 .platform = platform,
+                 .tools = DockStudio1,
+                 .addFiles = addFiles_,
+                 .jobLifecycle = jobLifecycle_,
+                 .jobWipe = jobWipe_,
+                 .folderDialog = *this,
+                 .windows = *this,
+                 .reportViewer = &reportWindow_}) {
+  jobWipe_.SetEngine(&SFD1);
   jobList_.SetView(this);
 
-  DockStudio1.ToolClick = [this](std::string_view tool) { DockStudio1_ToolClick(tool); };
-  DockStudio1.MenuOpening = [this](std::string_view menu) { DockStudio1_MenuOpening(menu); };
+  DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };
+  DockStudio1.MenuOpening = [this](std::string_view menu) { commands_.MenuOpening(menu); };
   DockStudio1.ClientAreaChanged = [this] { DockStudio1_ClientAreaChanged(); };
   ListView1.CellText = [this](int row, int column) { return CellOf(jobList_.Row(row), column); };
   ListView1.RowPicture = [this](int row) { return jobList_.Row(row).SmallIcon; };
   ListView1.RowGhosted = [this](int row) { return jobList_.Row(row).Ghosted; };
   ListView1.SelectionChange = [this](int row) { jobList_.UserSelected(row); };
-  ListView1.DblClick = [this] { ListView1_DblClick(); };
+  ListView1.DblClick = [this] { commands_.ListDoubleClicked(); };
   ListView1.FindRow = [this](const std::string& prefix, int start) {
     return jobList_.FindByPrefix(prefix, start);
   };
@@ -100,7 +110,7 @@ void frmMain::Load() {
   ImageList3.AddPicture("file");
   ListView1.SetSmallIcons(ImageList3.Handle());
   ListView1.SetColumns(kColumns);
-  DockStudio1.Create(Handle());
+  DockStudio1.Create(Handle(), MainBars());
   SetDesignSize();
 
   if (platform_.process.EarlierInstanceRuns()) {
@@ -111,10 +121,10 @@ void frmMain::Load() {
   state_.SecondInstance = false;
   state_.AppFolder = AppFolderFrom(platform_.process.ApplicationPath());
 
-  const LoadedSettings loaded = LoadSettings(platform_.files, platform_.registry, state_.AppFolder);
+  const LoadedSettings loaded = LoadSettings(dataFolder_, platform_.registry);
   state_.Settings = loaded.settings;
   state_.Placement = loaded.placement;
-  FirstRun_ = loaded.firstRun;
+  FirstRun = loaded.firstRun;
   RestoreWindowPlacement();
   LoadBarLayout();
 
@@ -125,8 +135,8 @@ void frmMain::Load() {
   state_.CurrentJobName = "";
   state_.JobSaved = true;
   state_.LastWiping = "N/A";
-  EnsureDataFolders(platform_.files, state_.AppFolder);
-  UpdateCommandState();
+  EnsureDataFolders(dataFolder_);
+  commands_.UpdateTools();
   dropTarget_.Register(ListView1.Handle(),
                        [this](const DroppedPaths& paths) { ListView1_OLEDragDrop(paths); });
   ReadCommandLine();
@@ -138,7 +148,7 @@ void frmMain::ReadCommandLine() {
   // A job file is opened instead of being added, so its path never becomes a row.
   if (jobLifecycle_.OpenJobFromCommandLine(commandLine)) return;
   addFiles_.AddCommandLineItems(commandLine);
-  UpdateCommandState();
+  commands_.UpdateTools();
 }
 
 void frmMain::Show() {
@@ -148,8 +158,8 @@ void frmMain::Show() {
 }
 
 void frmMain::LoadBarLayout() {
-  const std::string path = state_.AppFolder + kBarLayoutFile;
-  if (ItemExists(platform_.files, kItemIsFile, path)) DockStudio1.LoadLayout(platform_.files, path);
+  if (dataFolder_.HasFile(kBarLayoutFile))
+    DockStudio1.LoadLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
 }
 
 void frmMain::SetDesignSize() {
@@ -192,25 +202,22 @@ WindowPlacement frmMain::CurrentPlacement() const {
 }
 
 bool frmMain::QueryUnload(CloseReason) {
-  // A running wipe walks the rows of the job that would be closed here. The window is hidden then, so
-  // that only the end of the session can ask.
-  if (wiping_) return false;
-  return jobLifecycle_.CloseForExit();
+  return commands_.CloseForExit();
 }
 
 void frmMain::Unloaded() {
   dropTarget_.Revoke();
   if (state_.Settings.Maximize != 1) state_.Placement = CurrentPlacement();
   if (!state_.SecondInstance) {
-    WriteSettings(platform_.files, state_.AppFolder, state_.Settings);
-    WritePlacement(platform_.files, state_.AppFolder, state_.Placement);
-    DockStudio1.SaveLayout(platform_.files, state_.AppFolder + kBarLayoutFile);
+    WriteSettings(dataFolder_, state_.Settings);
+    WritePlacement(dataFolder_, state_.Placement);
+    DockStudio1.SaveLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
   }
   platform_.process.End();
 }
 
 void frmMain::Activated() {
-  if (FirstRun_ && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
+  if (FirstRun && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
 }
 
 std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -241,8 +248,8 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
       if (wParam) Unloaded();
       return 0;
     case kShowWelcome:
-      if (FirstRun_) {
-        FirstRun_ = false;  // before the window runs: each activation asks again
+      if (FirstRun) {
+        FirstRun = false;  // before the window runs: each activation asks again
         Default<frmWelcome>::Touch().ShowModal(Handle());
       }
       return 0;
@@ -252,10 +259,6 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
     default:
       return std::nullopt;
   }
-}
-
-void frmMain::UpdateCommandState() {
-  zq::UpdateCommandState(state_, jobList_, DockStudio1, platform_.regional);
 }
 
 void frmMain::DockStudio1_ClientAreaChanged() {
@@ -268,7 +271,7 @@ void frmMain::DockStudio1_ClientAreaChanged() {
 
 void frmMain::ListView1_OLEDragDrop(const DroppedPaths& paths) {
   addFiles_.AddDropped(paths);
-  UpdateCommandState();
+  commands_.UpdateTools();
 }
 
 // The control is told the number of rows once for all that are added in one go. When rows go, it is told
@@ -309,7 +312,7 @@ void frmMain::MeasureSmallIcon(const std::string& key, std::uint32_t flags) {
   SHFILEINFOA info{};
   const auto images = reinterpret_cast<HIMAGELIST>(
       ::SHGetFileInfoA(key.c_str(), 0, &info, sizeof info, SHGFI_SYSICONINDEX | flags));
-  if (images) ::ImageList_GetIconSize(images, &IconWidth_, &IconHeight_);
+  if (images) ::ImageList_GetIconSize(images, &IconWidth, &IconHeight);
 }
 
 void frmMain::DrawFileIcon(const std::string& key, std::uint32_t flags) {

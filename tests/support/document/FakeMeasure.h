@@ -3,7 +3,7 @@
 #pragma once
 
 #include "controls/document/TextMeasure.h"
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 
 namespace zq::test {
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/document/Utf8.h"
+#include "controls/document/Characters.h"
 
 namespace zq::test {
 

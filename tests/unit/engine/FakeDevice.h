@@ -48,10 +48,13 @@ struct Node {
   };
   std::vector<Range> dirty;
   std::uint64_t allocatedBytes = 0;
+  std::optional<std::vector<ByteRange>> room;  // of a sparse file; to write elsewhere in it is a violation
+  std::string caveat;
   std::string notInPlace;
   bool readOnly = false;
   bool dated = false;
-  std::uint64_t number = 0;  // no two files have the same
+  std::uint64_t number = 0;  // no two files have the same, nor two folders
+  std::uint64_t mount = 0;
   std::uint32_t names = 1;
   int openCount = 0;
 };
@@ -113,6 +116,7 @@ class FakeDevice final : public Device {
   std::size_t Count(const std::string& kind) const;
 
   // --- Device ---
+  Status Identify(const std::string& path, EntryId& id) override;
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override;
   Status Split(const std::string& path, std::string& folderPath, std::string& name) const override;
   std::string Join(const std::string& folderPath, const std::string& name) const override;
@@ -134,6 +138,7 @@ class FakeDevice final : public Device {
   }
   std::uint64_t ClustersOf(const Node& node) const;
   void Pass(std::uint64_t bytes);
+  static bool HasRoom(const Node& node, std::uint64_t offset, std::uint64_t size);
   void CheckOverwritten(const Node& node, const std::string& path, const char* what);
 
   FakeClock& clock_;

@@ -1,0 +1,194 @@
+#include "engine/folder_posix.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <string_view>
+#include <utility>
+
+#include "engine/attribute_posix.h"
+#include "engine/file_posix.h"
+
+namespace zq::engine {
+
+Status PosixFolder::List(std::vector<Entry>& entries) {
+  entries.clear();
+  // A descriptor of its own: copies of one share the position of the listing.
+  const int listFd = ::openat(fd_.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (listFd < 0) return LastError();
+  struct CloseList {
+    void operator()(DIR* stream) const { ::closedir(stream); }
+  };
+  const std::unique_ptr<DIR, CloseList> stream(::fdopendir(listFd));
+  if (!stream) {
+    Status status = LastError();
+    ::close(listFd);
+    return status;
+  }
+  // In the order of the inodes, which is close to that of the content on the device: neighbours are then
+  // written together. A folder's own order can be that of a hash.
+  std::vector<std::pair<ino_t, Entry>> found;
+  for (;;) {
+    errno = 0;
+    const dirent* item = ::readdir(stream.get());
+    if (item == nullptr) {
+      if (errno != 0) return LastError();
+      break;
+    }
+    const std::string_view name = item->d_name;
+    if (name == "." || name == "..") continue;
+    EntryKind kind = EntryKind::Other;
+    if (item->d_type == DT_UNKNOWN) {
+      struct stat facts {};
+      if (::fstatat(fd_.Get(), item->d_name, &facts, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (errno == ENOENT) continue;
+        return LastError();
+      }
+      kind = KindOfMode(facts.st_mode);
+    } else {
+      kind = KindOfMode(static_cast<mode_t>(DTTOIF(item->d_type)));
+    }
+    found.emplace_back(item->d_ino, Entry{std::string(name), kind});
+  }
+  std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  entries.reserve(found.size());
+  for (auto& [inode, entry] : found) entries.push_back(std::move(entry));
+  return {};
+}
+
+Status PosixFolder::OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) {
+  if (Status status = Named(name); !status.Ok()) return status;
+  // Looked at before it is opened: opening a pipe can wait, opening a device can act, and some file systems
+  // make a copy of what is opened for writing.
+  EntryFacts facts;
+  if (Status status = LookAt(fd_.Get(), name, facts); !status.Ok()) return status;
+  if (Status status = CheckRegular(facts.mode); !status.Ok()) return status;
+  if (facts.mount != facts_.mount) return Status::Refusal("another file is mounted over it");
+  return Open(name, O_RDWR, access, &facts, file);
+}
+
+Status PosixFolder::AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) {
+  if (Status status = Named(name); !status.Ok()) return status;
+  return Open(name, O_RDWR | O_CREAT | O_EXCL, access, nullptr, file);
+}
+
+Status PosixFolder::OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) {
+  if (Status status = Named(name); !status.Ok()) return status;
+  EntryFacts facts;
+  if (Status status = LookAt(fd_.Get(), name, facts); !status.Ok()) return status;
+  if (S_ISLNK(facts.mode)) return Status::Refusal("it is a link");
+  UniqueFd fd(::openat(fd_.Get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!fd.IsOpen()) return LastError();
+  if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
+  if (insideWalk_ && facts.mount != facts_.mount) {
+    return Status::Refusal(facts.device != facts_.device ? "another file system is mounted there"
+                                                         : "a folder from elsewhere is mounted there");
+  }
+  Volume volume = volume_;
+  if (facts.device != facts_.device) {
+    if (Status status = LookAtVolume(fd.Get(), facts.device, volume); !status.Ok()) return status;
+  }
+  auto opened = std::make_unique<PosixFolder>(std::move(fd), facts, std::move(volume));
+  opened->insideWalk_ = true;
+  folder = std::move(opened);
+  return {};
+}
+
+Status PosixFolder::AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) {
+  if (Status status = Named(name); !status.Ok()) return status;
+  if (::mkdirat(fd_.Get(), name.c_str(), 0700) != 0) return LastError();
+  Status status = OpenFolder(name, folder);
+  if (!status.Ok()) ::unlinkat(fd_.Get(), name.c_str(), AT_REMOVEDIR);
+  return status;
+}
+
+Status PosixFolder::ListStreams(std::vector<std::string>& names) {
+  return ListContentAttributes(fd_.Get(), names);
+}
+
+Status PosixFolder::OpenStream(const std::string& name, Access, std::unique_ptr<File>& stream) {
+  stream = std::make_unique<PosixAttribute>(fd_.Get(), name, volume_);
+  return {};
+}
+
+Status PosixFolder::Rename(const Entry& entry, const std::string& newName) {
+  if (Status status = CheckKind(entry); !status.Ok()) return status;
+  if (Status status = Named(newName); !status.Ok()) return status;
+  return RenameWithin(fd_.Get(), entry.name, newName);
+}
+
+Status PosixFolder::Remove(const Entry& entry) {
+  if (Status status = CheckKind(entry); !status.Ok()) return status;
+  const int flags = entry.kind == EntryKind::Folder ? AT_REMOVEDIR : 0;
+  return ::unlinkat(fd_.Get(), entry.name.c_str(), flags) == 0 ? Status{} : LastError();
+}
+
+Status PosixFolder::Space(SpaceInfo& space) {
+  struct statvfs facts {};
+  if (::fstatvfs(fd_.Get(), &facts) != 0) return LastError();
+  // The administrator may use the reserved blocks, and then they are free space like the rest.
+  const std::uint64_t blocks = ::geteuid() == 0 ? facts.f_bfree : facts.f_bavail;
+  space.freeBytes = blocks * facts.f_frsize;
+  space.clusterBytes = static_cast<std::uint32_t>(facts.f_frsize);
+  return {};
+}
+
+bool PosixFolder::RoomForNames(NameRoom& room) {
+  room = {};
+  struct stat facts {};
+  if (volume_.namesStay == nullptr || ::fstat(fd_.Get(), &facts) != 0) return false;
+  room.kind = volume_.namesStay->kind;
+  room.bytes = static_cast<std::uint64_t>(facts.st_size);
+  // A length that is no number of blocks is that of names in the inode.
+  if (volume_.magic == kXfsMagic && facts.st_size < facts.st_blksize && facts.st_blocks == 0) room.bytes = 0;
+  return true;
+}
+
+Status PosixFolder::CheckRegular(mode_t mode) {
+  switch (KindOfMode(mode)) {
+    case EntryKind::File:
+      return {};
+    case EntryKind::Link:
+      return Status::Refusal("it is a link");
+    case EntryKind::Folder:
+      return Status::Refusal("it is a folder");
+    default:
+      return Status::Refusal("it is not a regular file");
+  }
+}
+
+Status PosixFolder::CheckKind(const Entry& entry) const {
+  if (Status status = Named(entry.name); !status.Ok()) return status;
+  struct stat facts {};
+  if (::fstatat(fd_.Get(), entry.name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) return LastError();
+  if (KindOfMode(facts.st_mode) != entry.kind) {
+    return Status::Refusal("something else has come under this name");
+  }
+  return {};
+}
+
+Status PosixFolder::Open(const std::string& name, int flags, Access access, const EntryFacts* meant,
+                         std::unique_ptr<File>& file) {
+  UniqueFd fd(Retry([&] {
+    return ::openat(fd_.Get(), name.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
+  }));
+  if (!fd.IsOpen()) return errno == ELOOP ? Status::Refusal("it is a link") : LastError();
+  EntryFacts facts;
+  if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
+  if (Status status = CheckRegular(facts.mode); !status.Ok()) return status;
+  if (meant != nullptr && !facts.IsSameAs(*meant)) {
+    return Status::Refusal("another file has come under this name");
+  }
+  if (::fcntl(fd.Get(), F_SETFL, 0) != 0) return LastError();  // blocking again
+  auto opened = std::make_unique<PosixFile>(std::move(fd), fd_.Get(), name, facts, volume_);
+  if (access == Access::Direct) opened->GoDirect();
+  file = std::move(opened);
+  return {};
+}
+
+}  // namespace zq::engine

@@ -1,0 +1,67 @@
+// An open folder, on Linux. Everything inside it is reached through its descriptor, so that no link put in
+// its place meanwhile can lead the engine elsewhere.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/calls_posix.h"
+#include "engine/entry_posix.h"
+#include "engine/volume_posix.h"
+
+namespace zq::engine {
+
+class PosixFolder final : public Folder {
+ public:
+  PosixFolder(UniqueFd fd, const EntryFacts& facts, Volume volume)
+      : fd_(std::move(fd)), facts_(facts), volume_(std::move(volume)) {}
+
+  Status Identity(EntryId& id) override {
+    id = {facts_.Id(), facts_.mount};
+    return {};
+  }
+
+  Status List(std::vector<Entry>& entries) override;
+
+  Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) override;
+
+  Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) override;
+
+  Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) override;
+
+  Status AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) override;
+
+  // The extended attributes.
+  Status ListStreams(std::vector<std::string>& names) override;
+  Status OpenStream(const std::string& name, Access, std::unique_ptr<File>& stream) override;
+
+  Status Rename(const Entry& entry, const std::string& newName) override;
+
+  Status Remove(const Entry& entry) override;
+
+  Status Flush() override { return FlushFolder(fd_.Get()); }
+  int Fd() const { return fd_.Get(); }
+  const Volume& OnVolume() const { return volume_; }
+
+  Status Space(SpaceInfo& space) override;
+
+  bool RoomForNames(NameRoom& room) override;
+
+ private:
+  static Status CheckRegular(mode_t mode);
+
+  Status CheckKind(const Entry& entry) const;
+
+  // Opens a file; `meant`, if there is one, is what it has to be.
+  Status Open(const std::string& name, int flags, Access access, const EntryFacts* meant,
+              std::unique_ptr<File>& file);
+
+  UniqueFd fd_;
+  EntryFacts facts_;
+  Volume volume_;
+  // The folder that a user names may be a mount point; one inside it leads out of what was named.
+  bool insideWalk_ = false;
+};
+
+}  // namespace zq::engine

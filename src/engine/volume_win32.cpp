@@ -1,0 +1,44 @@
+#include "engine/volume_win32.h"
+
+#include <algorithm>
+#include <cwchar>
+#include <utility>
+
+namespace zq::engine::win32 {
+namespace {
+
+// Wine takes unbuffered and write-through transfers into the cache of the system beneath it, from which only
+// the flush of that very file gets them to the device.
+bool RunsInWine() {
+  const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
+  return ntdll != nullptr && ::GetProcAddress(ntdll, "wine_get_version") != nullptr;
+}
+
+}  // namespace
+
+Status LookAtVolume(const std::wstring& path, Volume& volume) {
+  std::wstring root(path.size() + MAX_PATH, L'\0');
+  if (::GetVolumePathNameW(path.c_str(), root.data(), static_cast<DWORD>(root.size())) == 0)
+    return LastError();
+  root.resize(std::wcslen(root.c_str()));
+  DWORD sectorsPerCluster = 0;
+  DWORD sectorBytes = 0;
+  DWORD freeClusters = 0;
+  DWORD clusters = 0;
+  if (::GetDiskFreeSpaceW(root.c_str(), &sectorsPerCluster, &sectorBytes, &freeClusters, &clusters) == 0) {
+    return LastError();
+  }
+  volume.sectorBytes = std::max<DWORD>(sectorBytes, 1);
+  volume.clusterBytes = std::max<DWORD>(sectorsPerCluster, 1) * volume.sectorBytes;
+  wchar_t fileSystem[MAX_PATH] = L"";
+  if (::GetVolumeInformationW(root.c_str(), nullptr, 0, nullptr, nullptr, nullptr, fileSystem, MAX_PATH) !=
+      0) {
+    volume.isNtfs = std::wcscmp(fileSystem, L"NTFS") == 0;
+  }
+  const UINT kind = ::GetDriveTypeW(root.c_str());
+  volume.isLocal = (kind == DRIVE_FIXED || kind == DRIVE_REMOVABLE) && !RunsInWine();
+  volume.root = std::move(root);
+  return {};
+}
+
+}  // namespace zq::engine::win32
