@@ -2,8 +2,8 @@
 // and marks without any width.
 #pragma once
 
-#include "controls/document/TextMeasure.h"
 #include "controls/document/Characters.h"
+#include "controls/document/TextMeasure.h"
 
 namespace zq::test {
 

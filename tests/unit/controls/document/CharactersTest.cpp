@@ -1,8 +1,9 @@
+#include "controls/document/Characters.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "controls/document/Characters.h"
 namespace zq::test {
 namespace {
 
