@@ -1,8 +1,8 @@
-#include "controls/document/Characters.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
+
+#include "controls/document/Characters.h"
 
 namespace zq::test {
 namespace {
