@@ -31,6 +31,14 @@ Status File::Identity(FileId&) {
   return Status::Refusal("it is no file of its own");
 }
 
+Status Folder::Identity(FileId&) {
+  return Status::Refusal("the system doesn't tell which folder it is");
+}
+
+Status Folder::Look(const std::string&, EntryFacts&) {
+  return Status::Refusal("the system doesn't tell what is there");
+}
+
 std::unique_ptr<TransferQueue> Device::MakeQueue() {
   return std::make_unique<SerialQueue>();
 }

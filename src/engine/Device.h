@@ -140,6 +140,12 @@ struct Entry {
   EntryKind kind = EntryKind::Other;
 };
 
+struct EntryFacts {
+  EntryKind kind = EntryKind::Other;
+  std::uint64_t lengthBytes = 0;  // of a file
+  FileId id;
+};
+
 struct SpaceInfo {
   std::uint64_t freeBytes = 0;  // what this user may still write
   std::uint32_t clusterBytes = 0;
@@ -169,6 +175,11 @@ class Folder {
   virtual ~Folder() = default;
 
   virtual Status List(std::vector<Entry>& entries) = 0;
+
+  // Which folder this is. No folder and no file of a machine have the same.
+  virtual Status Identity(FileId& id);
+  // Looks at an entry itself, without opening it for anything.
+  virtual Status Look(const std::string& name, EntryFacts& facts);
 
   // Opens a regular file for overwriting. Refused, without waiting for anything, for all else. An open
   // file must not outlive its folder.

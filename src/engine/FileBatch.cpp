@@ -18,10 +18,11 @@ constexpr Clock::Time kLongestHidingUnderCover{15'000};
 
 }  // namespace
 
-void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path) {
+void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path,
+                        const std::optional<FileId>& meant) {
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
-  const auto open = [&] { item->file.emplace(operation_, *item->place, name, path).Open(); };
+  const auto open = [&] { item->file.emplace(operation_, *item->place, name, path).Open(meant); };
   try {
     try {
       open();

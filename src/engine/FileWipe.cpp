@@ -120,7 +120,14 @@ FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::st
       progress_(operation, item_) {
 }
 
-void FileWipe::Open() {
+void RequireMeant(Folder& folder, const std::string& path, const std::optional<FileId>& meant) {
+  if (!meant) return;
+  FileId id;
+  Require(folder.Identity(id), "Looking at", path);
+  if (id != *meant) throw MakeFailure("Opening", path, "another folder has come in its place");
+}
+
+void FileWipe::Open(const std::optional<FileId>& meant) {
   parts_.push_back(OpenForOverwriting(
       operation_, item_.path,
       [this](Access access, std::unique_ptr<File>& file) {
@@ -128,6 +135,10 @@ void FileWipe::Open() {
       },
       info_));
   lengthsBytes_.push_back(info_.lengthBytes);
+
+  if (meant && Identity() != *meant) {
+    throw MakeFailure("Opening", item_.path, "another file has come in its place");
+  }
 
   std::vector<std::string> streams;
   Require(parts_.front().TheFile().ListStreams(streams), "Listing the streams of", item_.path);

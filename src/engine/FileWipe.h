@@ -44,6 +44,9 @@ struct Place {
   std::size_t shortestName = 1;  // that is free in it, as far as known (HideName)
 };
 
+// Throws Failure if the folder is another one than the caller has found there.
+void RequireMeant(Folder& folder, const std::string& path, const std::optional<FileId>& meant);
+
 // One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
 // apart because a batch takes all its files through one of them before the next; what makes them durable
 // between is the batch's part.
@@ -58,8 +61,9 @@ class FileWipe {
   FileWipe(const FileWipe&) = delete;
   FileWipe& operator=(const FileWipe&) = delete;
 
-  // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
-  void Open();
+  // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it, or if it
+  // is another file than the caller has found there.
+  void Open(const std::optional<FileId>& meant);
   // The file's facts as it was last looked at.
   // Whether another name of this file may be in the same wipe.
   bool HasSeveralNames() const { return info_.names > 1; }

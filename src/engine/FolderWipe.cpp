@@ -33,9 +33,9 @@ constexpr Clock::Time kLongestRenamingUnderCover{15'000};
 
 }  // namespace
 
-void FolderWipe::Run(const std::string& path) {
+void FolderWipe::Run(const std::string& path, const std::optional<FileId>& meant) {
   try {
-    Open(path);
+    Open(path, meant);
   } catch (const Failure& failure) {
     operation_.TellFailed({path, path, ItemKind::Folder}, failure, Outcome::Kept, path);
     return;
@@ -54,7 +54,7 @@ void FolderWipe::Run(const std::string& path) {
   }
 }
 
-void FolderWipe::Open(const std::string& path) {
+void FolderWipe::Open(const std::string& path, const std::optional<FileId>& meant) {
   std::string abovePath;
   std::string name;
   Require(operation_.device.Split(path, abovePath, name), "Opening", path);
@@ -66,6 +66,7 @@ void FolderWipe::Open(const std::string& path) {
     // Opened through the folder above it, so that a link in its place is refused.
     Require(above_->OpenFolder(name, folder), "Opening", path);
   }
+  RequireMeant(*folder, path, meant);
   Enter(std::move(folder), name, path);
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -28,7 +29,7 @@ class FolderWipe {
       : operation_(operation), selection_(std::move(selection)), batch_(operation) {}
 
   // Wipes the folder at `path`. Throws Cancelled.
-  void Run(const std::string& path);
+  void Run(const std::string& path, const std::optional<FileId>& meant = {});
 
  private:
   // A folder on the way from the top to where the walk is. Not a recursion: a tree can be deeper than the
@@ -44,7 +45,7 @@ class FolderWipe {
     std::size_t height = 0;  // how many levels of folders to be removed it has beneath it
   };
 
-  void Open(const std::string& path);
+  void Open(const std::string& path, const std::optional<FileId>& meant);
   void Walk();
   void Enter(std::unique_ptr<Folder> folder, std::string name, std::string path);
   void Visit(const std::shared_ptr<Level>& level, const Entry& entry);

@@ -119,39 +119,65 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
 
 bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcept {
   return Run(path, level, [&](Operation& operation) {
-    auto place = std::make_shared<Place>();
+    std::string folderPath;
     std::string name;
     try {
-      Require(device_.Split(path, place->path, name), "Opening", path);
+      Require(device_.Split(path, folderPath, name), "Opening", path);
       if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
-      Require(device_.OpenFolder(place->path, place->folder), "Opening", place->path);
     } catch (const Failure& failure) {
       operation.TellFailed({path, name, ItemKind::File}, failure, Outcome::Kept, name);
       return;
     }
-    FileBatch batch(operation);
-    batch.AddFile(place, name, path);
-    batch.Run();
-    if (batch.HasRemoved()) {
-      CoverNames(operation, *place->folder, path);
-      operation.ClearTraces(*place->folder, path);
-    }
+    const NamedFile file{name, path, {}};
+    WipeInFolder(operation, folderPath, {&file, 1}, {});
   });
 }
 
-bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
+                             std::int32_t level, const std::optional<FileId>& meant) noexcept {
+  return Run(folderPath, level,
+             [&](Operation& operation) { WipeInFolder(operation, folderPath, files, meant); });
+}
+
+void SecureDelete::WipeInFolder(Operation& operation, const std::string& folderPath,
+                                std::span<const NamedFile> files, const std::optional<FileId>& meant) {
+  auto place = std::make_shared<Place>();
+  place->path = folderPath;
+  try {
+    Require(device_.OpenFolder(folderPath, place->folder), "Opening", folderPath);
+    RequireMeant(*place->folder, folderPath, meant);
+  } catch (const Failure& failure) {
+    for (const NamedFile& file : files) {
+      operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
+    }
+    return;
+  }
+  FileBatch batch(operation);
+  for (const NamedFile& file : files) {
+    if (files.size() > 1) operation.Tell(file.path);
+    batch.AddFile(place, file.name, file.path, file.meant);
+  }
+  batch.Run();
+  if (!batch.HasRemoved()) return;
+  const std::string& path = files.size() == 1 ? files.front().path : folderPath;
+  CoverNames(operation, *place->folder, path);
+  operation.ClearTraces(*place->folder, path);
+}
+
+bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level,
+                              const std::optional<FileId>& meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});
-    wipe.Run(path);
+    wipe.Run(path, meant);
   });
 }
 
 bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
-                                   std::int32_t level) noexcept {
+                                   std::int32_t level, const std::optional<FileId>& meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     const auto takes = [&](const std::string& name) { return mask == "*.*" || matches_(name, mask); };
     FolderWipe wipe(operation, {takes, includeSubFolders, false});
-    wipe.Run(path);
+    wipe.Run(path, meant);
   });
 }
 

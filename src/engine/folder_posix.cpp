@@ -60,6 +60,23 @@ Status PosixFolder::List(std::vector<Entry>& entries) {
   return {};
 }
 
+Status PosixFolder::Identity(FileId& id) {
+  struct stat facts {};
+  if (::fstat(fd_.Get(), &facts) != 0) return LastError();
+  id = {facts.st_dev, {facts.st_ino, 0}};
+  return {};
+}
+
+Status PosixFolder::Look(const std::string& name, EntryFacts& facts) {
+  if (Status status = Named(name); !status.Ok()) return status;
+  struct stat found {};
+  if (::fstatat(fd_.Get(), name.c_str(), &found, AT_SYMLINK_NOFOLLOW) != 0) return LastError();
+  facts.kind = KindOfMode(found.st_mode);
+  facts.lengthBytes = facts.kind == EntryKind::File ? static_cast<std::uint64_t>(found.st_size) : 0;
+  facts.id = {found.st_dev, {found.st_ino, 0}};
+  return {};
+}
+
 Status PosixFolder::OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) {
   if (Status status = Named(name); !status.Ok()) return status;
   // Looked at before it is opened: opening a pipe can wait, and opening a device can act.

@@ -19,6 +19,9 @@ class PosixFolder final : public Folder {
 
   Status List(std::vector<Entry>& entries) override;
 
+  Status Identity(FileId& id) override;
+  Status Look(const std::string& name, EntryFacts& facts) override;
+
   Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) override;
 
   Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) override;

@@ -124,7 +124,7 @@ TEST_F(RunnerTest, TellsAFileThatCameLater) {
   MakePlanFor({"d"});
   WriteBytes(scratch / "d/late.txt", "x");
   Run();
-  EXPECT_THAT(result.alsoWiped, testing::ElementsAre("late.txt"));
+  EXPECT_THAT(result.alsoWiped, testing::ElementsAre(At("d/late.txt")));
   EXPECT_FALSE(IsThere("d"));
   EXPECT_EQ(Code(), ExitCode::AllGone);
 }

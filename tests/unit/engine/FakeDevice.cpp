@@ -297,6 +297,20 @@ class FakeFolder final : public Folder {
     return {};
   }
 
+  Status Identity(FileId& id) override {
+    if (Status status = device_.Begin("identity of folder", path_); !status.Ok()) return status;
+    id = {1, {node_->number, 0}};
+    return {};
+  }
+
+  Status Look(const std::string& name, EntryFacts& facts) override {
+    if (Status status = device_.Begin("look", PathOf(name)); !status.Ok()) return status;
+    const auto found = node_->children.find(name);
+    if (found == node_->children.end()) return NotFound();
+    facts = {found->second->kind, found->second->stored.size(), {1, {found->second->number, 0}}};
+    return {};
+  }
+
   Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
     if (Status status = device_.Begin("open", PathOf(name)); !status.Ok()) return status;
     const auto found = node_->children.find(name);
@@ -490,6 +504,7 @@ std::shared_ptr<Node> FakeDevice::MakeFolder(const std::string& path) {
     if (!child) {
       child = std::make_shared<Node>();
       child->kind = EntryKind::Folder;
+      child->number = nextNumber_++;
     }
     node = child;
   }
