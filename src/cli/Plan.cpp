@@ -73,7 +73,12 @@ class Planner {
     target.path = named.given;
     target.firstItem = plan_.items.size();
     Walk walk(device_, {options_.mask, options_.recursive}, interrupted_);
-    target.meant = walk.Run(named.given, plan_.items);
+    engine::EntryId meant;
+    if (device_.Identify(named.given, meant).Ok()) {
+      if (++heldCount_ > kMostHeld) meant.hold.reset();
+      target.meant = std::move(meant);
+    }
+    walk.Run(named.given, plan_.items);
     target.itemCount = plan_.items.size() - target.firstItem;
     RememberPlaces(target, named);
     if (target.itemCount > 0) plan_.targets.push_back(std::move(target));
@@ -118,40 +123,26 @@ class Planner {
     std::string name;
     engine::Status status = device_.Split(named.given, folder, name);
     name = LastName(located.canonical, surroundings_.style);
-    if (status.Ok()) status = OpenParent(folder);
-    engine::EntryFacts facts;
-    if (status.Ok()) status = parent_->Look(name, facts);
+    engine::EntryId meant;
+    if (status.Ok()) status = device_.Identify(named.given, meant);
     if (!status.Ok()) return keep(ItemKind::File, status.text);
-    if (facts.kind != engine::EntryKind::File) return keep(ItemKind::Other, "it is not a regular file");
+    if (++heldCount_ > kMostHeld) meant.hold.reset();
     item.kind = ItemKind::File;
-    item.bytes = facts.lengthBytes;
-    plan_.items.push_back(std::move(item));
-    if (!joinsLast_) {
+    item.bytes = located.lengthBytes;
+    // Files of one folder that stand one after the other in the plan are one call of the engine, since it
+    // takes many small files through each pass with few flushes.
+    const bool joins = !plan_.targets.empty() && plan_.targets.back().kind == Target::Kind::Files &&
+                       plan_.targets.back().path == folder &&
+                       plan_.targets.back().firstItem + plan_.targets.back().itemCount == plan_.items.size();
+    if (!joins) {
       Target target;
       target.path = folder;
-      target.meant = parentId_;
-      target.firstItem = plan_.items.size() - 1;
+      target.firstItem = plan_.items.size();
       plan_.targets.push_back(std::move(target));
-      joinsLast_ = true;
     }
-    plan_.targets.back().files.push_back({name, named.given, facts.id});
+    plan_.items.push_back(std::move(item));
+    plan_.targets.back().files.push_back({name, named.given, std::move(meant)});
     ++plan_.targets.back().itemCount;
-  }
-
-  // Files of one folder that stand one after the other in the plan are one call of the engine, since it takes
-  // many small files through each pass with few flushes.
-  engine::Status OpenParent(const std::string& path) {
-    const bool isSame = parent_ != nullptr && parentPath_ == path;
-    const bool isLast = !plan_.targets.empty() && plan_.targets.back().kind == Target::Kind::Files &&
-                        plan_.targets.back().firstItem + plan_.targets.back().itemCount == plan_.items.size();
-    joinsLast_ = isSame && isLast;
-    if (isSame) return {};
-    parent_.reset();
-    engine::Status status = device_.OpenFolder(path, parent_);
-    if (status.Ok()) status = parent_->Identity(parentId_);
-    if (!status.Ok()) parent_.reset();
-    parentPath_ = path;
-    return status;
   }
 
   const Options& options_;
@@ -162,10 +153,9 @@ class Planner {
   std::vector<Named> named_;
   std::set<std::string> seen_;             // canonical paths
   std::unordered_set<std::string> taken_;  // canonical paths of items of folders
-  std::string parentPath_;                 // of the file that was looked at last
-  std::unique_ptr<engine::Folder> parent_;
-  engine::FileId parentId_;
-  bool joinsLast_ = false;  // the next file belongs to the last target
+  // What is held open keeps its number; the plan must not take all descriptors for that.
+  static constexpr std::size_t kMostHeld = 32;
+  std::size_t heldCount_ = 0;
 };
 
 }  // namespace

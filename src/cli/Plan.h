@@ -38,11 +38,11 @@ struct Target {
   enum class Kind { Files, Tree, Matching };
 
   Kind kind = Kind::Files;
-  std::string path;                      // of the folder; that of the files
-  std::vector<engine::NamedFile> files;  // in the case in which the system keeps their names
+  std::string path;                                    // of the folder; that of the files
+  std::vector<engine::SecureDelete::NamedFile> files;  // in the case in which the system keeps their names
   // What was found there, and is shown to the user: nothing else that comes in its place is wiped.
-  std::optional<engine::FileId> meant;
-  std::size_t firstItem = 0;  // its items stand together in the plan
+  std::optional<engine::EntryId> meant;  // of a folder
+  std::size_t firstItem = 0;             // its items stand together in the plan
   std::size_t itemCount = 0;
 };
 

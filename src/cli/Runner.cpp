@@ -78,16 +78,16 @@ RunResult Runner::Run(Plan& plan) {
 }
 
 bool Runner::Wipe(const Target& target) {
+  const engine::EntryId* const meant = target.meant ? &*target.meant : nullptr;
   switch (target.kind) {
     case Target::Kind::Files:
-      return engine_.WipeFiles(target.path, target.files, options_.level, target.meant);
+      return engine_.WipeFiles(target.path, target.files, options_.level);
     case Target::Kind::Tree:
-      return engine_.WipeFolder(target.path, options_.level, target.meant);
+      return engine_.WipeFolder(target.path, options_.level, meant);
     case Target::Kind::Matching:
       break;
   }
-  return engine_.WipeFolderFiles(target.path, *options_.mask, options_.recursive, options_.level,
-                                 target.meant);
+  return engine_.WipeFolderFiles(target.path, *options_.mask, options_.recursive, options_.level, meant);
 }
 
 // What the engine has told nothing of it hasn't come upon, or it was stopped before its end.

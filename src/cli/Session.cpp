@@ -111,7 +111,7 @@ class Session {
       if (target.kind == Target::Kind::Matching) {
         lines.push_back(Shown(target.path) + " (its files like " + Shown(*options_.mask) + ')');
       }
-      for (const engine::NamedFile& file : target.files) lines.push_back(Shown(file.path));
+      for (const engine::SecureDelete::NamedFile& file : target.files) lines.push_back(Shown(file.path));
     }
     for (std::size_t i = 0; i < std::min(kMostShown, lines.size()); ++i) text += "  " + lines[i] + '\n';
     if (lines.size() > kMostShown) text += "  and " + std::to_string(lines.size() - kMostShown) + " more\n";

@@ -23,6 +23,8 @@ struct Located {
 
 // Looks at the entry itself, never at what a link leads to.
 Located Locate(const std::string& path);
+// Of the file alone, quicker. 0 if it can't be told.
+std::uint64_t LengthBytes(const std::string& path);
 // Whether there is an entry of that name, were it a link that leads nowhere.
 bool Exists(const std::string& path);
 

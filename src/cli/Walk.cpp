@@ -3,15 +3,16 @@
 #include <algorithm>
 #include <utility>
 
+#include "cli/System.h"
 #include "platform/Like.h"
 
 namespace zq::cli {
 
 bool Walk::Takes(const std::string& name) const {
-  return !selection_.mask || *selection_.mask == "*.*" || Like(name, *selection_.mask);
+  return !selection_.mask || *selection_.mask == kEveryFileMask || Like(name, *selection_.mask);
 }
 
-std::optional<engine::FileId> Walk::Run(const std::string& path, std::vector<Item>& items) {
+void Walk::Run(const std::string& path, std::vector<Item>& items) {
   std::string abovePath;
   std::string name;
   std::unique_ptr<engine::Folder> above;
@@ -20,9 +21,6 @@ std::optional<engine::FileId> Walk::Run(const std::string& path, std::vector<Ite
   if (status.Ok() && name.empty()) status = engine::Status::Refusal("it is a whole drive");
   if (status.Ok()) status = device_.OpenFolder(abovePath, above);
   if (status.Ok()) status = above->OpenFolder(name, folder);
-  engine::FileId id;
-  if (status.Ok()) status = folder->Identity(id);
-  const bool isOpen = status.Ok();
   Enter(status, std::move(folder), path, items);
   while (!levels_.empty() && !interrupted_()) {
     Level& level = levels_.back();
@@ -33,7 +31,6 @@ std::optional<engine::FileId> Walk::Run(const std::string& path, std::vector<Ite
       Leave(items);
     }
   }
-  return isOpen ? std::optional(id) : std::nullopt;
 }
 
 void Walk::Enter(const engine::Status& opened, std::unique_ptr<engine::Folder> folder, std::string path,
@@ -58,10 +55,8 @@ void Walk::Visit(const engine::Entry& entry, std::vector<Item>& items) {
   switch (entry.kind) {
     case engine::EntryKind::File:
       if (Takes(entry.name)) {
-        engine::EntryFacts facts;
-        // What can't be looked at now is told when its turn comes.
-        if (!level.folder->Look(entry.name, facts).Ok()) facts.lengthBytes = 0;
-        items.push_back({std::move(path), ItemKind::File, facts.lengthBytes, Outcome::Pending, {}});
+        const std::uint64_t bytes = LengthBytes(path);
+        items.push_back({std::move(path), ItemKind::File, bytes, Outcome::Pending, {}});
       }
       break;
     case engine::EntryKind::Folder:

@@ -23,8 +23,8 @@ class Walk {
       : device_(device), selection_(std::move(selection)), interrupted_(interrupted) {}
 
   // Appends an item for each file, link and folder, a folder after what it holds. What can be seen to stay
-  // is Kept already, with the folders above it. Gives what the folder at `path` is.
-  std::optional<engine::FileId> Run(const std::string& path, std::vector<Item>& items);
+  // is Kept already, with the folders above it.
+  void Run(const std::string& path, std::vector<Item>& items);
 
  private:
   // Not a recursion: a tree can be deeper than the stack.

@@ -136,6 +136,11 @@ Located Locate(const std::string& path) {
   return located;
 }
 
+std::uint64_t LengthBytes(const std::string& path) {
+  struct stat facts {};
+  return ::lstat(path.c_str(), &facts) == 0 ? static_cast<std::uint64_t>(facts.st_size) : 0;
+}
+
 bool Exists(const std::string& path) {
   struct stat facts {};
   // An entry that can't be looked at is not one that is gone.

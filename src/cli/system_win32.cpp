@@ -230,6 +230,13 @@ Located Locate(const std::string& path) {
   return located;
 }
 
+std::uint64_t LengthBytes(const std::string& path) {
+  std::string trouble;
+  WIN32_FILE_ATTRIBUTE_DATA data{};
+  if (::GetFileAttributesExW(LongPath(path, trouble).c_str(), GetFileExInfoStandard, &data) == 0) return 0;
+  return static_cast<std::uint64_t>(data.nFileSizeHigh) << 32 | data.nFileSizeLow;
+}
+
 bool Exists(const std::string& path) {
   std::string trouble;
   if (::GetFileAttributesW(LongPath(path, trouble).c_str()) != INVALID_FILE_ATTRIBUTES) return true;

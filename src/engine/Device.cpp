@@ -31,12 +31,12 @@ Status File::Identity(FileId&) {
   return Status::Refusal("it is no file of its own");
 }
 
-Status Folder::Identity(FileId&) {
-  return Status::Refusal("the system doesn't tell which folder it is");
+Status Folder::Identity(EntryId&) {
+  return Status::Refusal("it can't be told from others");
 }
 
-Status Folder::Look(const std::string&, EntryFacts&) {
-  return Status::Refusal("the system doesn't tell what is there");
+Status Device::Identify(const std::string&, EntryId&) {
+  return Status::Refusal("it can't be told from others");
 }
 
 std::unique_ptr<TransferQueue> Device::MakeQueue() {

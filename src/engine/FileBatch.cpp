@@ -18,11 +18,10 @@ constexpr Clock::Time kLongestHidingUnderCover{15'000};
 
 }  // namespace
 
-void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path,
-                        const std::optional<FileId>& meant) {
+void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path) {
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
-  const auto open = [&] { item->file.emplace(operation_, *item->place, name, path).Open(meant); };
+  const auto open = [&] { item->file.emplace(operation_, *item->place, name, path).Open(); };
   try {
     try {
       open();

@@ -112,6 +112,10 @@ void FileProgress::Raise(std::int32_t bytesDone) {
   operation_.LookForCancel();
 }
 
+void ThrowNotMeant(const std::string& path) {
+  throw MakeFailure("Opening", path, "it isn't any more what was to be wiped: something else is there now");
+}
+
 FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::string path)
     : operation_(operation),
       place_(place),
@@ -120,25 +124,15 @@ FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::st
       progress_(operation, item_) {
 }
 
-void RequireMeant(Folder& folder, const std::string& path, const std::optional<FileId>& meant) {
-  if (!meant) return;
-  FileId id;
-  Require(folder.Identity(id), "Looking at", path);
-  if (id != *meant) throw MakeFailure("Opening", path, "another folder has come in its place");
-}
-
-void FileWipe::Open(const std::optional<FileId>& meant) {
+void FileWipe::Open() {
   parts_.push_back(OpenForOverwriting(
       operation_, item_.path,
       [this](Access access, std::unique_ptr<File>& file) {
         return place_.folder->OpenFile(item_.name, access, file);
       },
       info_));
+  if (place_.onlyFile && Identity() != *place_.onlyFile) ThrowNotMeant(item_.path);
   lengthsBytes_.push_back(info_.lengthBytes);
-
-  if (meant && Identity() != *meant) {
-    throw MakeFailure("Opening", item_.path, "another file has come in its place");
-  }
 
   std::vector<std::string> streams;
   Require(parts_.front().TheFile().ListStreams(streams), "Listing the streams of", item_.path);

@@ -40,12 +40,12 @@ class FileProgress final : public WorkMeter {
 struct Place {
   std::unique_ptr<Folder> folder;
   std::string path;
-  bool somethingStays = false;   // something in it has failed, so it has to stay too
-  std::size_t shortestName = 1;  // that is free in it, as far as known (HideName)
+  bool somethingStays = false;          // something in it has failed, so it has to stay too
+  std::size_t shortestName = 1;         // that is free in it, as far as known (HideName)
+  std::optional<FileId> onlyFile = {};  // if set, no other file may be opened in it
 };
 
-// Throws Failure if the folder is another one than the caller has found there.
-void RequireMeant(Folder& folder, const std::string& path, const std::optional<FileId>& meant);
+[[noreturn]] void ThrowNotMeant(const std::string& path);
 
 // One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
 // apart because a batch takes all its files through one of them before the next; what makes them durable
@@ -61,9 +61,8 @@ class FileWipe {
   FileWipe(const FileWipe&) = delete;
   FileWipe& operator=(const FileWipe&) = delete;
 
-  // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it, or if it
-  // is another file than the caller has found there.
-  void Open(const std::optional<FileId>& meant);
+  // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
+  void Open();
   // The file's facts as it was last looked at.
   // Whether another name of this file may be in the same wipe.
   bool HasSeveralNames() const { return info_.names > 1; }

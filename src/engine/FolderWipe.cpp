@@ -33,7 +33,7 @@ constexpr Clock::Time kLongestRenamingUnderCover{15'000};
 
 }  // namespace
 
-void FolderWipe::Run(const std::string& path, const std::optional<FileId>& meant) {
+void FolderWipe::Run(const std::string& path, const EntryId* meant) {
   try {
     Open(path, meant);
   } catch (const Failure& failure) {
@@ -54,7 +54,7 @@ void FolderWipe::Run(const std::string& path, const std::optional<FileId>& meant
   }
 }
 
-void FolderWipe::Open(const std::string& path, const std::optional<FileId>& meant) {
+void FolderWipe::Open(const std::string& path, const EntryId* meant) {
   std::string abovePath;
   std::string name;
   Require(operation_.device.Split(path, abovePath, name), "Opening", path);
@@ -66,7 +66,11 @@ void FolderWipe::Open(const std::string& path, const std::optional<FileId>& mean
     // Opened through the folder above it, so that a link in its place is refused.
     Require(above_->OpenFolder(name, folder), "Opening", path);
   }
-  RequireMeant(*folder, path, meant);
+  if (meant != nullptr) {
+    EntryId id;
+    Require(folder->Identity(id), "Opening", path);
+    if (id != *meant) ThrowNotMeant(path);
+  }
   Enter(std::move(folder), name, path);
 }
 

@@ -117,55 +117,70 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
   return done;
 }
 
-bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
-    std::string folderPath;
+    auto place = std::make_shared<Place>();
     std::string name;
     try {
-      Require(device_.Split(path, folderPath, name), "Opening", path);
+      Require(device_.Split(path, place->path, name), "Opening", path);
       if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
+      Require(device_.OpenFolder(place->path, place->folder), "Opening", place->path);
+      if (meant != nullptr) {
+        // The file has its folder's mount, or it is refused.
+        EntryId folder;
+        Require(place->folder->Identity(folder), "Opening", place->path);
+        if (folder.mount != meant->mount) ThrowNotMeant(path);
+        place->onlyFile = meant->file;
+      }
     } catch (const Failure& failure) {
       operation.TellFailed({path, name, ItemKind::File}, failure, Outcome::Kept, name);
       return;
     }
-    const NamedFile file{name, path, {}};
-    WipeInFolder(operation, folderPath, {&file, 1}, {});
+    FileBatch batch(operation);
+    batch.AddFile(place, name, path);
+    batch.Run();
+    if (batch.HasRemoved()) {
+      CoverNames(operation, *place->folder, path);
+      operation.ClearTraces(*place->folder, path);
+    }
   });
 }
 
 bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
-                             std::int32_t level, const std::optional<FileId>& meant) noexcept {
-  return Run(folderPath, level,
-             [&](Operation& operation) { WipeInFolder(operation, folderPath, files, meant); });
-}
-
-void SecureDelete::WipeInFolder(Operation& operation, const std::string& folderPath,
-                                std::span<const NamedFile> files, const std::optional<FileId>& meant) {
-  auto place = std::make_shared<Place>();
-  place->path = folderPath;
-  try {
-    Require(device_.OpenFolder(folderPath, place->folder), "Opening", folderPath);
-    RequireMeant(*place->folder, folderPath, meant);
-  } catch (const Failure& failure) {
-    for (const NamedFile& file : files) {
-      operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
+                             std::int32_t level) noexcept {
+  return Run(folderPath, level, [&](Operation& operation) {
+    auto place = std::make_shared<Place>();
+    place->path = folderPath;
+    EntryId folder;
+    try {
+      Require(device_.OpenFolder(folderPath, place->folder), "Opening", folderPath);
+      Require(place->folder->Identity(folder), "Opening", folderPath);
+    } catch (const Failure& failure) {
+      for (const NamedFile& file : files) {
+        operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
+      }
+      return;
     }
-    return;
-  }
-  FileBatch batch(operation);
-  for (const NamedFile& file : files) {
-    if (files.size() > 1) operation.Tell(file.path);
-    batch.AddFile(place, file.name, file.path, file.meant);
-  }
-  batch.Run();
-  if (!batch.HasRemoved()) return;
-  const std::string& path = files.size() == 1 ? files.front().path : folderPath;
-  CoverNames(operation, *place->folder, path);
-  operation.ClearTraces(*place->folder, path);
+    FileBatch batch(operation);
+    for (const NamedFile& file : files) {
+      operation.Tell(file.path);
+      try {
+        if (folder.mount != file.meant.mount) ThrowNotMeant(file.path);
+      } catch (const Failure& failure) {
+        operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
+        continue;
+      }
+      place->onlyFile = file.meant.file;
+      batch.AddFile(place, file.name, file.path);
+    }
+    batch.Run();
+    if (!batch.HasRemoved()) return;
+    CoverNames(operation, *place->folder, folderPath);
+    operation.ClearTraces(*place->folder, folderPath);
+  });
 }
 
-bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level,
-                              const std::optional<FileId>& meant) noexcept {
+bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});
     wipe.Run(path, meant);
@@ -173,7 +188,7 @@ bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level,
 }
 
 bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
-                                   std::int32_t level, const std::optional<FileId>& meant) noexcept {
+                                   std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     const auto takes = [&](const std::string& name) { return mask == "*.*" || matches_(name, mask); };
     FolderWipe wipe(operation, {takes, includeSubFolders, false});

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -18,13 +17,6 @@ namespace zq::engine {
 
 class Operation;
 
-// One of several files of a folder.
-struct NamedFile {
-  std::string name;
-  std::string path;             // what events and error texts call it
-  std::optional<FileId> meant;  // as below
-};
-
 // `level` is 3, 5 or 7 throughout and stands for that many rounds of three data writes per byte: a pattern,
 // its complement, random data. Each write covers a file to the end of its last cluster and is on the device
 // before the next begins. Nothing that was not overwritten, and found so by reading it back, is deleted;
@@ -32,9 +24,6 @@ struct NamedFile {
 //
 // A wipe member returns true only if all it stands for is done. Otherwise LastErrorText says why, and what
 // wasn't finished is still there. No member throws; what a handler throws ends the operation as a failure.
-// `meant` is what the caller has found there, and what its user has agreed to: another folder or file that
-// has come in its place since, or to which a link on the way leads now, is kept.
-//
 // A member called from inside another one's event returns false and disturbs nothing.
 class SecureDelete {
  public:
@@ -46,22 +35,28 @@ class SecureDelete {
   SecureDelete(const SecureDelete&) = delete;
   SecureDelete& operator=(const SecureDelete&) = delete;
 
-  // Wipes and removes one regular file.
-  bool WipeFile(const std::string& path, std::int32_t level) noexcept;
+  // `meant`, where it is given, is what the path led to when the user agreed (Device::Identify). If it leads
+  // to anything else by now, that isn't touched: a failure.
 
-  // The same for several files of one folder, which is listed by nobody. One that fails stays, and the rest
-  // goes on. `meant` is the folder.
-  bool WipeFiles(const std::string& folderPath, std::span<const NamedFile> files, std::int32_t level,
-                 const std::optional<FileId>& meant = {}) noexcept;
+  // Wipes and removes one regular file.
+  bool WipeFile(const std::string& path, std::int32_t level, const EntryId* meant = nullptr) noexcept;
+
+  // The same for several files of one folder. One that fails stays, and the rest goes on.
+  struct NamedFile {
+    std::string name;
+    std::string path;  // what events and error texts call it
+    EntryId meant;
+  };
+  bool WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
+                 std::int32_t level) noexcept;
 
   // Wipes all files in the folder and beneath it, and removes the folders and the folder itself. A file
   // that fails stays, with the folders above it, and the rest goes on.
-  bool WipeFolder(const std::string& path, std::int32_t level,
-                  const std::optional<FileId>& meant = {}) noexcept;
+  bool WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant = nullptr) noexcept;
 
   // Wipes the files whose names match `mask`, beneath the folder too if `includeSubFolders`. Folders stay.
   bool WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
-                       std::int32_t level, const std::optional<FileId>& meant = {}) noexcept;
+                       std::int32_t level, const EntryId* meant = nullptr) noexcept;
 
   // Overwrites the free space of the drive with the root folder `drive`.
   bool WipeFreeSpace(const std::string& drive, std::int32_t level) noexcept;
@@ -84,8 +79,6 @@ class SecureDelete {
  private:
   template <typename Work>
   bool Run(const std::string& subject, std::int32_t level, const Work& work) noexcept;
-  void WipeInFolder(Operation& operation, const std::string& folderPath, std::span<const NamedFile> files,
-                    const std::optional<FileId>& meant);
   void SetError(std::string_view text) noexcept;
   void SetNote(const Operation& operation) noexcept;
   void TellError(std::int32_t code) noexcept;

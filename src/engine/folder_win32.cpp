@@ -15,6 +15,11 @@ class WindowsFolder final : public Folder {
   WindowsFolder(UniqueHandle handle, std::wstring path, const Volume& volume)
       : handle_(std::move(handle)), path_(std::move(path)), volume_(volume) {}
 
+  Status Identity(EntryId& id) override {
+    id = {};
+    return IdentityOf(handle_.Get(), id.file);
+  }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};
@@ -37,27 +42,6 @@ class WindowsFolder final : public Folder {
     const DWORD code = ::GetLastError();
     ::FindClose(search);
     return code == ERROR_NO_MORE_FILES ? Status{} : FromCode(code);
-  }
-
-  Status Identity(FileId& id) override { return IdentityOf(handle_.Get(), id); }
-
-  Status Look(const std::string& name, EntryFacts& facts) override {
-    std::wstring wide;
-    if (Status status = WideName(name, wide); !status.Ok()) return status;
-    const UniqueHandle handle(
-        ::CreateFileW(JoinWide(path_, wide).c_str(), FILE_READ_ATTRIBUTES,
-                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_EXISTING,
-                      FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-    if (!handle.IsOpen()) return LastError();
-    Facts found;
-    if (Status status = LookAt(handle.Get(), found); !status.Ok()) return status;
-    facts.kind = KindOf(found);
-    facts.lengthBytes = 0;
-    LARGE_INTEGER length{};
-    if (facts.kind == EntryKind::File && ::GetFileSizeEx(handle.Get(), &length) != 0) {
-      facts.lengthBytes = static_cast<std::uint64_t>(length.QuadPart);
-    }
-    return IdentityOf(handle.Get(), facts.id);
   }
 
   Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {

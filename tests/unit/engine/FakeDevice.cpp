@@ -290,24 +290,16 @@ class FakeFolder final : public Folder {
   }
   ~FakeFolder() override { --device_.openHandles; }
 
+  Status Identity(EntryId& id) override {
+    if (Status status = device_.Begin("identity", path_); !status.Ok()) return status;
+    id = {{1, {node_->number, 0}}, node_->mount};
+    return {};
+  }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     if (Status status = device_.Begin("list", path_); !status.Ok()) return status;
     for (const auto& [name, child] : node_->children) entries.push_back({name, child->kind});
-    return {};
-  }
-
-  Status Identity(FileId& id) override {
-    if (Status status = device_.Begin("identity of folder", path_); !status.Ok()) return status;
-    id = {1, {node_->number, 0}};
-    return {};
-  }
-
-  Status Look(const std::string& name, EntryFacts& facts) override {
-    if (Status status = device_.Begin("look", PathOf(name)); !status.Ok()) return status;
-    const auto found = node_->children.find(name);
-    if (found == node_->children.end()) return NotFound();
-    facts = {found->second->kind, found->second->stored.size(), {1, {found->second->number, 0}}};
     return {};
   }
 
@@ -568,6 +560,14 @@ std::uint64_t FakeDevice::UsedBytes() const {
 std::size_t FakeDevice::Count(const std::string& kind) const {
   return static_cast<std::size_t>(
       std::count_if(ops.begin(), ops.end(), [&](const Op& op) { return op.ok && op.kind == kind; }));
+}
+
+Status FakeDevice::Identify(const std::string& path, EntryId& id) {
+  if (Status status = Begin("identify", path); !status.Ok()) return status;
+  const std::shared_ptr<Node> node = Find(path);
+  if (!node) return NotFound();
+  id = {{1, {node->number, 0}}, node->mount};
+  return {};
 }
 
 Status FakeDevice::OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) {
