@@ -14,6 +14,7 @@ namespace zq::engine {
 struct Failure {
   std::int32_t code;
   std::string text;
+  Trouble trouble = Trouble::Refused;
 };
 
 // The owner has called CancelOperation.

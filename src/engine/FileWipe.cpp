@@ -191,7 +191,9 @@ bool FileWipe::IsSameFileAs(FileWipe& other) {
 
 void FileWipe::Hide() {
   File& file = parts_.front().TheFile();
-  Require(file.SetDates(), "Setting the dates of", hiddenPath_);
+  if (!file.SetDates().Ok()) {
+    operation_.AddNote("The dates of what was wiped could not be changed everywhere and may still be found.");
+  }
   const std::string newName = HideName(operation_, name_, hiddenPath_, place_.shortestName,
                                        [&file](const std::string& name) { return file.Rename(name); });
   hiddenPath_ = path_ + " (already overwritten, now named " + newName + ')';

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "engine/Device.h"
+
 namespace zq::engine {
 
 // A part of a file's content, and where on the device it lies.
@@ -14,7 +16,9 @@ struct Piece {
 };
 
 struct Placement {
-  std::vector<Piece> pieces;  // in the order of their offsets; empty where the file system doesn't tell
+  std::vector<Piece> pieces;    // in the order of their offsets; empty where the file system doesn't tell
+  std::vector<ByteRange> room;  // all that takes room on the device, pieces without a known place, too
+  bool isTold = false;          // the file system tells
   // Some of the blocks belong to another file too, as after a copy by reflink: they are then left to the
   // other file, and new ones are written.
   bool isShared = false;
