@@ -6,6 +6,7 @@
 
 #include "platform/FixedPoint.h"
 #include "platform/Platform.h"
+#include "reports/ReportViewer.h"
 #include "wipe/SecureFileDeleteWizard.h"
 
 namespace zq {
@@ -14,14 +15,6 @@ struct AppState;
 class JobList;
 class MainWindow;
 class WipeStatusWindow;
-
-// The report window, where there is one. Loading a loaded window has no effect.
-class ReportViewer {
- public:
-  virtual ~ReportViewer() = default;
-  virtual void Load() = 0;
-  virtual void ShowModal() = 0;
-};
 
 // The driver and the handlers of the engine's events that serve it.
 class JobWipe final : public WipeEvents {

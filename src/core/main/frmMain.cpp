@@ -64,7 +64,8 @@ frmMain::frmMain(AppState& state, Platform& platform)
       icons_(*this, platform.regional),
       addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
-      jobWipe_(state, jobList_, platform, *this, statusWindow_, nullptr),
+      reportWindow_(*this),
+      jobWipe_(state, jobList_, platform, *this, statusWindow_, &reportWindow_),
       SFD1(jobWipe_),
       commands_({.state = state,
                  .jobList = jobList_,
@@ -74,7 +75,8 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .jobLifecycle = jobLifecycle_,
                  .jobWipe = jobWipe_,
                  .folderDialog = *this,
-                 .windows = *this}) {
+                 .windows = *this,
+                 .reportViewer = &reportWindow_}) {
   jobWipe_.SetEngine(&SFD1);
   jobList_.SetView(this);
 
