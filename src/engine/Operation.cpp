@@ -2,8 +2,22 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace zq::engine {
+
+void Operation::AddNote(const char* text) noexcept {
+  try {
+    if (note.empty()) note = text;
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+bool Operation::MayCover() const {
+  constexpr Clock::Time kAWhile{5'000'000};
+  const Clock::Time now = clock.Now();
+  return now < coveringEnd_ && covering_ < std::max(kAWhile, (now - begun_) / 2);
+}
 
 std::string Operation::RandomName(std::size_t length) {
   // 32 characters, so that five random bits choose one. Without case, since file systems differ in it, and

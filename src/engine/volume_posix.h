@@ -37,7 +37,6 @@ struct Volume {
   bool MayNotClearJournal() const { return magic == kExtMagic && isOrdered && !mayClearJournal; }
   bool HasOneFlush() const { return oneFlushForAll; }
   bool IsOrdered() const { return isOrdered; }
-  bool IsXfs() const { return magic == kXfsMagic; }
   bool IsJournaledExt() const { return magic == kExtMagic && isOrdered; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
 };

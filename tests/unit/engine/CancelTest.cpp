@@ -174,7 +174,7 @@ TEST(Cancel, StopsTheRemovalOfABatchInTimeOnADeviceThatIsSlowWithEntries) {
 
 // The fillers that have been made go first.
 TEST(Cancel, StopsTheCoveringOfNamesInTime) {
-  for (const auto kind : {NameRoom::Kind::Slots, NameRoom::Kind::Blocks}) {
+  for (const auto kind : {NameRoom::Kind::Slots, NameRoom::Kind::Tree}) {
     StopRemovalsAtAnyTime(kind, Clock::Time{471'000}, Clock::Time{1'000'000});
   }
 }
