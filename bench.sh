@@ -10,8 +10,8 @@ set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
 source scripts/packages.sh
-need_packages build bench
-[[ ${1:-} != windows ]] || need_packages run
+need_packages build-native bench
+[[ ${1:-} != windows ]] || need_packages build run
 
 runs=${BENCH_RUNS:-5}
 dir=${BENCH_DIR:-$PWD/build/bench}
@@ -140,8 +140,8 @@ make_files_of() { files "$1" 4096 $(($1 / 100)); }
 # The prefix's drive C: is a folder of this disk, where shred finds the same files.
 compare_windows() {
   local prefix
-  cmake --preset windows -Wno-dev >/dev/null
-  cmake --build --preset windows --parallel "$(nproc)" --target engine_bench >/dev/null
+  cmake --preset program -Wno-dev >/dev/null
+  cmake --build --preset program --parallel "$(nproc)" --target engine_bench >/dev/null
   prefix=$(scripts/prefix.sh create bench)
   trap 'rm -rf -- "$dir/work" "$dir/own-seconds"; scripts/prefix.sh stop bench' EXIT
   dir=$prefix/drive_c/bench

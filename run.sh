@@ -25,34 +25,41 @@ display_works() {
   fi
 }
 
+say() { echo "== $*" >&2; }
+
+# compile PRESET TARGET...
+compile() {
+  say "Building: a minute or two the first time"
+  cmake --preset "$1" -Wno-dev >&2
+  cmake --build --preset "$1" --parallel "$(nproc)" --target "${@:2}" >&2
+}
+
+# build [TARGET]...: the program and its folder, and these targets.
 build() {
-  need_packages build run
-  cmake --preset windows -Wno-dev >&2
-  cmake --build --preset windows --parallel "$(nproc)" --target program >&2
+  compile program program "$@"
   rm -rf -- build/Zeroquill.new
-  cmake --install build/windows --component program --prefix build/Zeroquill.new >&2
+  cmake --install build/program --component program --prefix build/Zeroquill.new >&2
   rm -rf -- build/Zeroquill
   mv -- build/Zeroquill.new build/Zeroquill
 }
 
-build_native() {
-  need_packages build >&2
-  cmake --preset native-release -Wno-dev >&2
-  cmake --build --preset native-release --parallel "$(nproc)" --target zqwipe >&2
-}
-
 demonstrate() {
-  cmake --build --preset windows --parallel "$(nproc)" --target zq_demo >&2
+  need_packages build run >&2
+  build zq_demo
   rm -rf -- build/demo
   trap 'scripts/prefix.sh stop demo' EXIT
+  say "Preparing the Wine prefix that it runs in: half a minute the first time"
   scripts/prefix.sh create demo >/dev/null
-  ZQ_PREFIX=demo ZQ_PICTURES=$PWD/build/demo scripts/wine-run.sh build/windows/tests/e2e/zq_demo.exe
+  ZQ_PREFIX=demo ZQ_PICTURES=$PWD/build/demo scripts/wine-run.sh build/program/tests/demo/zq_demo.exe
   echo "Pictures of its windows:"
   find "$PWD/build/demo" -name '*.png' | sort
 }
 
 open_on_display() {
   local prefix
+  need_packages build run >&2
+  build
+  say "Preparing the Wine prefix that it runs in: half a minute the first time"
   prefix=$(scripts/prefix.sh create desktop --managed)
   cage_verify "$prefix"
   # The reports, jobs and settings of former runs stay.
@@ -65,19 +72,19 @@ open_on_display() {
 
 case ${1:-} in
   --build)
+    need_packages build >&2
     build
     echo "$PWD/build/Zeroquill"
     ;;
   --build-native)
-    build_native
+    need_packages build-native >&2
+    compile native-release zqwipe
     echo "$PWD/build/native-release/src/cli/zqwipe"
     ;;
   --demo)
-    build
     demonstrate
     ;;
   *)
-    build
     if display_works; then open_on_display "$@"; else demonstrate; fi
     ;;
 esac

@@ -1,21 +1,29 @@
 #!/usr/bin/env bash
-# Installs what the project needs from Debian's archive, in sets: `build`, `run`, `test`, `forensic`, `bench`. Source it
-# and call `need_packages`, or run it: scripts/packages.sh SET...
+# Installs what the project needs from Debian's archive, in sets. Source it and call `need_packages`, or
+# run it: scripts/packages.sh SET...
+#   build         builds the program for Windows
+#   build-native  builds zqwipe and the benchmarks for this system
+#   run           runs a Windows program in the cage
+#   test          what the tests need beside these three
+#   forensic      what the forensic tests of ZQ_FORENSIC need beside `test`
+#   bench         what the benchmarks need beside `build-native`
 # When nothing is missing it neither asks for rights nor touches the network.
 
 # The set's packages, one a line.
 packages_of() {
   case $1 in
     build)
-      printf '%s\n' cmake ninja-build g++ g++-mingw-w64-x86-64-posix mingw-w64-tools \
-        libcli11-dev
+      printf '%s\n' cmake ninja-build g++-mingw-w64-x86-64-posix libcli11-dev
+      ;;
+    build-native)
+      printf '%s\n' cmake ninja-build g++ libcli11-dev
       ;;
     run)
       # Wine's own fonts bring Tahoma; the others stand in for Verdana and Arial.
       printf '%s\n' wine wine64 fonts-wine fonts-dejavu-core fonts-liberation2 xvfb xauth util-linux
       ;;
     test)
-      printf '%s\n' googletest clang libclang-rt-dev clang-format cppcheck shellcheck \
+      printf '%s\n' googletest clang libclang-rt-dev clang-format clang-tidy cppcheck shellcheck \
         imagemagick icoutils librsvg2-bin python3
       # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
       printf '%s\n' e2fsprogs ntfs-3g xfsprogs btrfs-progs dosfstools procps sleuthkit testdisk secure-delete wipe
@@ -25,10 +33,10 @@ packages_of() {
       printf '%s\n' user-mode-linux perl-base
       ;;
     bench)
-      printf '%s\n' googletest wipe secure-delete scrub fio strace perl
+      printf '%s\n' wipe secure-delete scrub fio strace perl
       ;;
     *)
-      echo "packages.sh: there is no set '$1' (build, run, test, forensic, bench)" >&2
+      echo "packages.sh: there is no set '$1' (build, build-native, run, test, forensic, bench)" >&2
       return 2
       ;;
   esac
@@ -53,9 +61,10 @@ need_packages() {
   if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
     # Not a Debian: whoever has the tools already may go on, all others are told what is wanted.
     local -A tools=(
-      [build]="cmake ninja g++ x86_64-w64-mingw32-g++-posix x86_64-w64-mingw32-windres"
+      [build]="cmake ninja x86_64-w64-mingw32-g++-posix x86_64-w64-mingw32-windres"
+      [build-native]="cmake ninja g++"
       [run]="wine wineserver Xvfb unshare nsenter"
-      [test]="clang++ clang-format"
+      [test]="clang++ clang-format clang-tidy cppcheck shellcheck"
       [bench]="wipe srm scrub fio strace perl")
     local tool absent=""
     for set in "$@"; do
@@ -74,7 +83,7 @@ need_packages() {
   mapfile -t missing < <(missing_packages "$@")
   ((${#missing[@]} == 0)) && return 0
 
-  echo "Installing from Debian's archive: ${missing[*]}"
+  echo "Installing from Debian's archive, for the first time and once: ${missing[*]}"
   if ((EUID != 0)); then
     if ! command -v sudo >/dev/null; then
       echo "These packages are missing, and there is neither root nor sudo to install them." >&2
@@ -90,6 +99,6 @@ need_packages() {
 
 if [[ ${BASH_SOURCE[0]} == "$0" ]]; then
   set -euo pipefail
-  (($# > 0)) || { echo "usage: packages.sh SET...   (build, run, test, forensic, bench)" >&2; exit 2; }
+  (($# > 0)) || { echo "usage: packages.sh SET...   (build, build-native, run, test, forensic, bench)" >&2; exit 2; }
   need_packages "$@"
 fi

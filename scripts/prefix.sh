@@ -44,6 +44,66 @@ Windows Registry Editor Version 5.00
 REG
 }
 
+# write_registry PREFIX DPI MANAGED: in its cage, which is up.
+write_registry() {
+  registry "$2" "$3" >"$1/drive_c/settings.reg"
+  cage_exec "$1" "$1/drive_c" wine regedit /S 'C:\settings.reg' >/dev/null 2>&1
+  rm -- "$1/drive_c/settings.reg"
+}
+
+# close_devices PREFIX: takes away the links to devices that Wine has found.
+close_devices() {
+  local prefix=$1 link
+  find "$prefix/dosdevices" -type l ! -name 'c:' -print0 | while IFS= read -r -d '' link; do
+    [[ -d $prefix/drive_${link: -2:1} ]] || rm -- "$link"
+  done
+}
+
+# make_base PREFIX: as Wine makes it, which takes its time, with 96 dpi and no managed windows.
+make_base() {
+  local prefix=$1
+  # Wine links z: to / only when it makes dosdevices itself.
+  mkdir -p -- "$prefix"/{cage,home,tmp,drive_c,dosdevices}
+  ln -s ../drive_c "$prefix/dosdevices/c:"
+  (
+    cage_up "$prefix"
+    cage_exec "$prefix" "$prefix/drive_c" wine wineboot --init >/dev/null 2>&1
+    write_registry "$prefix" 96 N
+  )
+  # Debian's Wine doesn't look where its own fonts are: Tahoma, and the signs on the captions' buttons.
+  local fonts=/usr/share/wine/fonts
+  if [[ -d $fonts ]]; then
+    mkdir -p -- "$prefix/drive_c/windows/Fonts"
+    cp -- "$fonts"/*.ttf "$fonts"/*.fon "$prefix/drive_c/windows/Fonts/"
+  fi
+  cage_down "$prefix"
+  close_devices "$prefix"
+
+  # Users' folders that Wine made links into the home folder.
+  local link folder
+  while IFS= read -r -d '' link; do
+    rm -- "$link"
+    mkdir -- "$link"
+  done < <(find "$prefix/drive_c/users" -type l -print0)
+  for folder in Desktop Documents Downloads Music Pictures Videos Templates; do
+    mkdir -p -- "$prefix/drive_c/users/user/$folder"
+  done
+}
+
+# copy_base PREFIX: a copy of the prefix `base`, which nothing is ever run in. Of what Wine put into the
+# folders of C:\windows it has other names only: 700 megabytes that nobody writes to.
+copy_base() {
+  local prefix=$1 base
+  base=$("${BASH_SOURCE[0]}" create base)
+  mkdir -p -- "$prefix"/{cage,tmp,drive_c/windows}
+  cp -a -- "$base"/{home,dosdevices,*.reg} "$prefix/"
+  [[ ! -e $base/.update-timestamp ]] || cp -a -- "$base/.update-timestamp" "$prefix/"
+  find "$base/drive_c" -mindepth 1 -maxdepth 1 ! -name windows -exec cp -a -t "$prefix/drive_c" -- {} +
+  find "$base/drive_c/windows" -mindepth 1 -maxdepth 1 -type f -exec cp -a -t "$prefix/drive_c/windows" -- {} +
+  find "$base/drive_c/windows" -mindepth 1 -maxdepth 1 -type d ! -name temp -exec cp -al -t "$prefix/drive_c/windows" -- {} +
+  mkdir -p -- "$prefix/drive_c/windows/temp"
+}
+
 create() {
   local name=$1 dpi=96 managed=N drive prefix wanted
   local -a drives=()
@@ -70,7 +130,7 @@ create() {
   done
   prefix=$(cage_path "$name")
   # Raise the number when a prefix is made otherwise than before.
-  wanted="2 dpi=$dpi managed=$managed drives=${drives[*]}"
+  wanted="3 dpi=$dpi managed=$managed drives=${drives[*]}"
 
   mkdir -p -- "$cage_base"
   exec {lock}>"$cage_base/.$name.lock"
@@ -86,43 +146,21 @@ create() {
     cage_down "$prefix"
     rm -rf -- "$prefix"
   fi
-  # Wine links z: to / only when it makes dosdevices itself.
-  mkdir -p -- "$prefix"/{cage,home,tmp,drive_c,dosdevices}
-  ln -s ../drive_c "$prefix/dosdevices/c:"
+  if [[ $name == base ]]; then make_base "$prefix"; else copy_base "$prefix"; fi
   for drive in "${drives[@]}"; do
     mkdir -- "$prefix/drive_${drive%%:*}"
     ln -s "../drive_${drive%%:*}" "$prefix/dosdevices/${drive%%:*}:"
     echo "${drive%%:*} ${drive#*:}" >>"$prefix/cage/drives"
   done
-
-  (
-    cage_up "$prefix"
-    registry "$dpi" "$managed" >"$prefix/drive_c/settings.reg"
-    cage_exec "$prefix" "$prefix/drive_c" wine wineboot --init >/dev/null 2>&1
-    cage_exec "$prefix" "$prefix/drive_c" wine regedit /S 'C:\settings.reg' >/dev/null 2>&1
-    rm -- "$prefix/drive_c/settings.reg"
-  )
-  # Debian's Wine doesn't look where its own fonts are: Tahoma, and the signs on the captions' buttons.
-  local fonts=/usr/share/wine/fonts
-  if [[ -d $fonts ]]; then
-    mkdir -p -- "$prefix/drive_c/windows/Fonts"
-    cp -- "$fonts"/*.ttf "$fonts"/*.fon "$prefix/drive_c/windows/Fonts/"
+  if [[ $name != base && "$dpi $managed" != "96 N" ]]; then
+    (
+      cage_up "$prefix"
+      write_registry "$prefix" "$dpi" "$managed"
+    )
+    # Down, so that the registry is on disc and its fonts and screen are read anew.
+    cage_down "$prefix"
+    close_devices "$prefix"
   fi
-  # Down, so that the registry is on disc and its fonts and screen are read anew.
-  cage_down "$prefix"
-
-  # Users' folders that Wine made links into the home folder, and all devices it found.
-  local link
-  while IFS= read -r -d '' link; do
-    rm -- "$link"
-    mkdir -- "$link"
-  done < <(find "$prefix/drive_c/users" -type l -print0)
-  find "$prefix/dosdevices" -type l ! -name 'c:' -print0 | while IFS= read -r -d '' link; do
-    [[ -d $prefix/drive_${link: -2:1} ]] || rm -- "$link"
-  done
-  for folder in Desktop Documents Downloads Music Pictures Videos Templates; do
-    mkdir -p -- "$prefix/drive_c/users/user/$folder"
-  done
 
   echo "$wanted" >"$prefix/cage/made-by-prefix.sh"
   if ! cage_verify "$prefix"; then

@@ -1,7 +1,5 @@
-// DockStudio: the bars of the main window. Menu bar, tool bar and status bar hold named tools; one event
-// tells which tool was activated, whether by menu, tool bar or shortcut. The tool bar stands in bands, one
-// for each group of tools, which the user can move, put into rows and make wider; what doesn't fit a band
-// is behind its chevron.
+// DockStudio: the bars of a window. Menu bar, tool bar and status bar hold named tools; one event tells which
+// tool was activated, whether by menu, tool bar or shortcut.
 #pragma once
 
 #include <windows.h>
@@ -10,11 +8,12 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
-#include "controls/BarLayout.h"
-#include "core/main/CommandTable.h"
-#include "jobs/CommandState.h"
+#include "controls/MenuBar.h"
+#include "controls/StatusBar.h"
+#include "controls/ToolBands.h"
+#include "controls/ToolStates.h"
+#include "controls/Tools.h"
 #include "platform/win32/UniqueHandle.h"
 
 namespace zq {
@@ -31,7 +30,7 @@ class DockStudio final : public ToolStates {
   std::function<void()> ClientAreaChanged;
 
   // Makes the bars in `owner`, whose client area they share with whatever fills the rest.
-  void Create(HWND owner);
+  void Create(HWND owner, BarsDesign design);
 
   // The owner hands over what arrives for the bars; true: taken.
   bool OnCommand(WORD commandId);
@@ -41,9 +40,10 @@ class DockStudio final : public ToolStates {
   void OnDpiChanged();
   bool TranslateShortcut(MSG& message);
 
+  // By name; a name that no tool or panel has does nothing.
   void SetEnabled(std::string_view toolName, bool enabled) override;
   bool IsEnabled(std::string_view toolName) const;
-  void SetChecked(std::string_view toolName, bool checked);
+  void SetChecked(std::string_view toolName, bool checked) override;
   void SetPanelText(std::string_view panelName, const std::string& text) override;
 
   // Opens a menu of the menu bar at a place on the screen. Its tool, if one is chosen, comes by ToolClick.
@@ -61,41 +61,19 @@ class DockStudio final : public ToolStates {
   RECT ClientArea() const;
 
  private:
-  struct ToolEntry {
-    const Tool* tool = nullptr;
-    HMENU menu = nullptr;    // null for a tool of the tool bar
-    HWND toolBar = nullptr;  // the band's window; null for a tool of a menu
-    UniqueBitmap bitmap;
-  };
-
-  void CreateMenuBar();
-  void CreateToolBar();
-  HWND CreateBand();
-  void AddButton(HWND toolBar, const Tool& tool, int picture);
-  void CreateStatusBar();
   void CreateShortcuts();
-  void LoadToolPictures();
-  void SizeBands();
-  WPARAM IndexOfBand(int band) const;
-  void ShowWholeBand(WPARAM place);
-  BarLayout CurrentLayout() const;
-  void ArrangeBands(const BarLayout& layout);
-  void ShowHiddenTools(const NMREBARCHEVRON& chevron);
+  void LoadPictures();
   void LayOut();
-  void LayOutPanels();
+  const Tool* ToolOf(UINT commandId) const;           // null for a command of somebody else's
   UINT CommandIdOf(std::string_view toolName) const;  // 0 for an unknown name
   int Dpi() const { return static_cast<int>(::GetDpiForWindow(owner_)); }
 
+  BarsDesign design_;
   HWND owner_ = nullptr;
-  HMENU menuBar_ = nullptr;
-  std::vector<HMENU> menus_;        // in the order of Menus()
-  std::vector<ToolEntry> entries_;  // the command id is the place here plus the first id
-  HWND rebar_ = nullptr;
-  std::vector<HWND> toolBars_;  // the windows of the bands; band 1 is the first
-  HWND statusBar_ = nullptr;
-  HIMAGELIST toolBarImages_ = nullptr;
+  MenuBar menuBar_;
+  ToolBands toolBands_;
+  StatusBar statusBar_;
   UniqueAcceleratorTable shortcuts_;
-  int bandDpi_ = 96;  // that the bands are sized for
   bool layingOut_ = false;
 };
 

@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -50,6 +51,11 @@ struct FileId {
   auto operator<=>(const FileId&) const = default;
 };
 
+struct ByteRange {
+  std::uint64_t offsetBytes = 0;
+  std::uint64_t sizeBytes = 0;
+};
+
 struct FileInfo {
   std::uint64_t lengthBytes = 0;
   // What the file occupies; more than the length if space was reserved behind its end. 0: not known.
@@ -61,6 +67,12 @@ struct FileInfo {
   // The file system may put equal contents of two files together, and then what has become superfluous is
   // never overwritten: only random data, which are equal to nothing else, are safe to write.
   bool mergesEqual = false;
+  // Of a sparse file: the parts of it that have room on the device, in order, each of whole clusters. Nothing
+  // else of it holds data, and writing there would take room. Unset for other files: they have all they need.
+  std::optional<std::vector<ByteRange>> room;
+  // Empty, or a sentence for the user, who has this file wiped all the same: what may be left of it in places
+  // that can't be reached from here.
+  std::string caveat;
   // Empty, or why overwriting this file would leave its old content somewhere: "it is compressed". When it is
   // asked again later: or has left it, "another program has moved it during the wipe".
   std::string notInPlace;
@@ -264,6 +276,9 @@ class Device {
 struct DeviceOptions {
   // Do without the system's way of having several transfers under way, as where it isn't allowed.
   bool oneTransferAtATime = false;
+  // Overwrite also where it isn't known whether new data go to the place of the old ones, as the user
+  // insists. What is known to go elsewhere is refused all the same.
+  bool trustFileSystem = false;
 };
 
 // The device of the system that this program was built for.

@@ -40,7 +40,7 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
     note_(failure);
     return;
   }
-  const std::uint64_t bytes = item->file->ExtentBytes();
+  const std::uint64_t bytes = item->file->CoveredBytes();
   if (!items_.empty() && bytes_ + bytes > kMostBytes) Run();
   bytes_ += bytes;
   parts_ += item->file->Parts().size();
@@ -144,7 +144,7 @@ void FileBatch::WritePass(const Pass& pass, bool isFirst) {
     last = &*item->file;
     for (Overwriter& part : item->file->Parts()) {
       Try(*item, [&] { part.BeginPass(pass, item->file->Progress()); });
-      (part.HowOpened() == Access::Direct ? directBytes_ : cachedBytes_) += part.ExtentBytes();
+      (part.HowOpened() == Access::Direct ? directBytes_ : cachedBytes_) += part.CoveredBytes();
       // What may wait in a cache is bounded for all files together as it is for one.
       if (cachedBytes_ >= operation_.pace.FlushAfterBytes(Access::Cached) ||
           directBytes_ >= operation_.pace.FlushAfterBytes(Access::Direct)) {

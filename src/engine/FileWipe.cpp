@@ -13,6 +13,11 @@ using OpenCall = std::function<Status(Access access, std::unique_ptr<File>& file
 // Rounded up to whole clusters, so that the slack behind the end is covered too.
 std::uint64_t Extent(const FileInfo& info, const std::string& path) {
   if (info.inRecord) return info.lengthBytes;
+  if (info.room) {
+    return info.room->empty()
+               ? info.lengthBytes
+               : std::max(info.lengthBytes, info.room->back().offsetBytes + info.room->back().sizeBytes);
+  }
   const std::uint64_t bytes = std::max(info.lengthBytes, info.allocatedBytes);
   const std::uint64_t cluster = std::max<std::uint32_t>(info.clusterBytes, 1);
   const std::uint64_t rest = bytes % cluster;
@@ -28,6 +33,12 @@ Overwriter OpenForOverwriting(Operation& operation, const std::string& path, con
                               FileInfo& info) {
   std::unique_ptr<File> file;
   std::uint64_t extent = 0;
+  // What writes have to be able to end at.
+  const auto end = [&] {
+    return !info.room           ? extent
+           : info.room->empty() ? 0
+                                : info.room->back().offsetBytes + info.room->back().sizeBytes;
+  };
   const auto openAs = [&](Access access) {
     file.reset();
     Require(open(access, file), "Opening", path);
@@ -39,10 +50,12 @@ Overwriter OpenForOverwriting(Operation& operation, const std::string& path, con
   };
   openAs(Access::Direct);
   // Only a cached write can be as short as the content of a record, and only a cached one leaves it there.
-  if (file->Alignment() > 1 && (info.inRecord || extent % file->Alignment() != 0)) openAs(Access::Cached);
+  if (file->Alignment() > 1 && (info.inRecord || end() % file->Alignment() != 0)) openAs(Access::Cached);
 
   Overwriter part(operation, std::move(file), path);
   part.SetExtent(extent);
+  if (info.room) part.SetRoom(*info.room);
+  if (!info.caveat.empty()) operation.AddNote(info.caveat);
   if (info.mergesEqual) part.SetRandomOnly();
   return part;
 }
@@ -131,14 +144,14 @@ void FileWipe::Open() {
   }
 }
 
-std::uint64_t FileWipe::ExtentBytes() const {
+std::uint64_t FileWipe::CoveredBytes() const {
   std::uint64_t bytes = 0;
-  for (const Overwriter& part : parts_) bytes += part.ExtentBytes();
+  for (const Overwriter& part : parts_) bytes += part.CoveredBytes();
   return bytes;
 }
 
 void FileWipe::Start() {
-  progress_.Start(name_, info_.lengthBytes, ExtentBytes() * (operation_.passes.size() + 1));
+  progress_.Start(name_, info_.lengthBytes, CoveredBytes() * (operation_.passes.size() + 1));
 }
 
 void FileWipe::CheckUnwritten() {
@@ -210,7 +223,8 @@ void WipeFolderStreams(Operation& operation, Folder& folder, const std::string& 
         [&](Access access, std::unique_ptr<File>& file) { return folder.OpenStream(name, access, file); },
         info));
     FileProgress progress(operation);
-    progress.Start(streamPath, info.lengthBytes, parts.front().ExtentBytes() * (operation.passes.size() + 1));
+    progress.Start(streamPath, info.lengthBytes,
+                   parts.front().CoveredBytes() * (operation.passes.size() + 1));
     for (const Pass& pass : operation.passes) {
       parts.front().WritePass(pass, progress);
       parts.front().Flush();

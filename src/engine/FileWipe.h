@@ -92,7 +92,7 @@ class FileWipe {
   // The file itself, then its named streams.
   std::vector<Overwriter>& Parts() { return parts_; }
   FileProgress& Progress() { return progress_; }
-  std::uint64_t ExtentBytes() const;
+  std::uint64_t CoveredBytes() const;
   // What error texts call it once it is overwritten, and after Hide.
   const std::string& HiddenPath() const { return hiddenPath_; }
 

@@ -71,6 +71,12 @@ class Operation {
 
   // What couldn't be done and is no failure, for the owner to read. Empty mostly.
   std::string note;
+  // Adds a sentence, unless the note has it.
+  void AddNote(const std::string& sentence) {
+    if (note.find(sentence) != std::string::npos) return;
+    if (!note.empty()) note += ' ';
+    note += sentence;
+  }
   // The files of which a name has gone, and how many names each of them has left.
   std::map<FileId, std::uint32_t> namesLeft;
   // Of names, for the end of the operation.

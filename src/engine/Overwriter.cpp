@@ -18,6 +18,26 @@ Overwriter::Overwriter(Operation& operation, std::unique_ptr<File> file, std::st
   Require(stream_.Seed(operation_.seeds), "Seeding the random data for", path_);
 }
 
+std::uint64_t Overwriter::CoveredBytes() const {
+  if (!room_) return extentBytes_;
+  std::uint64_t bytes = 0;
+  for (const ByteRange& part : *room_) bytes += part.sizeBytes;
+  return bytes;
+}
+
+template <typename Transfer>
+void Overwriter::ForEachUnit(const Transfer& transfer) {
+  const ByteRange all{0, extentBytes_};
+  for (const ByteRange& part : room_ ? std::span<const ByteRange>(*room_) : std::span(&all, 1)) {
+    const std::uint64_t end = part.offsetBytes + part.sizeBytes;
+    for (std::uint64_t offset = part.offsetBytes; offset < end;) {
+      const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(UnitBytes(), end - offset));
+      if (!transfer(offset, size)) return;
+      offset += size;
+    }
+  }
+}
+
 void Overwriter::TakePass(const Pass& pass) {
   pass_ = pass;
   if (randomOnly_) pass_.random = true;
@@ -35,32 +55,30 @@ std::span<const std::byte> Overwriter::Produce(std::uint64_t offsetBytes, std::s
 void Overwriter::BeginPass(const Pass& pass, WorkMeter& meter) {
   TakePass(pass);
   meter_ = &meter;
-  for (std::uint64_t offset = 0; offset < extentBytes_;) {
-    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(UnitBytes(), extentBytes_ - offset));
-    const std::span<std::byte> room = operation_.pipeline.MakeRoom(size);
-    if (failure_) return;
-    operation_.pipeline.BeginWrite(*this, *file_, offset, Produce(offset, room));
-    offset += size;
-    if (offset < extentBytes_ && unflushedBytes_ >= operation_.pace.FlushAfterBytes(HowOpened())) {
+  ForEachUnit([&](std::uint64_t offset, std::size_t size) {
+    if (unflushedBytes_ >= operation_.pace.FlushAfterBytes(HowOpened())) {
       operation_.pipeline.Drain();
-      if (failure_) return;
+      if (failure_) return false;
       Flush();
       meter.Worked(0);
     }
-  }
+    const std::span<std::byte> buffer = operation_.pipeline.MakeRoom(size);
+    if (failure_) return false;
+    operation_.pipeline.BeginWrite(*this, *file_, offset, Produce(offset, buffer));
+    return true;
+  });
 }
 
 void Overwriter::BeginVerify(WorkMeter& meter) {
   meter_ = &meter;
-  if (extentBytes_ == 0) return;
+  if (CoveredBytes() == 0) return;
   Require(file_->DropCache(), kReading, path_);
-  for (std::uint64_t offset = 0; offset < extentBytes_;) {
-    const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(UnitBytes(), extentBytes_ - offset));
-    const std::span<std::byte> room = operation_.pipeline.MakeRoom(size);
-    if (failure_) return;
-    operation_.pipeline.BeginRead(*this, *file_, offset, room);
-    offset += size;
-  }
+  ForEachUnit([&](std::uint64_t offset, std::size_t size) {
+    const std::span<std::byte> buffer = operation_.pipeline.MakeRoom(size);
+    if (failure_) return false;
+    operation_.pipeline.BeginRead(*this, *file_, offset, buffer);
+    return true;
+  });
 }
 
 void Overwriter::TransferEnded(const Pipeline::Transfer& transfer, const Status& status) {

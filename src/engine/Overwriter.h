@@ -6,6 +6,8 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "engine/Operation.h"
 
@@ -22,7 +24,12 @@ class Overwriter final : private Pipeline::Client {
   // Takes the bytes from 0 to `extentBytes` as what has to be covered. It must be a multiple of the file's
   // alignment.
   void SetExtent(std::uint64_t extentBytes) { extentBytes_ = extentBytes; }
+  // Of these bytes only those that have room on the device: see FileInfo::room, whose parts lie within the
+  // extent.
+  void SetRoom(std::vector<ByteRange> room) { room_ = std::move(room); }
   std::uint64_t ExtentBytes() const { return extentBytes_; }
+  // How much a pass writes.
+  std::uint64_t CoveredBytes() const;
   // Random data in place of the passes' patterns; see FileInfo::mergesEqual.
   void SetRandomOnly() { randomOnly_ = true; }
 
@@ -58,6 +65,10 @@ class Overwriter final : private Pipeline::Client {
   void Reopen(std::unique_ptr<File> file) { file_ = std::move(file); }
 
  private:
+  // Calls `transfer` with offset and size of one after the other, in units of the pace, until it returns
+  // false.
+  template <typename Transfer>
+  void ForEachUnit(const Transfer& transfer);
   void TakePass(const Pass& pass);
   void Compare(const Pipeline::Transfer& transfer);
   void TransferEnded(const Pipeline::Transfer& transfer, const Status& status) override;
@@ -67,6 +78,7 @@ class Overwriter final : private Pipeline::Client {
   std::unique_ptr<File> file_;
   std::string path_;
   std::uint64_t extentBytes_ = 0;
+  std::optional<std::vector<ByteRange>> room_;
   bool randomOnly_ = false;
   std::uint64_t unflushedBytes_ = 0;
   KeyStream stream_;

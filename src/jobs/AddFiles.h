@@ -34,7 +34,7 @@ std::vector<std::string> SplitCommandLine(const std::string& commandLine);
 class FolderDialog {
  public:
   virtual ~FolderDialog() = default;
-  virtual void ShowFor(const std::string& path) = 0;  // selects `path`, shows modally
+  virtual void ShowFor(const std::string& path) = 0;  // selects `path` unless it is "", shows modally
 };
 
 class AddFiles {

@@ -1,5 +1,6 @@
 #include "jobs/CommandState.h"
 
+#include "controls/ToolStates.h"
 #include "core/state/AppState.h"
 #include "jobs/JobList.h"
 #include "platform/NumberFormat.h"
@@ -23,6 +24,8 @@ std::string ItemCountText(std::size_t count, Regional& regional) {
 
 void UpdateCommandState(const AppState& state, const JobList& jobList, ToolStates& tools,
                         Regional& regional) {
+  // First, since who reads the number of items must find as many in the list.
+  jobList.BringViewUpToDate();
   tools.SetEnabled("mnuFileDelete", !state.CurrentJobName.empty());
   for (std::string_view tool : kToolsForRows) tools.SetEnabled(tool, jobList.Count() > 0);
   tools.SetPanelText("Static3", ItemCountText(jobList.Count(), regional));

@@ -1,22 +1,12 @@
 // Command state: keeps the tools' enabled state and the item count in step with the job.
 #pragma once
 
-#include <string>
-#include <string_view>
-
 namespace zq {
 
 struct AppState;
 class JobList;
 class Regional;
-
-// The tools as the command state sees them, by name.
-class ToolStates {
- public:
-  virtual ~ToolStates() = default;
-  virtual void SetEnabled(std::string_view toolName, bool enabled) = 0;
-  virtual void SetPanelText(std::string_view panelName, const std::string& text) = 0;
-};
+class ToolStates;
 
 // Run after anything that can change the job's name or the number of rows.
 void UpdateCommandState(const AppState& state, const JobList& jobList, ToolStates& tools, Regional& regional);

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <utility>
 
+#include "controls/ToolStates.h"
 #include "core/state/AppState.h"
 #include "core/state/ItemExists.h"
-#include "jobs/CommandState.h"
 #include "jobs/FileIcons.h"
 #include "jobs/JobList.h"
 #include "jobs/JobName.h"

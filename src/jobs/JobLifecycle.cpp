@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "controls/ToolStates.h"
 #include "core/state/AppState.h"
 #include "jobs/CommandState.h"
 #include "jobs/JobList.h"

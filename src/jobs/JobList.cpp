@@ -7,6 +7,10 @@
 
 namespace zq {
 
+void JobList::BringViewUpToDate() const {
+  if (view_) view_->ShowPendingRows();
+}
+
 const JobRow& JobList::Row(int row) const {
   if (row < 1 || static_cast<std::size_t>(row) > rows_.size()) {
     throw RunTimeError(ErrorNumber::SubscriptOutOfRange);

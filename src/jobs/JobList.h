@@ -22,6 +22,8 @@ class JobListView {
   virtual void RowsChanged() = 0;              // the number of rows, or which row stands where
   virtual void RowChanged(int row) = 0;        // cells or state of one row
   virtual void SelectionChanged(int row) = 0;  // selected by code; 0 for none
+  // A view may gather changes; from here on it shows them all.
+  virtual void ShowPendingRows() = 0;
 };
 
 // Rows are addressed by position, counted from 1. An access outside them raises SubscriptOutOfRange.
@@ -32,6 +34,7 @@ class JobList {
   JobList& operator=(const JobList&) = delete;
 
   void SetView(JobListView* view) { view_ = view; }
+  void BringViewUpToDate() const;
 
   std::size_t Count() const { return rows_.size(); }
   const JobRow& Row(int row) const;

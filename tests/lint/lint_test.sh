@@ -6,11 +6,8 @@ set -euo pipefail
 shopt -s lastpipe
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")/../.."
 
-# ours [PATTERN]...: our files, those to be added included, NUL-ended.
-ours() {
-  git ls-files -z --cached --others --exclude-standard -- "$@" |
-    while IFS= read -r -d '' file; do [[ -f $file ]] && printf '%s\0' "$file"; done
-}
+# shellcheck source=scripts/files.sh
+source scripts/files.sh
 
 failed=0
 # complain TEXT: shows the lines on standard input under the text, if there are any.
@@ -40,19 +37,15 @@ ours 'tests/*.cpp' | found 'DISABLED''_|GTEST''_SKIP\(\)(?! << ")' |
 
 system='#include *[<"](windows|windowsx|winbase|winuser|commctrl|commdlg|shellapi|shlobj|shlwapi|'
 system+='shobjidl|objbase|ole2|oleidl|richedit|htmlhelp|uxtheme|winreg|winioctl|winspool|bcrypt)\.h[>"]'
-ours 'src/*' ':!src/*/frm*' ':!src/controls/*' ':!src/platform/win32/*' ':!src/*_win32.*' \
-  ':!src/app*' ':!src/manager/*' | found "$system" |
+ours 'src/*' '!src/*/frm*' '!src/controls/*' '!src/platform/win32/*' '!src/*_win32.*' \
+  '!src/app*' '!src/manager/*' | found "$system" |
   complain "Windows' headers outside forms, controls, platform/win32 and device files:"
 
-ours 'src/engine/*' | found '#include *"(core|jobs|wipe|reports|quickbin|preferences|help|ancillary|controls|platform|manager|cli)/' |
-  complain "The engine stands alone:"
-ours 'src/*' ':!src/core/*' ':!src/app*' | found '#include *"core/main/frmMain\.h"' |
-  complain "Nothing but the program's start knows frmMain; take core/state/MainWindow.h:"
 { ours 'src/*.h' 'tests/*.h' | xargs -0 --no-run-if-empty grep -L '^#pragma once' || true; } |
   complain "Headers without #pragma once:"
 
 # Wine is started by the cage's scripts alone, which refuse to when the cage is open.
-ours '*.sh' 'CMakeLists.txt' '*.cmake' ':!scripts/cage.sh' ':!scripts/keeper.sh' |
+ours '*.sh' '*CMakeLists.txt' '*.cmake' '!scripts/cage.sh' '!scripts/keeper.sh' |
   found '(^|[^[:alnum:]_./-])(wine|wine64|wineboot|wineserver|regedit)([[:space:]"]|$)' |
   { grep -vE ':[0-9]+:[[:space:]]*#|cage_exec|printf .%s.n. wine|\[run\]=' || true; } |
   complain "Wine outside the cage (use scripts/wine-run.sh):"

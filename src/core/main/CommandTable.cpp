@@ -1,5 +1,9 @@
 #include "core/main/CommandTable.h"
 
+#include <span>
+
+#include "core/main/Commands.h"
+
 namespace zq {
 namespace {
 
@@ -12,115 +16,108 @@ constexpr Shortcut Ctrl(char letter) {
   return {static_cast<std::uint16_t>(letter), true};
 }
 
-constexpr Tool kSeparator{};
+constexpr Command kSeparator{};
 
 // clang-format off
-constexpr Tool kFileTools[] = {
-    {"mnuFileNew",          "&New Wiping Job",           Ctrl('N'), "newsmall",  ""},
-    {"mnuFileOpen",         "&Open Wiping Job...",       Ctrl('O'), "opensmall", ""},
-    {"mnuFileSave",         "&Save Wiping Job",          Ctrl('S'), "savesmall", ""},
+constexpr Command kFileCommands[] = {
+    {{"mnuFileNew",          "&New Wiping Job",          Ctrl('N'), "newsmall",  ""}, &Commands::NewJob},
+    {{"mnuFileOpen",         "&Open Wiping Job...",      Ctrl('O'), "opensmall", ""}, &Commands::OpenJob},
+    {{"mnuFileSave",         "&Save Wiping Job",         Ctrl('S'), "savesmall", ""}, &Commands::SaveJob},
     kSeparator,
-    {"mnuFileClose",        "&Close Wiping Job",         Ctrl('W'), "",          ""},
-    {"mnuFileDelete",       "&Delete Open Job",          Ctrl('D'), "",          ""},
+    {{"mnuFileClose",        "&Close Wiping Job",        Ctrl('W'), "",          ""}, &Commands::CloseJob},
+    {{"mnuFileDelete",       "&Delete Open Job",         Ctrl('D'), "",          ""}, &Commands::DeleteOpenJob},
     kSeparator,
-    {"mnuFileView",         "&View Last Report...",      kNoKey,    "report",    ""},
-    {"mnuFilePreferences",  "&Preferences...",           kNoKey,    "",          ""},
+    {{"mnuFileView",         "&View Last Report...",     kNoKey,    "report",    ""}, &Commands::ViewReport},
+    {{"mnuFilePreferences",  "&Preferences...",          kNoKey,    "",          ""}, nullptr},
     kSeparator,
-    {"mnuFileLaunch",       "&Launch Explorer Manager",  kNoKey,    "",          ""},
+    {{"mnuFileLaunch",       "&Launch Explorer Manager", kNoKey,    "",          ""}, nullptr},
     kSeparator,
-    {"mnuFileQuickWipeBin", "&QuickWipe Bin",            Ctrl('Q'), "MainSmall", ""},
+    {{"mnuFileQuickWipeBin", "&QuickWipe Bin",           Ctrl('Q'), "MainSmall", ""}, &Commands::ToggleQuickWipeBin},
     kSeparator,
-    {"mnuFileExit",         "E&xit Zeroquill",           kNoKey,    "",          ""},
+    {{"mnuFileExit",         "E&xit Zeroquill",          kNoKey,    "",          ""}, &Commands::Exit},
 };
 
-constexpr Tool kActionsTools[] = {
-    {"mnuActionsAddFiles",      "Add F&iles...",         kNoKey,  "addfilessmall",  ""},
-    {"mnuActionsAddFolder",     "Add F&older...",        kNoKey,  "addfoldersmall", ""},
+constexpr Command kActionsCommands[] = {
+    {{"mnuActionsAddFiles",      "Add F&iles...",         kNoKey,  "addfilessmall",  ""}, &Commands::AddFilesDialog},
+    {{"mnuActionsAddFolder",     "Add F&older...",        kNoKey,  "addfoldersmall", ""}, &Commands::AddFolder},
     kSeparator,
-    {"mnuActionsRemove",        "&Remove Selected Item", kDelete, "delete",         ""},
-    {"mnuActionsEdit",          "&Edit Folder Item...",  kNoKey,  "",               ""},
+    {{"mnuActionsRemove",        "&Remove Selected Item", kDelete, "delete",         ""}, &Commands::RemoveSelectedItem},
+    {{"mnuActionsEdit",          "&Edit Folder Item...",  kNoKey,  "",               ""}, &Commands::EditFolderItem},
     kSeparator,
-    {"mnuActionsWipeFreeSpace", "Wipe &Free Space...",   kNoKey,  "wipspacesmall",  ""},
+    {{"mnuActionsWipeFreeSpace", "Wipe &Free Space...",   kNoKey,  "wipspacesmall",  ""}, nullptr},
     kSeparator,
-    {"mnuActionsWipeNow",       "&Wipe Now",             kF10,    "MainSmall",      ""},
+    {{"mnuActionsWipeNow",       "&Wipe Now",             kF10,    "MainSmall",      ""}, &Commands::RunJobWipe},
 };
 
-constexpr Tool kHelpTools[] = {
-    {"mnuHelpContents", "&Contents",           kF1,    "help", ""},
+constexpr Command kHelpCommands[] = {
+    {{"mnuHelpContents", "&Contents",           kF1,    "help", ""}, nullptr},
     kSeparator,
-    {"mnuHelpWebPage",  "Zeroquill &Web Page", kNoKey, "",     ""},
+    {{"mnuHelpWebPage",  "Zeroquill &Web Page", kNoKey, "",     ""}, nullptr},
     kSeparator,
-    {"mnuHelpAbout",    "&About Zeroquill",    kNoKey, "",     ""},
+    {{"mnuHelpAbout",    "&About Zeroquill",    kNoKey, "",     ""}, &Commands::About},
 };
 
-constexpr Menu kMenus[] = {
-    {"mnuFile",    "&File",    kFileTools},
-    {"mnuActions", "&Actions", kActionsTools},
-    {"mnuHelp",    "&Help",    kHelpTools},
-};
-
-constexpr Tool kToolBarTools[] = {
-    {"NewJob",        "New Job",         kNoKey, "newsmall",       "newlarge"},
-    {"OpenJob",       "Open Job",        kNoKey, "opensmall",      "openlarge"},
-    {"SaveJob",       "Save Job",        kNoKey, "savesmall",      "savelarge"},
+constexpr Command kToolBarCommands[] = {
+    {{"NewJob",        "New Job",         kNoKey, "newsmall",       "newlarge"},       &Commands::NewJob},
+    {{"OpenJob",       "Open Job",        kNoKey, "opensmall",      "openlarge"},      &Commands::OpenJob},
+    {{"SaveJob",       "Save Job",        kNoKey, "savesmall",      "savelarge"},      &Commands::SaveJob},
     kSeparator,
-    {"AddFiles",      "Add Files",       kNoKey, "addfilessmall",  "addfileslarge"},
-    {"AddFolder",     "Add Folder",      kNoKey, "addfoldersmall", "addfolderlarge"},
+    {{"AddFiles",      "Add Files",       kNoKey, "addfilessmall",  "addfileslarge"},  &Commands::AddFilesDialog},
+    {{"AddFolder",     "Add Folder",      kNoKey, "addfoldersmall", "addfolderlarge"}, &Commands::AddFolder},
     kSeparator,
-    {"WipeNow",       "Wipe Now",        kNoKey, "MainSmall",      "MainLarge"},
-    {"WipeFreeSpace", "Wipe Free Space", kNoKey, "wipspacesmall",  "wipespacelarge"},
+    {{"WipeNow",       "Wipe Now",        kNoKey, "MainSmall",      "MainLarge"},      &Commands::RunJobWipe},
+    {{"WipeFreeSpace", "Wipe Free Space", kNoKey, "wipspacesmall",  "wipespacelarge"}, nullptr},
 };
 
-struct ToolOperation {
-  std::string_view toolName;
-  Operation operation;
+struct MenuCommands {
+  std::string_view name;
+  std::string_view caption;
+  std::span<const Command> commands;
 };
 
-constexpr ToolOperation kOperations[] = {
-    {"AddFiles",                Operation::AddFiles},
-    {"mnuActionsAddFiles",      Operation::AddFiles},
-    {"OpenJob",                 Operation::OpenJob},
-    {"mnuFileOpen",             Operation::OpenJob},
-    {"SaveJob",                 Operation::SaveJob},
-    {"mnuFileSave",             Operation::SaveJob},
-    {"mnuHelpContents",         Operation::HelpContents},
-    {"mnuFileQuickWipeBin",     Operation::QuickWipeBin},
-    {"mnuFileLaunch",           Operation::LaunchManager},
-    {"AddFolder",               Operation::AddFolder},
-    {"mnuActionsAddFolder",     Operation::AddFolder},
-    {"mnuActionsRemove",        Operation::RemoveSelectedItem},
-    {"mnuFileExit",             Operation::Exit},
-    {"mnuFileView",             Operation::ViewReport},
-    {"mnuActionsEdit",          Operation::EditFolderItem},
-    {"mnuFilePreferences",      Operation::Preferences},
-    {"mnuHelpAbout",            Operation::About},
-    {"WipeNow",                 Operation::RunJobWipe},
-    {"mnuActionsWipeNow",       Operation::RunJobWipe},
-    {"WipeFreeSpace",           Operation::WipeFreeSpace},
-    {"mnuActionsWipeFreeSpace", Operation::WipeFreeSpace},
-    {"mnuFileClose",            Operation::CloseJob},
-    {"NewJob",                  Operation::NewJob},
-    {"mnuFileNew",              Operation::NewJob},
-    {"mnuFileDelete",           Operation::DeleteOpenJob},
-    {"mnuHelpWebPage",          Operation::WebPage},
+constexpr MenuCommands kMenus[] = {
+    {"mnuFile",    "&File",    kFileCommands},
+    {"mnuActions", "&Actions", kActionsCommands},
+    {"mnuHelp",    "&Help",    kHelpCommands},
+};
+
+constexpr Panel kPanels[] = {
+    {"Static1", "Press F1 for Help", 150},
+    {"Static2", "",                  0},
+    {"Static3", "0 Items",           130},
 };
 // clang-format on
 
+std::vector<Tool> ToolsOf(std::span<const Command> commands) {
+  std::vector<Tool> tools;
+  for (const Command& command : commands) tools.push_back(command.tool);
+  return tools;
+}
+
+const Command* Find(std::span<const Command> commands, std::string_view toolName) {
+  for (const Command& command : commands) {
+    if (command.tool.name == toolName) return &command;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
-std::span<const Menu> Menus() {
-  return kMenus;
+BarsDesign MainBars() {
+  BarsDesign design;
+  for (const MenuCommands& menu : kMenus)
+    design.menus.push_back({menu.name, menu.caption, ToolsOf(menu.commands)});
+  design.toolBar = ToolsOf(kToolBarCommands);
+  design.panels.assign(std::begin(kPanels), std::end(kPanels));
+  return design;
 }
 
-std::span<const Tool> ToolBarTools() {
-  return kToolBarTools;
-}
-
-Operation OperationOf(std::string_view toolName) {
-  for (const ToolOperation& row : kOperations) {
-    if (row.toolName == toolName) return row.operation;
+const Command* CommandOf(std::string_view toolName) {
+  if (toolName.empty()) return nullptr;  // a separator's
+  for (const MenuCommands& menu : kMenus) {
+    if (const Command* command = Find(menu.commands, toolName)) return command;
   }
-  return Operation::None;
+  return Find(kToolBarCommands, toolName);
 }
 
 }  // namespace zq

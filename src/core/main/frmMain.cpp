@@ -7,10 +7,10 @@
 #include <array>
 
 #include "ancillary/frmWelcome.h"
+#include "core/main/CommandTable.h"
 #include "core/main/StartUp.h"
 #include "core/state/ItemExists.h"
 #include "core/state/Settings.h"
-#include "jobs/CommandState.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
 #include "platform/Twips.h"
@@ -65,18 +65,27 @@ frmMain::frmMain(AppState& state, Platform& platform)
       addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
       jobWipe_(state, jobList_, platform, *this, statusWindow_, nullptr),
-      SFD1_(jobWipe_) {
+      SFD1_(jobWipe_),
+      commands_({.state = state,
+                 .jobList = jobList_,
+                 .platform = platform,
+                 .tools = DockStudio1,
+                 .addFiles = addFiles_,
+                 .jobLifecycle = jobLifecycle_,
+                 .jobWipe = jobWipe_,
+                 .folderDialog = *this,
+                 .windows = *this}) {
   jobWipe_.SetEngine(&SFD1_);
   jobList_.SetView(this);
 
-  DockStudio1.ToolClick = [this](std::string_view tool) { DockStudio1_ToolClick(tool); };
-  DockStudio1.MenuOpening = [this](std::string_view menu) { DockStudio1_MenuOpening(menu); };
+  DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };
+  DockStudio1.MenuOpening = [this](std::string_view menu) { commands_.MenuOpening(menu); };
   DockStudio1.ClientAreaChanged = [this] { DockStudio1_ClientAreaChanged(); };
   ListView1.CellText = [this](int row, int column) { return CellOf(jobList_.Row(row), column); };
   ListView1.RowPicture = [this](int row) { return jobList_.Row(row).SmallIcon; };
   ListView1.RowGhosted = [this](int row) { return jobList_.Row(row).Ghosted; };
   ListView1.SelectionChange = [this](int row) { jobList_.UserSelected(row); };
-  ListView1.DblClick = [this] { ListView1_DblClick(); };
+  ListView1.DblClick = [this] { commands_.ListDoubleClicked(); };
   ListView1.FindRow = [this](const std::string& prefix, int start) {
     return jobList_.FindByPrefix(prefix, start);
   };
@@ -99,7 +108,7 @@ void frmMain::Load() {
   ImageList3.AddPicture("file");
   ListView1.SetSmallIcons(ImageList3.Handle());
   ListView1.SetColumns(kColumns);
-  DockStudio1.Create(Handle());
+  DockStudio1.Create(Handle(), MainBars());
   SetDesignSize();
 
   if (platform_.process.EarlierInstanceRuns()) {
@@ -125,7 +134,7 @@ void frmMain::Load() {
   state_.JobSaved = true;
   state_.LastWiping = "N/A";
   EnsureDataFolders(platform_.files, state_.AppFolder);
-  UpdateCommandState();
+  commands_.UpdateTools();
   dropTarget_.Register(ListView1.Handle(),
                        [this](const DroppedPaths& paths) { ListView1_OLEDragDrop(paths); });
   ReadCommandLine();
@@ -137,7 +146,7 @@ void frmMain::ReadCommandLine() {
   // A job file is opened instead of being added, so its path never becomes a row.
   if (jobLifecycle_.OpenJobFromCommandLine(commandLine)) return;
   addFiles_.AddCommandLineItems(commandLine);
-  UpdateCommandState();
+  commands_.UpdateTools();
 }
 
 void frmMain::Show() {
@@ -191,10 +200,7 @@ WindowPlacement frmMain::CurrentPlacement() const {
 }
 
 bool frmMain::QueryUnload(CloseReason) {
-  // A running wipe walks the rows of the job that would be closed here. The window is hidden then, so
-  // that only the end of the session can ask.
-  if (wiping_) return false;
-  return jobLifecycle_.CloseForExit();
+  return commands_.CloseForExit();
 }
 
 void frmMain::Unloaded() {
@@ -253,10 +259,6 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
   }
 }
 
-void frmMain::UpdateCommandState() {
-  zq::UpdateCommandState(state_, jobList_, DockStudio1, platform_.regional);
-}
-
 void frmMain::DockStudio1_ClientAreaChanged() {
   ListView1.Move(DockStudio1.ClientArea());
   const RECT list = ListView1.Place();
@@ -267,7 +269,7 @@ void frmMain::DockStudio1_ClientAreaChanged() {
 
 void frmMain::ListView1_OLEDragDrop(const DroppedPaths& paths) {
   addFiles_.AddDropped(paths);
-  UpdateCommandState();
+  commands_.UpdateTools();
 }
 
 // The control is told the number of rows once for all that are added in one go. When rows go, it is told

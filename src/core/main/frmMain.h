@@ -1,4 +1,5 @@
-// frmMain: the main window. It owns the job list, the bars and the engine, and every command runs here.
+// frmMain: the main window. It owns the job list, the bars and the engine, hands what the user asks for to
+// the commands, and opens the windows that they need.
 #pragma once
 
 #include <memory>
@@ -10,6 +11,7 @@
 #include "controls/DropTarget.h"
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
+#include "core/main/Commands.h"
 #include "core/state/AppState.h"
 #include "core/state/MainWindow.h"
 #include "jobs/AddFiles.h"
@@ -29,6 +31,7 @@ class frmMain final : public Form,
                       private JobListView,
                       private FolderDialog,
                       private JobDialogs,
+                      private CommandWindows,
                       private IconPainter {
  public:
   // `SFD1` stands for the engine; tests pass one of their own.
@@ -61,27 +64,14 @@ class frmMain final : public Form,
   WindowPlacement CurrentPlacement() const;
 
   // Bars and list.
-  void DockStudio1_ToolClick(std::string_view toolName);
-  void DockStudio1_MenuOpening(std::string_view menuName);
   void DockStudio1_ClientAreaChanged();
-  void ListView1_DblClick();
   void ListView1_OLEDragDrop(const DroppedPaths& paths);
-  void UpdateCommandState();
-
-  // Commands.
-  void AddFilesDialog();
-  void AddFolder();
-  void EditFolderItem();
-  void RemoveSelectedItem();
-  void ViewReport();
-  void ToggleQuickWipeBin();
-  void RunJobWipe();
 
   // JobListView
   void RowsChanged() override;
   void RowChanged(int row) override;
   void SelectionChanged(int row) override;
-  void ShowPendingRows();
+  void ShowPendingRows() override;
 
   // FolderDialog
   void ShowFor(const std::string& path) override;
@@ -90,6 +80,13 @@ class frmMain final : public Form,
   void ShowSave() override;
   void ShowNew() override;
   void ShowOpenJob() override;
+
+  // CommandWindows
+  AddFilesChoice ShowAddFiles(const std::string& initialFolder) override;
+  void ShowEdit(const JobRow& row) override;
+  void ShowAbout() override;
+  void CloseMainWindow() override;
+  void DoBusily(const std::function<void()>& work) override;
 
   // IconPainter
   std::string WindowsFolder() override;
@@ -106,6 +103,7 @@ class frmMain final : public Form,
   StatusWindow statusWindow_;
   JobWipe jobWipe_;
   SFD1 SFD1_;
+  Commands commands_;
   ImageList ImageList3;
   UniqueIcon drawnIcon_;  // what Picture2, the drawing surface of the icon cache, holds
   int IconWidth_ = 0;
@@ -117,7 +115,6 @@ class frmMain final : public Form,
   bool maximiseAtShow_ = false;
   bool shown_ = false;
   bool rowsPending_ = false;  // the list control hasn't been told the number of rows yet
-  bool wiping_ = false;
 };
 
 }  // namespace zq

@@ -1,11 +1,11 @@
 // FakeToolStates: tools and panels that remember what they were set to. A line in the log for each:
-// "+WipeNow", "-WipeNow", "Static3=0 Items".
+// "+WipeNow", "-WipeNow", "x mnuFileNew" checked, "o mnuFileNew" not, "Static3=0 Items".
 #pragma once
 
 #include <map>
 #include <string>
 
-#include "jobs/CommandState.h"
+#include "controls/ToolStates.h"
 #include "platform/RunTimeError.h"
 #include "support/fakes/EventLog.h"
 
@@ -20,6 +20,10 @@ class FakeToolStates final : public ToolStates {
     log_.push_back((enabled ? "+" : "-") + std::string(toolName));
     enabledTools[std::string(toolName)] = enabled;
   }
+  void SetChecked(std::string_view toolName, bool checked) override {
+    log_.push_back((checked ? "x " : "o ") + std::string(toolName));
+    checkedTools[std::string(toolName)] = checked;
+  }
   void SetPanelText(std::string_view panelName, const std::string& text) override {
     log_.push_back(std::string(panelName) + "=" + text);
     panels[std::string(panelName)] = text;
@@ -27,6 +31,7 @@ class FakeToolStates final : public ToolStates {
 
   std::string_view missingTool;
   std::map<std::string, bool> enabledTools;
+  std::map<std::string, bool> checkedTools;
   std::map<std::string, std::string> panels;
 
  private:

@@ -74,6 +74,8 @@ class FakeFile final : public File {
         device_.recordBytes > 0 && !node_->written.empty() && node_->written.size() <= device_.recordBytes;
     info.mergesEqual = device_.mergesEqual && isStream_;
     info.notInPlace = node_->notInPlace;
+    info.room = node_->room;
+    info.caveat = node_->caveat;
     info.names = node_->names;
     return {};
   }
@@ -91,6 +93,9 @@ class FakeFile final : public File {
     CheckAlignment(offset, data.data(), data.size());
     if (Status status = device_.Begin("write", Path(), offset, data.size()); !status.Ok()) return status;
     std::size_t size = data.size();
+    if (node_->room && !FakeDevice::HasRoom(*node_, offset, size)) {
+      device_.violations.push_back("took room: " + Path());
+    }
     if (device_.IsShort()) {
       device_.faultHappened = true;
       size = size / 2 / Alignment() * Alignment();
@@ -610,15 +615,30 @@ void FakeDevice::Pass(std::uint64_t bytes) {
 
 // What goes must have been overwritten in all passes, to the end of its last cluster (or of its record),
 // and on the medium itself.
+bool FakeDevice::HasRoom(const Node& node, std::uint64_t offset, std::uint64_t size) {
+  return std::any_of(node.room->begin(), node.room->end(), [&](const ByteRange& part) {
+    return offset >= part.offsetBytes && offset + size <= part.offsetBytes + part.sizeBytes;
+  });
+}
+
 void FakeDevice::CheckOverwritten(const Node& node, const std::string& path, const char* what) {
   if (node.original.empty()) return;
   std::uint64_t extent = std::max<std::uint64_t>(node.original.size(), node.allocatedBytes);
   if (node.original.size() > recordBytes) extent = (extent + clusterBytes - 1) / clusterBytes * clusterBytes;
-  const bool covered =
-      node.writeCounts.size() >= extent &&
-      std::all_of(node.writeCounts.begin(), node.writeCounts.begin() + static_cast<std::ptrdiff_t>(extent),
-                  [this](int count) { return count >= passesNeeded; });
-  if (!covered) violations.push_back(std::string(what) + " before it was overwritten: " + path);
+  const auto covered = [&](std::uint64_t begin, std::uint64_t end) {
+    const auto at = [&](std::uint64_t offset) {
+      return node.writeCounts.begin() + static_cast<std::ptrdiff_t>(offset);
+    };
+    return node.writeCounts.size() >= end &&
+           std::all_of(at(begin), at(end), [this](int count) { return count >= passesNeeded; });
+  };
+  const bool all = node.room
+                       ? std::all_of(node.room->begin(), node.room->end(),
+                                     [&](const ByteRange& part) {
+                                       return covered(part.offsetBytes, part.offsetBytes + part.sizeBytes);
+                                     })
+                       : covered(0, extent);
+  if (!all) violations.push_back(std::string(what) + " before it was overwritten: " + path);
 }
 
 }  // namespace zq::engine::test

@@ -48,6 +48,8 @@ struct Node {
   };
   std::vector<Range> dirty;
   std::uint64_t allocatedBytes = 0;
+  std::optional<std::vector<ByteRange>> room;  // of a sparse file; to write elsewhere in it is a violation
+  std::string caveat;
   std::string notInPlace;
   bool readOnly = false;
   bool dated = false;
@@ -136,6 +138,7 @@ class FakeDevice final : public Device {
   }
   std::uint64_t ClustersOf(const Node& node) const;
   void Pass(std::uint64_t bytes);
+  static bool HasRoom(const Node& node, std::uint64_t offset, std::uint64_t size);
   void CheckOverwritten(const Node& node, const std::string& path, const char* what);
 
   FakeClock& clock_;

@@ -61,6 +61,12 @@ const Scene kScenes[] = {
      },
      [](EngineRig& rig) { return rig.engine.WipeFile("/f/secret", 3); },
      [](EngineRig& rig) { return rig.device.Find("/f")->children.empty(); }},
+    {"sparse file",
+     [](EngineRig& rig) {
+       rig.device.MakeFile("/f/secret", Secret(50'000))->room = {{4'096, 8'192}, {45'056, 8'192}};
+     },
+     [](EngineRig& rig) { return rig.engine.WipeFile("/f/secret", 3); },
+     [](EngineRig& rig) { return rig.device.Find("/f")->children.empty(); }},
     {"folder",
      [](EngineRig& rig) {
        rig.device.MakeFile("/f/top/one", Secret(100));

@@ -106,6 +106,46 @@ TEST(FileWipe, CoversWhatIsReservedBehindTheEnd) {
   EXPECT_EQ(end, 53'248u);
 }
 
+TEST(FileWipe, CoversOfASparseFileWhatHasRoomAndTakesNoMore) {
+  EngineRig rig;
+  const auto node = rig.device.MakeFile("/x", Secret(1'000'001));
+  node->room = {{8'192, 4'096}, {655'360, 65'536}, {999'424, 4'096}};
+  EXPECT_TRUE(rig.engine.WipeFile("/x", 3)) << rig.engine.LastErrorText();
+  EXPECT_THAT(rig.device.violations, IsEmpty());
+  EXPECT_FALSE(rig.device.Exists("/x"));
+  std::map<std::uint64_t, std::uint64_t> written;
+  std::uint64_t read = 0;
+  for (const Op& op : rig.device.ops) {
+    if (op.kind == "write") written[op.offset] += op.size;
+    if (op.kind == "read") read += op.size;
+  }
+  EXPECT_THAT(written, ElementsAre(std::pair{8'192u, 9u * 4'096}, std::pair{655'360u, 9u * 65'536},
+                                   std::pair{999'424u, 9u * 4'096}));
+  EXPECT_EQ(read, 73'728u) << "or the read-back has looked elsewhere";
+  const std::vector<Event> told = rig.events.Of("progress");
+  ASSERT_FALSE(told.empty());
+  EXPECT_EQ(told.back().done, 1'000'001);
+}
+
+TEST(FileWipe, RemovesASparseFileWithoutRoomWithoutWriting) {
+  EngineRig rig;
+  const auto node = rig.device.MakeFile("/x", Secret(100'000));
+  node->room.emplace();
+  EXPECT_TRUE(rig.engine.WipeFile("/x", 3)) << rig.engine.LastErrorText();
+  EXPECT_THAT(rig.device.violations, IsEmpty());
+  EXPECT_EQ(rig.device.Count("write"), 0u);
+  EXPECT_FALSE(rig.device.Exists("/x"));
+}
+
+TEST(FileWipe, TellsOnceWhatMayBeLeftInPlacesOutOfReach) {
+  EngineRig rig;
+  for (const char* path : {"/top/a", "/top/b"}) {
+    rig.device.MakeFile(path, Secret(100))->caveat = "Copies may be left on the server.";
+  }
+  EXPECT_TRUE(rig.engine.WipeFolder("/top", 3)) << rig.engine.LastErrorText();
+  EXPECT_EQ(rig.engine.Note(), "Copies may be left on the server.");
+}
+
 TEST(FileWipe, NeverLeavesTheRecordOfAFileThatLiesInIt) {
   for (const std::size_t size : {123u, 512u}) {
     EngineRig rig;

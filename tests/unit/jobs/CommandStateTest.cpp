@@ -14,6 +14,19 @@ namespace {
 
 using testing::ElementsAre;
 
+// Notes only when it has to show the rows.
+class ListView final : public JobListView {
+ public:
+  explicit ListView(test::EventLog& log) : log_(log) {}
+  void RowsChanged() override {}
+  void RowChanged(int) override {}
+  void SelectionChanged(int) override {}
+  void ShowPendingRows() override { log_.push_back("rows shown"); }
+
+ private:
+  test::EventLog& log_;
+};
+
 class CommandStateTest : public testing::Test {
  protected:
   void AddFiles(int count) {
@@ -46,6 +59,15 @@ TEST_F(CommandStateTest, SetsAllInOrderForANamedJobWithASelectedFolder) {
   EXPECT_THAT(log, ElementsAre("+mnuFileDelete", "+mnuFileClose", "+WipeNow", "+mnuActionsWipeNow",
                                "+mnuActionsRemove", "+SaveJob", "+mnuFileSave", "Static3=1 Item",
                                "-mnuActionsEdit", "+mnuActionsEdit"));
+}
+
+TEST_F(CommandStateTest, HasTheListShowItsRowsBeforeAnythingTellsOfThem) {
+  ListView view(log);
+  jobList.SetView(&view);
+  AddFiles(1);
+  Update();
+  ASSERT_FALSE(log.empty());
+  EXPECT_EQ(log.front(), "rows shown");
 }
 
 TEST_F(CommandStateTest, EnablesDeleteByTheNameAndTheRestByTheRows) {

@@ -20,6 +20,7 @@ class RecordingView final : public JobListView {
   void RowsChanged() override { log.push_back("rows"); }
   void RowChanged(int row) override { log.push_back("row " + std::to_string(row)); }
   void SelectionChanged(int row) override { log.push_back("selected " + std::to_string(row)); }
+  void ShowPendingRows() override { log.push_back("shown"); }
 };
 
 class JobListTest : public testing::Test {

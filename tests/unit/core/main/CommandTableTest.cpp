@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/main/CommandTable.h"
+#include "core/main/Commands.h"
 
 namespace zq {
 namespace {
@@ -21,7 +22,7 @@ std::string NameOf(Shortcut shortcut) {
   return (shortcut.ctrl ? "Ctrl+" : "") + key;
 }
 
-std::vector<std::string> Lines(std::span<const Tool> tools) {
+std::vector<std::string> Lines(const std::vector<Tool>& tools) {
   std::vector<std::string> lines;
   for (const Tool& tool : tools) {
     lines.push_back(std::string(tool.name) + '|' + std::string(tool.caption) + '|' + NameOf(tool.shortcut) +
@@ -34,12 +35,13 @@ constexpr const char* kSeparator = "||||";
 
 TEST(CommandTable, HasThreeMenus) {
   std::vector<std::string> menus;
-  for (const Menu& menu : Menus()) menus.push_back(std::string(menu.name) + '|' + std::string(menu.caption));
+  for (const Menu& menu : MainBars().menus)
+    menus.push_back(std::string(menu.name) + '|' + std::string(menu.caption));
   EXPECT_THAT(menus, ElementsAre("mnuFile|&File", "mnuActions|&Actions", "mnuHelp|&Help"));
 }
 
 TEST(CommandTable, ListsTheFileMenu) {
-  EXPECT_THAT(Lines(Menus()[0].tools),
+  EXPECT_THAT(Lines(MainBars().menus[0].tools),
               ElementsAre("mnuFileNew|&New Wiping Job|Ctrl+N|newsmall|",           //
                           "mnuFileOpen|&Open Wiping Job...|Ctrl+O|opensmall|",     //
                           "mnuFileSave|&Save Wiping Job|Ctrl+S|savesmall|",        //
@@ -58,7 +60,7 @@ TEST(CommandTable, ListsTheFileMenu) {
 }
 
 TEST(CommandTable, ListsTheActionsMenu) {
-  EXPECT_THAT(Lines(Menus()[1].tools),
+  EXPECT_THAT(Lines(MainBars().menus[1].tools),
               ElementsAre("mnuActionsAddFiles|Add F&iles...||addfilessmall|",             //
                           "mnuActionsAddFolder|Add F&older...||addfoldersmall|",          //
                           kSeparator,                                                     //
@@ -71,15 +73,15 @@ TEST(CommandTable, ListsTheActionsMenu) {
 }
 
 TEST(CommandTable, ListsTheHelpMenu) {
-  EXPECT_THAT(Lines(Menus()[2].tools), ElementsAre("mnuHelpContents|&Contents|F1|help|",     //
-                                                   kSeparator,                               //
-                                                   "mnuHelpWebPage|Zeroquill &Web Page|||",  //
-                                                   kSeparator,                               //
-                                                   "mnuHelpAbout|&About Zeroquill|||"));
+  EXPECT_THAT(Lines(MainBars().menus[2].tools), ElementsAre("mnuHelpContents|&Contents|F1|help|",     //
+                                                            kSeparator,                               //
+                                                            "mnuHelpWebPage|Zeroquill &Web Page|||",  //
+                                                            kSeparator,                               //
+                                                            "mnuHelpAbout|&About Zeroquill|||"));
 }
 
 TEST(CommandTable, ListsTheToolBar) {
-  EXPECT_THAT(Lines(ToolBarTools()),
+  EXPECT_THAT(Lines(MainBars().toolBar),
               ElementsAre("NewJob|New Job||newsmall|newlarge",                    //
                           "OpenJob|Open Job||opensmall|openlarge",                //
                           "SaveJob|Save Job||savesmall|savelarge",                //
@@ -93,58 +95,67 @@ TEST(CommandTable, ListsTheToolBar) {
 
 TEST(CommandTable, NamesTheOperationOfEachTool) {
   struct Row {
-    Operation operation;
+    void (Commands::*operation)();
     std::vector<std::string_view> tools;
   };
   const Row kRows[] = {
-      {Operation::AddFiles, {"AddFiles", "mnuActionsAddFiles"}},
-      {Operation::OpenJob, {"OpenJob", "mnuFileOpen"}},
-      {Operation::SaveJob, {"SaveJob", "mnuFileSave"}},
-      {Operation::HelpContents, {"mnuHelpContents"}},
-      {Operation::QuickWipeBin, {"mnuFileQuickWipeBin"}},
-      {Operation::LaunchManager, {"mnuFileLaunch"}},
-      {Operation::AddFolder, {"AddFolder", "mnuActionsAddFolder"}},
-      {Operation::RemoveSelectedItem, {"mnuActionsRemove"}},
-      {Operation::Exit, {"mnuFileExit"}},
-      {Operation::ViewReport, {"mnuFileView"}},
-      {Operation::EditFolderItem, {"mnuActionsEdit"}},
-      {Operation::Preferences, {"mnuFilePreferences"}},
-      {Operation::About, {"mnuHelpAbout"}},
-      {Operation::RunJobWipe, {"WipeNow", "mnuActionsWipeNow"}},
-      {Operation::WipeFreeSpace, {"WipeFreeSpace", "mnuActionsWipeFreeSpace"}},
-      {Operation::CloseJob, {"mnuFileClose"}},
-      {Operation::NewJob, {"NewJob", "mnuFileNew"}},
-      {Operation::DeleteOpenJob, {"mnuFileDelete"}},
-      {Operation::WebPage, {"mnuHelpWebPage"}},
+      {&Commands::AddFilesDialog, {"AddFiles", "mnuActionsAddFiles"}},
+      {&Commands::OpenJob, {"OpenJob", "mnuFileOpen"}},
+      {&Commands::SaveJob, {"SaveJob", "mnuFileSave"}},
+      {&Commands::ToggleQuickWipeBin, {"mnuFileQuickWipeBin"}},
+      {&Commands::AddFolder, {"AddFolder", "mnuActionsAddFolder"}},
+      {&Commands::RemoveSelectedItem, {"mnuActionsRemove"}},
+      {&Commands::Exit, {"mnuFileExit"}},
+      {&Commands::ViewReport, {"mnuFileView"}},
+      {&Commands::EditFolderItem, {"mnuActionsEdit"}},
+      {&Commands::About, {"mnuHelpAbout"}},
+      {&Commands::RunJobWipe, {"WipeNow", "mnuActionsWipeNow"}},
+      {&Commands::CloseJob, {"mnuFileClose"}},
+      {&Commands::NewJob, {"NewJob", "mnuFileNew"}},
+      {&Commands::DeleteOpenJob, {"mnuFileDelete"}},
+      {nullptr,
+       {"mnuHelpContents", "mnuHelpWebPage", "mnuFileLaunch", "mnuFilePreferences", "WipeFreeSpace",
+        "mnuActionsWipeFreeSpace"}},
   };
   std::size_t tools = 0;
   for (const Row& row : kRows) {
-    for (std::string_view tool : row.tools) EXPECT_EQ(OperationOf(tool), row.operation) << tool;
+    for (std::string_view tool : row.tools) {
+      ASSERT_TRUE(CommandOf(tool)) << tool;
+      EXPECT_EQ(CommandOf(tool)->tool.name, tool);
+      EXPECT_TRUE(CommandOf(tool)->operation == row.operation) << tool;
+    }
     tools += row.tools.size();
   }
   EXPECT_EQ(tools, 26U);
 }
 
-TEST(CommandTable, GivesEachToolAnOperationAndANameOfItsOwn) {
+TEST(CommandTable, GivesEachToolANameOfItsOwn) {
   std::set<std::string_view> names;
   std::size_t tools = 0;
-  const auto visit = [&](std::span<const Tool> list) {
+  const BarsDesign bars = MainBars();
+  const auto visit = [&](const std::vector<Tool>& list) {
     for (const Tool& tool : list) {
       if (tool.name.empty()) continue;
       ++tools;
       names.insert(tool.name);
-      EXPECT_NE(OperationOf(tool.name), Operation::None) << tool.name;
     }
   };
-  for (const Menu& menu : Menus()) visit(menu.tools);
-  visit(ToolBarTools());
+  for (const Menu& menu : bars.menus) visit(menu.tools);
+  visit(bars.toolBar);
   EXPECT_EQ(tools, 26U);
   EXPECT_EQ(names.size(), tools);
 }
 
+TEST(CommandTable, HasThePanelsOfTheStatusBar) {
+  std::vector<std::string> panels;
+  for (const Panel& panel : MainBars().panels)
+    panels.push_back(std::string(panel.name) + '|' + std::string(panel.text));
+  EXPECT_THAT(panels, ElementsAre("Static1|Press F1 for Help", "Static2|", "Static3|0 Items"));
+}
+
 TEST(CommandTable, UsesNoShortcutTwice) {
   std::set<std::string> shortcuts;
-  for (const Menu& menu : Menus()) {
+  for (const Menu& menu : MainBars().menus) {
     for (const Tool& tool : menu.tools) {
       const std::string shortcut = NameOf(tool.shortcut);
       if (shortcut.empty()) continue;
@@ -154,9 +165,9 @@ TEST(CommandTable, UsesNoShortcutTwice) {
   EXPECT_EQ(shortcuts.size(), 9U);
 }
 
-TEST(CommandTable, DoesNothingForAnUnknownName) {
+TEST(CommandTable, HasNoCommandForAnUnknownName) {
   for (std::string_view name : {"", "Unknown", "wipenow", "WIPENOW", "WipeNow ", "mnuFile", "Static3"}) {
-    EXPECT_EQ(OperationOf(name), Operation::None) << name;
+    EXPECT_FALSE(CommandOf(name)) << name;
   }
 }
 

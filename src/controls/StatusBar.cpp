@@ -1,0 +1,45 @@
+#include "controls/StatusBar.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "controls/Pictures.h"
+
+namespace zq {
+
+void StatusBar::Create(HWND owner, std::span<const Panel> panels) {
+  owner_ = owner;
+  panels_ = panels;
+  bar_ = ::CreateWindowExA(0, STATUSCLASSNAMEA, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0,
+                           owner, nullptr, ::GetModuleHandleA(nullptr), nullptr);
+  LayOut(static_cast<int>(::GetDpiForWindow(owner)));
+  for (const Panel& panel : panels) SetText(panel.name, std::string(panel.text));
+}
+
+void StatusBar::LayOut(int dpi) {
+  ::SendMessageA(bar_, WM_SIZE, 0, 0);
+  RECT client{};
+  ::GetClientRect(owner_, &client);
+  int fixed = 0;
+  for (const Panel& panel : panels_) fixed += ScaleForDpi(panel.width, dpi);
+  std::vector<int> rights;
+  int right = 0;
+  for (const Panel& panel : panels_) {
+    right +=
+        panel.width ? ScaleForDpi(panel.width, dpi) : std::max(0, static_cast<int>(client.right) - fixed);
+    rights.push_back(right);
+  }
+  if (!rights.empty()) rights.back() = -1;  // to the bar's end
+  ::SendMessageA(bar_, SB_SETPARTS, rights.size(), reinterpret_cast<LPARAM>(rights.data()));
+}
+
+void StatusBar::SetText(std::string_view panelName, const std::string& text) {
+  for (std::size_t i = 0; i < panels_.size(); ++i) {
+    if (panels_[i].name == panelName)
+      ::SendMessageA(bar_, SB_SETTEXTA, i, reinterpret_cast<LPARAM>(text.c_str()));
+  }
+}
+
+}  // namespace zq

@@ -1,0 +1,71 @@
+// The windows that the main window's commands open.
+#include <windows.h>
+#include <commdlg.h>
+
+#include "ancillary/frmAbout.h"
+#include "controls/CommonDialog.h"
+#include "controls/WaitCursor.h"
+#include "core/main/frmMain.h"
+#include "jobs/frmEdit.h"
+#include "jobs/frmFolder.h"
+#include "jobs/frmNew.h"
+#include "jobs/frmOpenJob.h"
+#include "jobs/frmSave.h"
+
+namespace zq {
+namespace {
+
+constexpr unsigned kAddFilesFlags = OFN_HIDEREADONLY | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST |
+                                    OFN_SHAREAWARE | OFN_EXPLORER | OFN_LONGNAMES;
+constexpr unsigned kAddFilesBufferBytes = 32000;
+
+}  // namespace
+
+AddFilesChoice frmMain::ShowAddFiles(const std::string& initialFolder) {
+  const OpenDialogResult result = ShowOpen(Handle(), {.title = "Add Files",
+                                                      .filter = "All Files|*.*",
+                                                      .initialFolder = initialFolder,
+                                                      .flags = kAddFilesFlags,
+                                                      .maxFileSize = kAddFilesBufferBytes});
+  return {.tooMany = result.outcome == OpenDialogOutcome::TooManyFiles, .fileName = result.fileName};
+}
+
+void frmMain::ShowFor(const std::string& path) {
+  if (!path.empty()) Default<frmFolder>::Touch().FT1.SelectPath(path);
+  Default<frmFolder>::Touch().ShowModal(Handle());
+}
+
+void frmMain::ShowEdit(const JobRow& row) {
+  frmEdit& form = Default<frmEdit>::Touch();
+  form.lblFolder.SetText(row.NameAndLocation);
+  form.txtMask.SetText(row.FolderMask);
+  form.chkSub.SetValue(row.SubFolders == "Yes" ? 1 : 0);
+  form.ShowModal(Handle());
+}
+
+void frmMain::ShowAbout() {
+  Default<frmAbout>::Touch().ShowModal(Handle());
+}
+
+void frmMain::ShowSave() {
+  Default<frmSave>::Touch().ShowModal(Handle());
+}
+
+void frmMain::ShowNew() {
+  Default<frmNew>::Touch().ShowModal(Handle());
+}
+
+void frmMain::ShowOpenJob() {
+  Default<frmOpenJob>::Touch().ShowModal(Handle());
+}
+
+void frmMain::CloseMainWindow() {
+  Unload();
+}
+
+void frmMain::DoBusily(const std::function<void()>& work) {
+  const WaitCursor wait;
+  work();
+}
+
+}  // namespace zq
