@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/FileBatch.h"
@@ -14,8 +14,7 @@
 
 namespace zq::engine {
 
-// What fails stays, with the folders above it, and the rest goes on. The first failure is kept for the
-// caller: later ones are often its consequences. All of them are told by WipeError.
+// What fails stays, with the folders above it, and the rest goes on. Each item's end is told.
 class FolderWipe {
  public:
   struct Selection {
@@ -25,16 +24,10 @@ class FolderWipe {
   };
 
   FolderWipe(Operation& operation, Selection selection)
-      : operation_(operation),
-        selection_(std::move(selection)),
-        batch_(operation, [this](const Failure& failure) { Note(failure); }) {}
+      : operation_(operation), selection_(std::move(selection)), batch_(operation) {}
 
-  // Wipes the folder at `path`. Throws Failure if it can't even be opened, and Cancelled; all other failures
-  // are collected.
+  // Wipes the folder at `path`. Throws Cancelled.
   void Run(const std::string& path);
-
-  std::size_t FailureCount() const { return failureCount_; }
-  const Failure& FirstFailure() const { return *firstFailure_; }
 
  private:
   // A folder on the way from the top to where the walk is. Not a recursion: a tree can be deeper than the
@@ -46,9 +39,11 @@ class FolderWipe {
     std::string name;  // and what the user calls it
     std::vector<Entry> entries;
     std::size_t next = 0;
+    bool isTold = false;     // what became of it
     std::size_t height = 0;  // how many levels of folders to be removed it has beneath it
   };
 
+  void Open(const std::string& path);
   void Walk();
   void Enter(std::unique_ptr<Folder> folder, std::string name, std::string path);
   void Visit(const std::shared_ptr<Level>& level, const Entry& entry);
@@ -65,7 +60,8 @@ class FolderWipe {
   Place& PlaceOf(const Level& level) { return level.parent ? *level.parent : above_; }
   void FlushFolders(std::span<const std::shared_ptr<Level>> levels, bool above);
   void Fail(Level& level, const Failure& failure);
-  void Note(const Failure& failure);
+  void TellFailed(Level& level, const Failure& failure);
+  void TellEnds(std::span<const std::shared_ptr<Level>> levels);
 
   Operation& operation_;
   Selection selection_;
@@ -73,10 +69,8 @@ class FolderWipe {
   Place above_{operation_};  // the folder that holds the top one; none above a root
   std::vector<std::shared_ptr<Level>> levels_;
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
-  bool holdsNotes_ = false;                   // failures are told later
-  std::vector<Failure> heldNotes_;
-  std::size_t failureCount_ = 0;
-  std::optional<Failure> firstFailure_;
+  bool holdsFailures_ = false;                // they are told later
+  std::vector<std::pair<Level*, Failure>> heldFailures_;
 };
 
 }  // namespace zq::engine

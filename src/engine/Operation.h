@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -87,6 +88,8 @@ class Operation {
     passes = PassesOfLevel(level);
     note.clear();
     namesLeft.clear();
+    failureCount = 0;
+    firstFailure.reset();
   }
 
   // The first one is kept. What can't be kept for want of memory is the least of the troubles then.
@@ -98,6 +101,17 @@ class Operation {
   void CoveringTook(Clock::Time time) { covering_ += time; }
   void EndCoveringAt(Clock::Time end) { coveringEnd_ = end; }
 
+  // The failures that were told, and the first: later ones are often its consequences.
+  std::size_t failureCount = 0;
+  std::optional<Failure> firstFailure;
+  // What became of an item. None of these looks at the cancel flag.
+  void TellWiped(const Item& item);
+  void TellFailed(const Item& item, const Failure& failure, Outcome outcome, const std::string& nameNow);
+  // Of what shares the fate of something that was told.
+  void TellStays(const Item& item, const std::string& reason, Outcome outcome);
+  // A failure that belongs to no single item.
+  void TellFailure(const Failure& failure);
+
   // Throws Cancelled once the owner has asked for it. Called after every event and at every item.
   void LookForCancel() const {
     if (cancelFlag_) throw Cancelled{};
@@ -108,7 +122,7 @@ class Operation {
   bool MayGoOn(const std::string& path) {
     if (!cancelFlag_ && timer.IsDue()) {
       timer.Raised();
-      events.WipeProgress(0, 0, 0, path);
+      events.WipeProgress(0, 0, 0, {path, path, ItemKind::Other});
     }
     return !cancelFlag_;
   }

@@ -19,10 +19,10 @@ struct ItemsFailed {
   std::string text;
 };
 
-void ThrowIfItemsFailed(const FolderWipe& wipe) {
-  const std::size_t count = wipe.FailureCount();
+void ThrowIfItemsFailed(const Operation& operation) {
+  const std::size_t count = operation.failureCount;
   if (count == 0) return;
-  std::string text = wipe.FirstFailure().text;
+  std::string text = operation.firstFailure->text;
   if (count == 2) text += ", and 1 more failure";
   if (count > 2) text += ", and " + std::to_string(count - 1) + " more failures";
   throw ItemsFailed{std::move(text)};
@@ -126,6 +126,7 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
     operation_->BeginCall(level);
     operation_->traces.KeepFew(*operation_);
     work(*operation_);
+    ThrowIfItemsFailed(*operation_);
   });
   SetNote();
   if (!isWhole_) done = ClearTraces() && done;
@@ -172,17 +173,18 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcep
   return Run(path, level, [&](Operation& operation) {
     std::string folderPath;
     std::string name;
-    Require(device_.Split(path, folderPath, name), "Opening", path);
-    if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
-    const std::shared_ptr<Place> place = PlaceAt(folderPath);
-
-    std::optional<Failure> first;
-    FileBatch batch(operation, [&first](const Failure& failure) {
-      if (!first) first = failure;
-    });
+    std::shared_ptr<Place> place;
+    try {
+      Require(device_.Split(path, folderPath, name), "Opening", path);
+      if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
+      place = PlaceAt(folderPath);
+    } catch (const Failure& failure) {
+      operation.TellFailed({path, name, ItemKind::File}, failure, Outcome::Kept, name);
+      return;
+    }
+    FileBatch batch(operation);
     batch.AddFile(place, name, path);
     batch.Run();
-    if (first) throw Failure(*first);
   });
 }
 
@@ -191,7 +193,6 @@ bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level) noexc
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});
     wipe.Run(path);
-    ThrowIfItemsFailed(wipe);
   });
 }
 
@@ -202,7 +203,6 @@ bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& m
     const auto takes = [&](const std::string& name) { return mask == "*.*" || matches_(name, mask); };
     FolderWipe wipe(operation, {takes, includeSubFolders, false});
     wipe.Run(path);
-    ThrowIfItemsFailed(wipe);
   });
 }
 
