@@ -39,6 +39,7 @@ RunResult Runner::Run(Plan& plan) {
     if (plan.items[i].outcome == Outcome::Kept) work_->Item(i, 1);
   }
 
+  engine_.BeginWhole();
   std::size_t next = 0;
   while (next < plan.targets.size() && !parts_.interrupted()) {
     const Target& target = plan.targets[next];
@@ -56,6 +57,7 @@ RunResult Runner::Run(Plan& plan) {
     }
     next = end;
   }
+  ClearTraces();
 
   for (Item& item : plan.items) {
     if (item.outcome != Outcome::Pending) continue;
@@ -65,6 +67,22 @@ RunResult Runner::Run(Plan& plan) {
   }
   parts_.progress.Clear();
   return std::move(result_);
+}
+
+// What names leave in folders and logs, once for the whole command line.
+void Runner::ClearTraces() {
+  Ledger none;
+  ledger_ = &none;
+  if (!engine_.EndWhole()) result_.failures.push_back(engine_.LastErrorText());
+  ledger_ = nullptr;
+  TakeNote();
+}
+
+void Runner::TakeNote() {
+  if (const std::string& note = engine_.Note();
+      !note.empty() && std::ranges::find(result_.notes, note) == result_.notes.end()) {
+    result_.notes.push_back(note);
+  }
 }
 
 void Runner::RunTarget(const Target& target) {
@@ -117,10 +135,7 @@ void Runner::RunFiles(std::size_t first, std::size_t end) {
 
 void Runner::Settle(const Ledger& ledger, bool done, Ledger::Ending ifNot) {
   ledger_ = nullptr;
-  if (const std::string& note = engine_.Note();
-      !note.empty() && std::ranges::find(result_.notes, note) == result_.notes.end()) {
-    result_.notes.push_back(note);
-  }
+  TakeNote();
   Ledger::Ending ending = done ? Ledger::Ending::Done : ifNot;
   if (ifNot == Ledger::Ending::TryAgain) ending = ifNot;
   const bool stopped = std::exchange(stopped_, false) && !done;

@@ -40,6 +40,8 @@ class Runner final : private engine::EngineEvents {
 
  private:
   void RunTarget(const Target& target);
+  void ClearTraces();
+  void TakeNote();
   void RunFiles(std::size_t first, std::size_t end);  // of plan_->targets
   void RunFile(const Target& target);
   void Settle(const Ledger& ledger, bool done, Ledger::Ending ifNot);

@@ -42,8 +42,8 @@ std::string NoteOf(const Operation& operation) {
 
 // The longest that clearing the traces of names takes.
 constexpr Clock::Time kLongest{5'000'000};
-// The same when the user waits for the end of what was cancelled.
-constexpr Clock::Time kLongestAfterCancel{60'000};
+// The same when the user waits for the end of what was cancelled: too short for an event.
+constexpr Clock::Time kLongestAfterCancel{30'000};
 
 constexpr std::string_view kNoMemory = "There is not enough memory for the operation";
 
@@ -151,6 +151,7 @@ bool SecureDelete::ClearTraces() noexcept {
   if (!operation_) return true;
   cancelled_ = false;
   const Clock::Time longest = std::exchange(wasCancelled_, false) ? kLongestAfterCancel : kLongest;
+  operation_->timer.Raised();
   const bool done = Guard([&] { operation_->traces.Clear(*operation_, longest); });
   SetNote();
   operation_.reset();

@@ -75,7 +75,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .jobWipe = jobWipe_,
                  .folderDialog = *this,
                  .windows = *this}) {
-  jobWipe_.SetEngine(&SFD1_);
+  jobWipe_.SetEngine(&SFD1_, &SFD1_);
   jobList_.SetView(this);
 
   DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };
