@@ -112,6 +112,10 @@ void FileProgress::Raise(std::int32_t bytesDone) {
   operation_.LookForCancel();
 }
 
+void ThrowNotMeant(const std::string& path) {
+  throw MakeFailure("Opening", path, "it isn't any more what was to be wiped: something else is there now");
+}
+
 FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::string path)
     : operation_(operation),
       place_(place),
@@ -127,6 +131,7 @@ void FileWipe::Open() {
         return place_.folder->OpenFile(item_.name, access, file);
       },
       info_));
+  if (place_.onlyFile && Identity() != *place_.onlyFile) ThrowNotMeant(item_.path);
   lengthsBytes_.push_back(info_.lengthBytes);
 
   std::vector<std::string> streams;

@@ -50,9 +50,12 @@ struct Place {
   std::unique_ptr<Folder> folder;
   std::string path;
   bool hasLostEntries = false;
-  bool somethingStays = false;   // something in it has failed, so it has to stay too
-  std::size_t shortestName = 1;  // that is free in it, as far as known (HideName)
+  bool somethingStays = false;          // something in it has failed, so it has to stay too
+  std::size_t shortestName = 1;         // that is free in it, as far as known (HideName)
+  std::optional<FileId> onlyFile = {};  // if set, no other file may be opened in it
 };
+
+[[noreturn]] void ThrowNotMeant(const std::string& path);
 
 // One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
 // apart because a batch takes all its files through one of them before the next; what makes them durable

@@ -31,9 +31,9 @@ ItemKind KindOf(const Entry& entry) {
 
 }  // namespace
 
-void FolderWipe::Run(const std::string& path) {
+void FolderWipe::Run(const std::string& path, const EntryId* meant) {
   try {
-    Open(path);
+    Open(path, meant);
   } catch (const Failure& failure) {
     operation_.TellFailed({path, path, ItemKind::Folder}, failure, Outcome::Kept, path);
     return;
@@ -43,7 +43,7 @@ void FolderWipe::Run(const std::string& path) {
   RemoveLeftFolders();
 }
 
-void FolderWipe::Open(const std::string& path) {
+void FolderWipe::Open(const std::string& path, const EntryId* meant) {
   std::string abovePath;
   std::string name;
   Require(operation_.device.Split(path, abovePath, name), "Opening", path);
@@ -55,6 +55,11 @@ void FolderWipe::Open(const std::string& path) {
     above_.path = abovePath;
     // Opened through the folder above it, so that a link in its place is refused.
     Require(above_.folder->OpenFolder(name, folder), "Opening", path);
+  }
+  if (meant != nullptr) {
+    EntryId id;
+    Require(folder->Identity(id), "Opening", path);
+    if (id != *meant) ThrowNotMeant(path);
   }
   Enter(std::move(folder), name, path);
 }

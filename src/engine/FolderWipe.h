@@ -26,8 +26,8 @@ class FolderWipe {
   FolderWipe(Operation& operation, Selection selection)
       : operation_(operation), selection_(std::move(selection)), batch_(operation) {}
 
-  // Wipes the folder at `path`. Throws Cancelled.
-  void Run(const std::string& path);
+  // Wipes the folder at `path`, which has to be the one that is meant, if that is given. Throws Cancelled.
+  void Run(const std::string& path, const EntryId* meant);
 
  private:
   // A folder on the way from the top to where the walk is. Not a recursion: a tree can be deeper than the
@@ -43,7 +43,7 @@ class FolderWipe {
     std::size_t height = 0;  // how many levels of folders to be removed it has beneath it
   };
 
-  void Open(const std::string& path);
+  void Open(const std::string& path, const EntryId* meant);
   void Walk();
   void Enter(std::unique_ptr<Folder> folder, std::string name, std::string path);
   void Visit(const std::shared_ptr<Level>& level, const Entry& entry);

@@ -170,7 +170,7 @@ std::shared_ptr<Place> SecureDelete::PlaceAt(const std::string& path) {
   return place;
 }
 
-bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     std::string folderPath;
     std::string name;
@@ -179,6 +179,14 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcep
       Require(device_.Split(path, folderPath, name), "Opening", path);
       if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
       place = PlaceAt(folderPath);
+      place->onlyFile.reset();
+      if (meant != nullptr) {
+        // The file has its folder's mount, or it is refused.
+        EntryId folder;
+        Require(place->folder->Identity(folder), "Opening", place->path);
+        if (folder.mount != meant->mount) ThrowNotMeant(path);
+        place->onlyFile = meant->file;
+      }
     } catch (const Failure& failure) {
       operation.TellFailed({path, name, ItemKind::File}, failure, Outcome::Kept, name);
       return;
@@ -189,21 +197,21 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcep
   });
 }
 
-bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   place_.reset();
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});
-    wipe.Run(path);
+    wipe.Run(path, meant);
   });
 }
 
 bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
-                                   std::int32_t level) noexcept {
+                                   std::int32_t level, const EntryId* meant) noexcept {
   place_.reset();
   return Run(path, level, [&](Operation& operation) {
     const auto takes = [&](const std::string& name) { return mask == "*.*" || matches_(name, mask); };
     FolderWipe wipe(operation, {takes, includeSubFolders, false});
-    wipe.Run(path);
+    wipe.Run(path, meant);
   });
 }
 

@@ -39,7 +39,7 @@ class JobWipe final : public WipeEvents {
 
   // `whole` may be null.
   void SetEngine(SecureFileDeleteWizard* engine, WholeWipes* whole = nullptr) {
-    SFD1_ = engine;
+    SFD1 = engine;
     whole_ = whole;
   }
 
@@ -70,9 +70,9 @@ class JobWipe final : public WipeEvents {
   MainWindow& mainWindow_;
   WipeStatusWindow& statusWindow_;
   ReportViewer* reportViewer_;
-  SecureFileDeleteWizard* SFD1_ = nullptr;
+  SecureFileDeleteWizard* SFD1 = nullptr;
   WholeWipes* whole_ = nullptr;
-  FixedPoint ProcessedWipeItems_;
+  FixedPoint ProcessedWipeItems;
 };
 
 }  // namespace zq
