@@ -207,3 +207,78 @@ case_killed() {
     [[ ! -e $top/f$i ]] || lost "$top/f$i"
   done
 }
+
+# What is written once a file is empty comes too late for the passes, and in time for the last look at it. The
+# wipe stands still while it is written, and whatever is still there then must not go.
+# shellcheck disable=SC2016  # Perl's variables
+case_written_to_once_it_is_empty() {
+  local i writer inode
+  mkdir "$top"
+  for ((i = 0; i < 20; i++)); do put "$top/f$i" 9000; done
+  new_mark
+  text 4000 >"$work/more"
+  secret[late]=$mark
+  perl -e '
+    my ($more, $written, @paths) = @ARGV;
+    open(my $in, "<", $more) or die; local $/; my $text = <$in>;
+    my @files = map { open(my $file, ">>", $_) or die; $file } @paths;
+    $| = 1; print "ready\n";
+    1 until grep { -z } @files;
+    my ($tool) = split /\n/, `pgrep -nx wipe_tool`; kill "STOP", $tool;
+    open(my $out, ">", $written) or die;
+    for my $file (@files) {
+      my @facts = stat $file;
+      next if $facts[7] or !$facts[3];  # not empty, or gone
+      syswrite $file, $text; print $out "$facts[1]\n";
+    }
+    close $out; kill "CONT", $tool;' "$work/more" "$work/written" "$top"/f* >"$work/ready" &
+  writer=$!
+  until [[ -s $work/ready ]]; do kill -0 "$writer" || return; done
+  wipe "$top"
+  kill "$writer" 2>/dev/null || true
+  wait "$writer" 2>/dev/null || true
+  [[ -s $work/written ]] || fault "nothing was written while a file was empty"
+  refused 'another program has'
+  while read -r inode; do
+    [[ -n $(find "$top" -inum "$inode" -size 4000c) ]] || fault "a file is gone that was written to again"
+  done <"$work/written"
+  lost late
+  for ((i = 0; i < 20; i++)); do lost "$top/f$i"; done
+}
+
+# killed_while_the_log_is_filled: the wipe is killed with all its processes at the first of its fillers' writes.
+killed_while_the_log_is_filled() {
+  local user=("$@") tool
+  mkdir -m 777 "$top"
+  put "$top/file"
+  chown -R 65534:65534 "$top"
+  sync -f "$mnt"
+  "${user[@]}" "$work/wipe_tool" "$top/file" >/dev/null 2>&1 &
+  tool=$!
+  # A file without a name that is open: it says so of itself.
+  until [[ -n $(find "/proc/$tool/fd" -lname '*(deleted)' 2>/dev/null) ]]; do
+    [[ -e /proc/$tool/exe ]] || { fault "the log was not filled, or too quickly to be seen"; break; }
+  done
+  kill -9 "$tool" 2>/dev/null || true
+  wait "$tool" 2>/dev/null || true
+  [[ -z $(find "$top" -mindepth 1) ]] || fault "it has left $(find "$top" -mindepth 1 | wc -l) files"
+  # It would wait for good on a frozen file system.
+  timeout 20 touch "$mnt/after" || fault "nobody can write to the file system any more"
+}
+case_killed_while_the_journal_is_filled() {
+  killed_while_the_log_is_filled setpriv --reuid=65534 --regid=65534 --clear-groups --no-new-privs
+}
+kind_of[killed_while_the_log_of_xfs_is_filled]=xfs
+case_killed_while_the_log_of_xfs_is_filled() { killed_while_the_log_is_filled env; }
+
+# Nothing that was made in such a folder could be removed again.
+case_append_only_folder() {
+  mkdir "$top"
+  put "$top/file"
+  chattr +a "$top"
+  wipe "$top/file"
+  chattr -a "$top"
+  ((status == 1)) || fault "success is reported in a folder from which nothing can be removed"
+  [[ $(find "$top" -mindepth 1 | wc -l) == 1 ]] || fault "there are other files than there were: $(ls "$top")"
+  lost "$top/file"
+}
