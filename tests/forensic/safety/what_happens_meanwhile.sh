@@ -208,44 +208,6 @@ case_killed() {
   done
 }
 
-# What is written once a file is empty comes too late for the passes, and in time for the last look at it. The
-# wipe stands still while it is written, and whatever is still there then must not go.
-# shellcheck disable=SC2016  # Perl's variables
-case_written_to_once_it_is_empty() {
-  local i writer inode
-  mkdir "$top"
-  for ((i = 0; i < 20; i++)); do put "$top/f$i" 9000; done
-  new_mark
-  text 4000 >"$work/more"
-  secret[late]=$mark
-  perl -e '
-    my ($more, $written, @paths) = @ARGV;
-    open(my $in, "<", $more) or die; local $/; my $text = <$in>;
-    my @files = map { open(my $file, ">>", $_) or die; $file } @paths;
-    $| = 1; print "ready\n";
-    1 until grep { -z } @files;
-    my ($tool) = split /\n/, `pgrep -nx wipe_tool`; kill "STOP", $tool;
-    open(my $out, ">", $written) or die;
-    for my $file (@files) {
-      my @facts = stat $file;
-      next if $facts[7] or !$facts[3];  # not empty, or gone
-      syswrite $file, $text; print $out "$facts[1]\n";
-    }
-    close $out; kill "CONT", $tool;' "$work/more" "$work/written" "$top"/f* >"$work/ready" &
-  writer=$!
-  until [[ -s $work/ready ]]; do kill -0 "$writer" || return; done
-  wipe "$top"
-  kill "$writer" 2>/dev/null || true
-  wait "$writer" 2>/dev/null || true
-  [[ -s $work/written ]] || fault "nothing was written while a file was empty"
-  refused 'another program has'
-  while read -r inode; do
-    [[ -n $(find "$top" -inum "$inode" -size 4000c) ]] || fault "a file is gone that was written to again"
-  done <"$work/written"
-  lost late
-  for ((i = 0; i < 20; i++)); do lost "$top/f$i"; done
-}
-
 # killed_while_the_log_is_filled: the wipe is killed with all its processes at the first of its fillers' writes.
 killed_while_the_log_is_filled() {
   local user=("$@") tool
