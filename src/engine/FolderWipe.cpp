@@ -168,7 +168,6 @@ void FolderWipe::FlushInPieces(std::span<const std::shared_ptr<Level>> levels) {
     const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), levels.size());
     const Clock::Time started = operation_.clock.Now();
     FlushFolders(levels.first(count), false);
-    operation_.device.WriteHome(*levels.front()->folder);
     operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
     levels = levels.subspan(count);
   }
@@ -265,6 +264,7 @@ void FolderWipe::FlushFolders(std::span<const std::shared_ptr<Level>> levels, bo
   if (folders.empty()) return;
   std::vector<Status> outcomes(folders.size());
   operation_.device.FlushFolders(folders, outcomes);
+  operation_.device.WriteHome(*folders.back());
   for (std::size_t i = 0; i < folders.size(); ++i) {
     if (outcomes[i].Ok()) continue;
     Fail(*firsts[i],
