@@ -33,9 +33,9 @@ frmOpen::frmOpen(Platform& platform, std::function<void()> showMain)
 
 void frmOpen::Load() {
   ShowPicture();
-  PrevInstanceFound_ = false;
+  PrevInstanceFound = false;
   if (platform_.process.EarlierInstanceRuns()) {
-    PrevInstanceFound_ = true;
+    PrevInstanceFound = true;
     Unload();
     return;
   }
@@ -73,7 +73,7 @@ void frmOpen::Timer1_Timer() {
 }
 
 void frmOpen::Unloaded() {
-  if (PrevInstanceFound_) platform_.process.End();
+  if (PrevInstanceFound) platform_.process.End();
 }
 
 }  // namespace zq

@@ -29,7 +29,7 @@ class frmOpen final : public Form {
   Platform& platform_;
   std::function<void()> showMain_;
   UniqueBitmap picture_;
-  bool PrevInstanceFound_ = false;
+  bool PrevInstanceFound = false;
   bool timerFired_ = false;
 };
 

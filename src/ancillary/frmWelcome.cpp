@@ -1,7 +1,7 @@
 #include "ancillary/frmWelcome.h"
 
+#include "core/state/DataFolder.h"
 #include "core/state/Settings.h"
-#include "platform/Files.h"
 #include "platform/RunTimeError.h"
 
 namespace zq {
@@ -24,7 +24,7 @@ void frmWelcome::Load() {
 
 void frmWelcome::Unloaded() {
   try {
-    platform_.files.Write(state_.AppFolder + kFirstRunMarker, "");
+    DataFolder(platform_.files, state_).Write(kFirstRunMarker, "");
   } catch (const RunTimeError&) {
     // Where the folder can't be written, the welcome comes back at each start.
   }

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "cli/Shown.h"
+#include "platform/Utf8.h"
 
 namespace zq::cli {
 

@@ -144,14 +144,14 @@ void Runner::LookForInterrupt() {
 }
 
 void Runner::WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t,
-                          const std::string& itemName) {
+                          const engine::Item& item) {
   LookForInterrupt();
   const std::optional<std::size_t> number =
-      ledger_->Progress(itemName, bytesTotal > 0 && bytesDone == bytesTotal);
+      ledger_->Progress(item.name, bytesTotal > 0 && bytesDone == bytesTotal);
   if (number && bytesTotal > 0) {
     work_->Item(*number, static_cast<double>(bytesDone) / static_cast<double>(bytesTotal));
   }
-  parts_.progress.Show(work_->Share(), number ? plan_->items[*number].path : itemName);
+  parts_.progress.Show(work_->Share(), number ? plan_->items[*number].path : item.name);
 }
 
 void Runner::WipeError(std::int32_t, const std::string& errorText) {
@@ -159,9 +159,13 @@ void Runner::WipeError(std::int32_t, const std::string& errorText) {
   if (const auto number = ledger_->Failed(errorText)) work_->Item(*number, 1);
 }
 
-void Runner::ItemWiped(const std::string& itemName) {
+void Runner::ItemEnded(const engine::Item& item, const engine::ItemEnd& end) {
   LookForInterrupt();
-  if (const auto number = ledger_->Wiped(itemName)) work_->Item(*number, 1);
+  if (end.outcome != engine::Outcome::Wiped) {
+    if (end.errorCode != 0) WipeError(end.errorCode, end.text);
+  } else if (item.kind == engine::ItemKind::File) {
+    if (const auto number = ledger_->Wiped(item.name)) work_->Item(*number, 1);
+  }
 }
 
 }  // namespace zq::cli

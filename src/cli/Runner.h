@@ -46,9 +46,9 @@ class Runner final : private engine::EngineEvents {
   void LookForInterrupt();
 
   void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
-                    const std::string& itemName) override;
+                    const engine::Item& item) override;
+  void ItemEnded(const engine::Item& item, const engine::ItemEnd& end) override;
   void WipeError(std::int32_t errorCode, const std::string& errorText) override;
-  void ItemWiped(const std::string& itemName) override;
   void FreeSpaceProgress(const std::string&, std::int32_t, std::int32_t, std::int32_t) override {}
 
   Parts parts_;

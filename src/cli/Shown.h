@@ -10,16 +10,6 @@
 
 namespace zq::cli {
 
-// One character at the front of a text that may not be UTF-8.
-struct Character {
-  std::size_t sizeBytes = 1;
-  bool isValid = false;  // not valid: one byte that belongs to no character
-  char32_t value = 0;
-};
-
-// `text` must not be empty.
-Character FirstCharacter(std::string_view text);
-
 // The path with all that a terminal would act upon made visible: control characters and those that turn the
 // direction of writing as \n, \x1B, \u202E; bytes that aren't UTF-8 as \xFF; a backslash as it is.
 std::string Shown(std::string_view path);

@@ -9,7 +9,7 @@
 namespace zq::cli {
 
 bool Walk::Takes(const std::string& name) const {
-  return !selection_.mask || *selection_.mask == "*.*" || Like(name, *selection_.mask);
+  return !selection_.mask || *selection_.mask == kEveryFileMask || Like(name, *selection_.mask);
 }
 
 void Walk::Run(const std::string& path, std::vector<Item>& items) {

@@ -31,6 +31,14 @@ Status File::Identity(FileId&) {
   return Status::Refusal("it is no file of its own");
 }
 
+Status Folder::Identity(EntryId&) {
+  return Status::Refusal("it can't be told from others");
+}
+
+Status Device::Identify(const std::string&, EntryId&) {
+  return Status::Refusal("it can't be told from others");
+}
+
 std::unique_ptr<TransferQueue> Device::MakeQueue() {
   return std::make_unique<SerialQueue>();
 }

@@ -22,10 +22,11 @@ namespace zq::engine {
 // What the engine has to tell apart among the failures of a system call.
 enum class Trouble {
   None,
-  NotFound,  // the entry doesn't exist (any more)
-  Exists,    // the new name is taken
-  NoSpace,   // the device is full: how every filling of free space ends
-  Refused,   // a refusal of our own: a link, not a regular file; `text` says which, `code` is 0
+  NotFound,     // the entry doesn't exist (any more)
+  Exists,       // the new name is taken
+  NoSpace,      // the device is full: how every filling of free space ends
+  TooManyOpen,  // so many files and folders are open that the system opens no more
+  Refused,      // a refusal of our own: a link, not a regular file; `text` says which, `code` is 0
   Other,
 };
 
@@ -49,6 +50,19 @@ struct FileId {
   std::array<std::uint64_t, 2> file{};
 
   auto operator<=>(const FileId&) const = default;
+};
+
+// What a path leads to, so that it can be told again whatever has happened to the folders on the way.
+struct EntryId {
+  FileId file;
+  // What it was reached through, where a system can have the same folder in several places: of a mount
+  // (Linux). 0: not known, or there is no such thing.
+  std::uint64_t mount = 0;
+  // Not compared: as long as it lives the system gives the numbers to nothing else. Empty where there are too
+  // many to be held.
+  std::shared_ptr<const void> hold = nullptr;
+
+  bool operator==(const EntryId& other) const { return file == other.file && mount == other.mount; }
 };
 
 struct ByteRange {
@@ -168,6 +182,9 @@ class Folder {
   Folder& operator=(const Folder&) = delete;
   virtual ~Folder() = default;
 
+  // Which folder this is, without a hold.
+  virtual Status Identity(EntryId& id);
+
   virtual Status List(std::vector<Entry>& entries) = 0;
 
   // Opens a regular file for overwriting. Refused, without waiting for anything, for all else. An open
@@ -237,6 +254,9 @@ class Device {
 
   // Opens the folder that a user named; links on the way to it are followed as everywhere.
   virtual Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) = 0;
+
+  // What is at `path` now, itself and not what it leads to if it is a link. Opens nothing for writing.
+  virtual Status Identify(const std::string& path, EntryId& id);
 
   // Splits a path into the folder that holds the entry and the entry's name. `name` is empty when the path
   // is a root, which has no folder above it. Refused for what can't be an entry (an empty path, "..").

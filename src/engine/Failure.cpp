@@ -31,12 +31,14 @@ Failure MakeFailure(const char* operation, const std::string& path, const Status
   std::string reason = WithoutTail(MakeOneLine(status.text));
   if (reason.empty()) reason = "the system gives no reason";
   const std::int32_t code = status.code != 0 ? status.code : kEngineErrorCode;
-  return {code, MakeOneLine(std::string(operation) + ' ' + path) + ": " + reason + " (" +
-                    std::to_string(code) + ')'};
+  reason = ": " + reason + " (" + std::to_string(code) + ')';
+  return {code, MakeOneLine(std::string(operation) + ' ' + path) + reason, operation + reason,
+          status.trouble};
 }
 
 Failure MakeFailure(const char* operation, const std::string& path, const std::string& reason) {
-  return {kEngineErrorCode, MakeOneLine(std::string(operation) + ' ' + path + ": " + reason)};
+  return {kEngineErrorCode, MakeOneLine(std::string(operation) + ' ' + path + ": " + reason),
+          MakeOneLine(operation + (": " + reason))};
 }
 
 void Require(const Status& status, const char* operation, const std::string& path) {

@@ -10,10 +10,13 @@
 
 namespace zq::engine {
 
-// A step has failed. `text` is one line: operation, path, the system's text and its number.
+// A step has failed. `text` is one line: operation, path, the system's text and its number. `reason` is the
+// same without the path.
 struct Failure {
   std::int32_t code;
   std::string text;
+  std::string reason = {};
+  Trouble trouble = Trouble::Refused;
 };
 
 // The owner has called CancelOperation.

@@ -21,7 +21,6 @@ constexpr Clock::Time kLongestHidingUnderCover{15'000};
 void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path) {
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
-  item->path = path;
   const auto open = [&] { item->file.emplace(operation_, *item->place, name, path).Open(); };
   try {
     try {
@@ -41,7 +40,8 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
     }
   } catch (const Failure& failure) {
     item->place->somethingStays = true;
-    note_(failure);
+    operation_.TellFailed(engine::Item{path, name, ItemKind::File}, failure, Outcome::Kept, name);
+    operation_.LookForCancel();
     return;
   }
   const std::uint64_t bytes = item->file->CoveredBytes();
@@ -55,8 +55,8 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
 void FileBatch::AddLink(std::shared_ptr<Place> place, Entry entry, std::string path) {
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
+  item->linkItem = {std::move(path), entry.name, ItemKind::Link};
   item->link = std::move(entry);
-  item->path = std::move(path);
   ++parts_;
   items_.push_back(std::move(item));
   if (IsFull()) Run();
@@ -78,23 +78,29 @@ bool FileBatch::IsFull() const {
 
 template <typename Step>
 void FileBatch::Try(Item& item, const Step& step) {
-  if (item.failed) return;
+  if (item.IsOut()) return;
   try {
     step();
   } catch (const Failure& failure) {
-    Fail(item, failure);
+    item.failure = failure;
+    item.place->somethingStays = true;
   }
 }
 
-void FileBatch::Fail(Item& item, const Failure& failure) {
-  item.failed = true;
-  item.place->somethingStays = true;
-  failures_.push_back(failure);
-}
-
-void FileBatch::NoteFailures() {
-  const std::vector<Failure> failures = std::exchange(failures_, {});
-  for (const Failure& failure : failures) note_(failure);
+bool FileBatch::TellFailures() {
+  bool any = false;
+  for (const auto& item : items_) {
+    if (!item->IsOut() || std::exchange(item->isTold, true)) continue;
+    any = true;
+    const Outcome outcome = item->file && item->file->IsOverwritten() ? Outcome::Destroyed : Outcome::Kept;
+    if (item->failure) {
+      operation_.TellFailed(item->TheItem(), *item->failure, outcome,
+                            item->file ? item->file->NameNow() : item->link.name);
+    } else {
+      operation_.TellStays(item->TheItem(), item->because->failure->reason, outcome);
+    }
+  }
+  return any;
 }
 
 void FileBatch::Run() {
@@ -106,31 +112,40 @@ void FileBatch::Run() {
       batch.operation_.pipeline.Abandon();
       batch.group_ = {};
       batch.items_.clear();
-      batch.failures_.clear();
       batch.bytes_ = 0;
       batch.parts_ = 0;
       batch.hasRun_ = true;
     }
   } const clear{*this};
-  RunSteps();
+  try {
+    RunSteps();
+  } catch (const Cancelled&) {
+    TellFailures();
+    throw;
+  }
 }
 
 void FileBatch::RunSteps() {
   for (std::size_t i = 0; i < operation_.passes.size(); ++i) WritePass(operation_.passes[i], i == 0);
   Verify();
   // The last moment at which a cancel leaves all files of the batch where they are.
-  NoteFailures();
+  if (TellFailures()) operation_.LookForCancel();
   Shorten();
   Clock::Time longest{};
   for (std::size_t first = 0; first < items_.size(); first += group_.size()) {
-    if (first > 0 || !items_.front()->file) operation_.Tell(items_[first]->path);
+    if (first > 0 || !items_.front()->file) operation_.Tell(items_[first]->TheItem().path);
     const Clock::Time started = operation_.clock.Now();
     Erase(first);
     longest = std::max(longest, operation_.clock.Now() - started);
     for (const auto& item : group_) {
-      if (item->file && !item->failed) item->file->Finish();
+      if (item->IsOut()) continue;
+      if (item->file) {
+        item->file->Finish();
+      } else {
+        operation_.TellWiped(item->linkItem);
+      }
     }
-    NoteFailures();
+    if (TellFailures()) operation_.LookForCancel();
   }
   operation_.pace.RemovalTook(longest, parts_);
 }
@@ -140,7 +155,7 @@ void FileBatch::RunSteps() {
 void FileBatch::WritePass(const Pass& pass, bool isFirst) {
   FileWipe* last = nullptr;
   for (const auto& item : items_) {
-    if (!item->file || item->failed) continue;
+    if (!item->file || item->IsOut()) continue;
     if (isFirst) {
       item->file->Start();
       Try(*item, [&] { item->file->CheckUnwritten(); });
@@ -168,7 +183,7 @@ void FileBatch::FlushParts() {
   std::vector<File*> files;
   std::vector<std::pair<Item*, Overwriter*>> parts;
   for (const auto& item : items_) {
-    if (!item->file || item->failed) continue;
+    if (!item->file || item->IsOut()) continue;
     for (Overwriter& part : item->file->Parts()) {
       if (part.UnflushedBytes() == 0) continue;
       files.push_back(&part.TheFile());
@@ -222,7 +237,7 @@ void FileBatch::CheckTransfers() {
 // Cancelled in between, a file that has no length any more still has its name.
 void FileBatch::Shorten() {
   for (std::size_t first = 0; first < items_.size(); first += group_.size()) {
-    if (first > 0) operation_.Tell(items_[first]->path);
+    if (first > 0) operation_.Tell(items_[first]->TheItem().path);
     const std::size_t count = std::min(operation_.pace.FlushesAtOnce(), items_.size() - first);
     group_ = std::span(items_).subspan(first, count);
     const Clock::Time started = operation_.clock.Now();
@@ -244,7 +259,7 @@ void FileBatch::Erase(std::size_t first) {
   std::size_t end = first;
   do {
     Item& item = *items_[end++];
-    if (!item.failed) cover.FillBlocks(*item.place->folder, item.place->path);
+    if (!item.IsOut()) cover.FillBlocks(*item.place->folder, item.place->path);
     Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
   } while (end < items_.size() && operation_.clock.Now() - started <
                                       (cover.HasFillers() ? kLongestHidingUnderCover : kLongestHiding));
@@ -258,7 +273,7 @@ void FileBatch::Erase(std::size_t first) {
         item->file->Remove();
       } else {
         Require(item->place->folder->Remove(item->link), "Removing",
-                item->path + " (now named " + item->link.name + ')');
+                item->linkItem.path + " (now named " + item->link.name + ')');
       }
       hasRemoved_ = true;
     });
@@ -267,14 +282,13 @@ void FileBatch::Erase(std::size_t first) {
   FlushPlaces(false);
 }
 
-void FileBatch::HideLink(Item& item) {
-  Folder& folder = *item.place->folder;
-  item.link.name = HideName(operation_, item.link.name, item.path, item.place->shortestName,
-                            [&](const std::string& newName) {
-                              Status status = folder.Rename(item.link, newName);
-                              if (status.Ok()) item.link.name = newName;
-                              return status;
-                            });
+void FileBatch::HideLink(Item& link) {
+  HideName(operation_, link.link.name, link.linkItem.path, link.place->shortestName,
+           [&](const std::string& newName) {
+             Status status = link.place->folder->Rename(link.link, newName);
+             if (status.Ok()) link.link.name = newName;
+             return status;
+           });
 }
 
 void FileBatch::TryTogether(const char* doing,
@@ -282,7 +296,7 @@ void FileBatch::TryTogether(const char* doing,
   std::vector<File*> files;
   std::vector<Item*> items;
   for (const auto& item : group_) {
-    if (!item->file || item->failed) continue;
+    if (!item->file || item->IsOut()) continue;
     files.push_back(&item->file->Parts().front().TheFile());
     items.push_back(item.get());
   }
@@ -298,7 +312,7 @@ void FileBatch::FlushPlaces(bool ofLinksAlone) {
   std::vector<Folder*> folders;
   std::vector<Item*> firsts;
   for (const auto& item : group_) {
-    if (item->failed || (ofLinksAlone && item->file)) continue;
+    if (item->IsOut() || (ofLinksAlone && item->file)) continue;
     Folder* const folder = item->place->folder.get();
     // Their order is that of the walk, so the same folder comes in runs; one that comes again is flushed
     // again, and is the last that was changed when it is the last here.
@@ -311,11 +325,10 @@ void FileBatch::FlushPlaces(bool ofLinksAlone) {
   operation_.device.FlushFolders(folders, outcomes);
   for (std::size_t i = 0; i < folders.size(); ++i) {
     if (outcomes[i].Ok()) continue;
-    const Failure failure = MakeFailure("Flushing the folder of", firsts[i]->path, outcomes[i]);
-    failures_.push_back(failure);
+    firsts[i]->failure = MakeFailure("Flushing the folder of", firsts[i]->TheItem().path, outcomes[i]);
     for (const auto& item : group_) {
       if (item->place->folder.get() != folders[i]) continue;
-      item->failed = true;
+      item->because = firsts[i];
       item->place->somethingStays = true;
     }
   }

@@ -23,12 +23,10 @@ namespace zq::engine {
 // comes later leaves of each file either nothing, or the file with its name, overwritten.
 class FileBatch {
  public:
-  // `note` receives each failure and may throw Cancelled.
-  FileBatch(Operation& operation, std::function<void(const Failure&)> note)
-      : operation_(operation), note_(std::move(note)) {}
+  explicit FileBatch(Operation& operation) : operation_(operation) {}
 
   // Opens the file `name` of `place`; runs the batch before, if the file would make it too large or is in it
-  // under another name, or after, if it is full then. Throws Cancelled; a failure is noted.
+  // under another name, or after, if it is full then. Throws Cancelled; a failure is told as the file's end.
   void AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path);
   // A link, of which only the name and the entry are removed.
   void AddLink(std::shared_ptr<Place> place, Entry entry, std::string path);
@@ -44,9 +42,14 @@ class FileBatch {
   struct Item {
     std::shared_ptr<Place> place;
     std::optional<FileWipe> file;  // none for a link
-    Entry link;
-    std::string path;
-    bool failed = false;
+    Entry link;                    // as it is called by now
+    engine::Item linkItem;
+    std::optional<Failure> failure = {};  // it is out of the batch, and stays
+    Item* because = nullptr;              // the same for the failure of another one
+    bool isTold = false;
+
+    bool IsOut() const { return failure || because != nullptr; }
+    const engine::Item& TheItem() const { return file ? file->TheItem() : linkItem; }
   };
 
   bool HoldsFileOfSeveralNames() const;
@@ -55,8 +58,8 @@ class FileBatch {
   // Carries out one step for an item, and takes it out of the batch when that fails.
   template <typename Step>
   void Try(Item& item, const Step& step);
-  void Fail(Item& item, const Failure& failure);
-  void NoteFailures();
+  // Tells what has failed since the last time, if anything. Doesn't look at the cancel flag.
+  bool TellFailures();
 
   void RunSteps();
   void WritePass(const Pass& pass, bool isFirst);
@@ -67,16 +70,14 @@ class FileBatch {
   void Shorten();
   // Erases items from this one on, as many as the time allows: group_ is those.
   void Erase(std::size_t first);
-  void HideLink(Item& item);
+  void HideLink(Item& link);
   // Calls the device once for all files that are still in the batch, each with its own outcome.
   void TryTogether(const char* doing, void (Device::*call)(std::span<File* const>, std::span<Status>));
   void FlushPlaces(bool ofLinksAlone);
 
   Operation& operation_;
-  std::function<void(const Failure&)> note_;
   std::vector<std::unique_ptr<Item>> items_;
   std::span<const std::unique_ptr<Item>> group_;  // of items_, those that are being taken out
-  std::vector<Failure> failures_;                 // not yet noted
   std::uint64_t bytes_ = 0;
   std::size_t parts_ = 0;
   std::uint64_t cachedBytes_ = 0;  // written, in one way or the other, since the last flush

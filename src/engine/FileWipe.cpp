@@ -80,8 +80,7 @@ void RemoveOverwritten(std::vector<Overwriter>& streams, std::size_t first) {
 
 }  // namespace
 
-void FileProgress::Start(std::string itemName, std::uint64_t lengthBytes, std::uint64_t workBytes) {
-  itemName_ = std::move(itemName);
+void FileProgress::Start(std::uint64_t lengthBytes, std::uint64_t workBytes) {
   // Halved until it fits: the share stays right, and the text still shows a number of some meaning.
   while (lengthBytes > std::numeric_limits<std::int32_t>::max()) lengthBytes /= 2;
   bytesTotal_ = static_cast<std::int32_t>(lengthBytes);
@@ -102,40 +101,45 @@ void FileProgress::Worked(std::uint64_t bytes) {
 
 void FileProgress::Finish() {
   operation_.timer.Raised();
-  operation_.events.WipeProgress(bytesTotal_, bytesTotal_, 100, itemName_);
+  operation_.events.WipeProgress(bytesTotal_, bytesTotal_, 100, item_);
 }
 
 void FileProgress::Raise(std::int32_t bytesDone) {
   const std::int32_t percent =
       bytesTotal_ == 0 ? 0 : static_cast<std::int32_t>(std::int64_t{bytesDone} * 100 / bytesTotal_);
   operation_.timer.Raised();
-  operation_.events.WipeProgress(bytesDone, bytesTotal_, percent, itemName_);
+  operation_.events.WipeProgress(bytesDone, bytesTotal_, percent, item_);
   operation_.LookForCancel();
+}
+
+void ThrowNotMeant(const std::string& path) {
+  throw MakeFailure("Opening", path, "it isn't any more what was to be wiped: something else is there now");
 }
 
 FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::string path)
     : operation_(operation),
       place_(place),
-      name_(std::move(name)),
-      path_(std::move(path)),
-      progress_(operation) {
+      item_{std::move(path), std::move(name), ItemKind::File},
+      nameNow_(item_.name),
+      progress_(operation, item_) {
 }
 
 void FileWipe::Open() {
   parts_.push_back(OpenForOverwriting(
-      operation_, path_,
+      operation_, item_.path,
       [this](Access access, std::unique_ptr<File>& file) {
-        return place_.folder->OpenFile(name_, access, file);
+        return place_.folder->OpenFile(item_.name, access, file);
       },
       info_));
+  if (place_.onlyFile && Identity() != *place_.onlyFile) ThrowNotMeant(item_.path);
   lengthsBytes_.push_back(info_.lengthBytes);
 
   std::vector<std::string> streams;
-  Require(parts_.front().TheFile().ListStreams(streams), "Listing the streams of", path_);
+  Require(parts_.front().TheFile().ListStreams(streams), "Listing the streams of", item_.path);
   for (const std::string& stream : streams) {
     FileInfo streamInfo;
     parts_.push_back(OpenForOverwriting(
-        operation_, path_ + ':' + stream,
+        operation_, item_.path + ':' + stream,
         [&](Access access, std::unique_ptr<File>& file) {
           return parts_.front().TheFile().OpenStream(stream, access, file);
         },
@@ -151,7 +155,7 @@ std::uint64_t FileWipe::CoveredBytes() const {
 }
 
 void FileWipe::Start() {
-  progress_.Start(name_, info_.lengthBytes, CoveredBytes() * (operation_.passes.size() + 1));
+  progress_.Start(info_.lengthBytes, CoveredBytes() * (operation_.passes.size() + 1));
 }
 
 void FileWipe::CheckUnwritten() {
@@ -167,14 +171,14 @@ void FileWipe::CheckOverwritten() {
 
 void FileWipe::RemoveStreams() {
   CheckOverwritten();
-  hiddenPath_ = path_ + " (already overwritten)";
+  hiddenPath_ = item_.path + " (already overwritten)";
   RemoveOverwritten(parts_, 1);
 }
 
 const FileId& FileWipe::Identity() {
   if (!id_) {
     FileId id;
-    Require(parts_.front().TheFile().Identity(id), "Looking at", path_);
+    Require(parts_.front().TheFile().Identity(id), "Looking at", item_.path);
     id_ = id;
   }
   return *id_;
@@ -187,9 +191,12 @@ bool FileWipe::IsSameFileAs(FileWipe& other) {
 void FileWipe::Hide() {
   File& file = parts_.front().TheFile();
   Require(file.SetDates(), "Setting the dates of", hiddenPath_);
-  const std::string newName = HideName(operation_, name_, hiddenPath_, place_.shortestName,
-                                       [&file](const std::string& name) { return file.Rename(name); });
-  hiddenPath_ = path_ + " (already overwritten, now named " + newName + ')';
+  HideName(operation_, nameNow_, hiddenPath_, place_.shortestName, [&](const std::string& name) {
+    Status status = file.Rename(name);
+    if (status.Ok()) nameNow_ = name;
+    return status;
+  });
+  hiddenPath_ = item_.path + " (already overwritten, now named " + nameNow_ + ')';
 }
 
 void FileWipe::Remove() {
@@ -206,7 +213,7 @@ void FileWipe::Remove() {
 
 void FileWipe::Finish() {
   progress_.Finish();
-  operation_.events.ItemWiped(name_);
+  operation_.TellWiped(item_);
 }
 
 void WipeFolderStreams(Operation& operation, Folder& folder, const std::string& path) {
@@ -221,9 +228,9 @@ void WipeFolderStreams(Operation& operation, Folder& folder, const std::string& 
         operation, streamPath,
         [&](Access access, std::unique_ptr<File>& file) { return folder.OpenStream(name, access, file); },
         info));
-    FileProgress progress(operation);
-    progress.Start(streamPath, info.lengthBytes,
-                   parts.front().CoveredBytes() * (operation.passes.size() + 1));
+    const Item item{streamPath, streamPath, ItemKind::Other};
+    FileProgress progress(operation, item);
+    progress.Start(info.lengthBytes, parts.front().CoveredBytes() * (operation.passes.size() + 1));
     for (const Pass& pass : operation.passes) {
       parts.front().WritePass(pass, progress);
       parts.front().Flush();

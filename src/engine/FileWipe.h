@@ -17,10 +17,11 @@ namespace zq::engine {
 // file's length.
 class FileProgress final : public WorkMeter {
  public:
-  explicit FileProgress(Operation& operation) : operation_(operation) {}
+  // The item must outlive this.
+  FileProgress(Operation& operation, const Item& item) : operation_(operation), item_(item) {}
 
   // Raises the event of the start. `workBytes` is all that will be written and read.
-  void Start(std::string itemName, std::uint64_t lengthBytes, std::uint64_t workBytes);
+  void Start(std::uint64_t lengthBytes, std::uint64_t workBytes);
   void Worked(std::uint64_t bytes) override;
   // Raises the event of the end.
   void Finish();
@@ -29,7 +30,7 @@ class FileProgress final : public WorkMeter {
   void Raise(std::int32_t bytesDone);
 
   Operation& operation_;
-  std::string itemName_;
+  const Item& item_;
   std::int32_t bytesTotal_ = 0;
   std::uint64_t workBytes_ = 0;
   std::uint64_t workDone_ = 0;
@@ -39,9 +40,12 @@ class FileProgress final : public WorkMeter {
 struct Place {
   std::unique_ptr<Folder> folder;
   std::string path;
-  bool somethingStays = false;   // something in it has failed, so it has to stay too
-  std::size_t shortestName = 1;  // that is free in it, as far as known (HideName)
+  bool somethingStays = false;          // something in it has failed, so it has to stay too
+  std::size_t shortestName = 1;         // that is free in it, as far as known (HideName)
+  std::optional<FileId> onlyFile = {};  // if set, no other file may be opened in it
 };
+
+[[noreturn]] void ThrowNotMeant(const std::string& path);
 
 // One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
 // apart because a batch takes all its files through one of them before the next; what makes them durable
@@ -54,6 +58,8 @@ class FileWipe {
  public:
   // Wipes the file `name` of `place`, which must outlive this; `path` is what error texts call it.
   FileWipe(Operation& operation, Place& place, std::string name, std::string path);
+  FileWipe(const FileWipe&) = delete;
+  FileWipe& operator=(const FileWipe&) = delete;
 
   // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
   void Open();
@@ -86,6 +92,11 @@ class FileWipe {
   std::uint64_t CoveredBytes() const;
   // What error texts call it once it is overwritten, and after Hide.
   const std::string& HiddenPath() const { return hiddenPath_; }
+  const Item& TheItem() const { return item_; }
+  // Whether all of it is overwritten, and was found so.
+  bool IsOverwritten() const { return !hiddenPath_.empty(); }
+  // What it is called by now.
+  const std::string& NameNow() const { return nameNow_; }
 
  private:
   void CheckOverwritten();
@@ -93,8 +104,8 @@ class FileWipe {
 
   Operation& operation_;
   Place& place_;
-  std::string name_;
-  std::string path_;
+  const Item item_;
+  std::string nameNow_;
   std::string hiddenPath_;
   FileInfo info_;
   std::optional<FileId> id_;  // once it was asked for

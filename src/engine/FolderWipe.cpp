@@ -13,12 +13,48 @@ constexpr std::size_t kMostLeftFolders = 128;
 
 // After this much time in renaming folders, those that have been renamed are removed first.
 constexpr Clock::Time kLongestRenaming{60'000};
+ItemKind KindOf(const Entry& entry) {
+  switch (entry.kind) {
+    case EntryKind::File:
+      return ItemKind::File;
+    case EntryKind::Folder:
+      return ItemKind::Folder;
+    case EntryKind::Link:
+    case EntryKind::FolderLink:
+      return ItemKind::Link;
+    case EntryKind::Other:
+      break;
+  }
+  return ItemKind::Other;
+}
+
 // As with files: there are gaps to be filled after it.
 constexpr Clock::Time kLongestRenamingUnderCover{15'000};
 
 }  // namespace
 
-void FolderWipe::Run(const std::string& path) {
+void FolderWipe::Run(const std::string& path, const EntryId* meant) {
+  try {
+    Open(path, meant);
+  } catch (const Failure& failure) {
+    operation_.TellFailed({path, path, ItemKind::Folder}, failure, Outcome::Kept, path);
+    return;
+  }
+  const std::shared_ptr<Level> top = levels_.front();
+  Walk();
+  batch_.Run();
+  RemoveLeftFolders();
+  Folder* const left = top->folder ? top->folder.get() : above_.get();
+  if (left == nullptr || !(batch_.HasRemoved() || hasRemovedFolder_)) return;
+  try {
+    CoverNames(operation_, *left, path);
+    operation_.ClearTraces(*left, path);
+  } catch (const Failure& failure) {
+    operation_.TellFailure(failure);
+  }
+}
+
+void FolderWipe::Open(const std::string& path, const EntryId* meant) {
   std::string abovePath;
   std::string name;
   Require(operation_.device.Split(path, abovePath, name), "Opening", path);
@@ -30,19 +66,12 @@ void FolderWipe::Run(const std::string& path) {
     // Opened through the folder above it, so that a link in its place is refused.
     Require(above_->OpenFolder(name, folder), "Opening", path);
   }
-  Enter(std::move(folder), name, path);
-  const std::shared_ptr<Level> top = levels_.front();
-  Walk();
-  batch_.Run();
-  RemoveLeftFolders();
-  Folder* const left = top->folder ? top->folder.get() : above_.get();
-  if (left == nullptr || !(batch_.HasRemoved() || hasRemovedFolder_)) return;
-  try {
-    CoverNames(operation_, *left, path);
-    operation_.ClearTraces(*left, path);
-  } catch (const Failure& failure) {
-    Note(failure);
+  if (meant != nullptr) {
+    EntryId id;
+    Require(folder->Identity(id), "Opening", path);
+    if (id != *meant) ThrowNotMeant(path);
   }
+  Enter(std::move(folder), name, path);
 }
 
 void FolderWipe::Walk() {
@@ -99,7 +128,9 @@ void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) 
         break;
     }
   } catch (const Failure& failure) {
-    Fail(*level, failure);
+    level->somethingStays = true;
+    operation_.TellFailed({path, entry.name, KindOf(entry)}, failure, Outcome::Kept, entry.name);
+    operation_.LookForCancel();
   }
 }
 
@@ -190,16 +221,17 @@ void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
   while (!levels.empty()) {
     operation_.Tell(levels.front()->path);
     // A cancel must not leave a folder with the name it has meanwhile.
-    holdsNotes_ = true;
+    holdsFailures_ = true;
+    std::size_t count = 0;
     {
       NameCover cover(operation_);
-      const std::size_t count = RenameFolders(levels, cover);
+      count = RenameFolders(levels, cover);
       cover.FillGaps();
       RemoveRenamed(levels.first(count), cover);
-      levels = levels.subspan(count);
     }
-    holdsNotes_ = false;
-    for (const Failure& failure : std::exchange(heldNotes_, {})) Note(failure);
+    holdsFailures_ = false;
+    TellEnds(levels.first(count));
+    levels = levels.subspan(count);
   }
 }
 
@@ -280,18 +312,33 @@ void FolderWipe::FlushFolders(std::span<const std::shared_ptr<Level>> levels, bo
 
 void FolderWipe::Fail(Level& level, const Failure& failure) {
   level.somethingStays = true;
-  Note(failure);
-}
-
-void FolderWipe::Note(const Failure& failure) {
-  if (holdsNotes_) {
-    heldNotes_.push_back(failure);
+  if (holdsFailures_) {
+    heldFailures_.emplace_back(&level, failure);
     return;
   }
-  ++failureCount_;
-  if (!firstFailure_) firstFailure_ = failure;
-  operation_.events.WipeError(failure.code, failure.text);
+  TellFailed(level, failure);
   operation_.LookForCancel();
+}
+
+void FolderWipe::TellFailed(Level& level, const Failure& failure) {
+  // A folder has one end; without its removal it isn't even an item.
+  if (!selection_.removeFolders || std::exchange(level.isTold, true)) return operation_.TellFailure(failure);
+  operation_.TellFailed({level.path, level.name, ItemKind::Folder}, failure, Outcome::Kept, level.self.name);
+}
+
+void FolderWipe::TellEnds(std::span<const std::shared_ptr<Level>> levels) {
+  const auto failures = std::exchange(heldFailures_, {});
+  for (const auto& [level, failure] : failures) TellFailed(*level, failure);
+  for (const auto& level : levels) {
+    if (std::exchange(level->isTold, true)) continue;
+    const Item item{level->path, level->name, ItemKind::Folder};
+    if (level->somethingStays) {
+      operation_.TellStays(item, "something in it stays", Outcome::Kept);
+    } else {
+      operation_.TellWiped(item);
+    }
+  }
+  if (!failures.empty()) operation_.LookForCancel();
 }
 
 }  // namespace zq::engine

@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/FileBatch.h"
@@ -15,8 +15,7 @@
 
 namespace zq::engine {
 
-// What fails stays, with the folders above it, and the rest goes on. The first failure is kept for the
-// caller: later ones are often its consequences. All of them are told by WipeError.
+// What fails stays, with the folders above it, and the rest goes on. Each item's end is told.
 class FolderWipe {
  public:
   struct Selection {
@@ -26,16 +25,10 @@ class FolderWipe {
   };
 
   FolderWipe(Operation& operation, Selection selection)
-      : operation_(operation),
-        selection_(std::move(selection)),
-        batch_(operation, [this](const Failure& failure) { Note(failure); }) {}
+      : operation_(operation), selection_(std::move(selection)), batch_(operation) {}
 
-  // Wipes the folder at `path`. Throws Failure if it can't even be opened, and Cancelled; all other failures
-  // are collected.
-  void Run(const std::string& path);
-
-  std::size_t FailureCount() const { return failureCount_; }
-  const Failure& FirstFailure() const { return *firstFailure_; }
+  // Wipes the folder at `path`, which has to be the one that is meant, if that is given. Throws Cancelled.
+  void Run(const std::string& path, const EntryId* meant);
 
  private:
   // A folder on the way from the top to where the walk is. Not a recursion: a tree can be deeper than the
@@ -47,9 +40,11 @@ class FolderWipe {
     std::vector<Entry> entries;
     std::size_t next = 0;
     bool hadEntries = false;
+    bool isTold = false;     // what became of it
     std::size_t height = 0;  // how many levels of folders to be removed it has beneath it
   };
 
+  void Open(const std::string& path, const EntryId* meant);
   void Walk();
   void Enter(std::unique_ptr<Folder> folder, std::string name, std::string path);
   void Visit(const std::shared_ptr<Level>& level, const Entry& entry);
@@ -69,7 +64,8 @@ class FolderWipe {
   }
   void FlushFolders(std::span<const std::shared_ptr<Level>> levels, bool above);
   void Fail(Level& level, const Failure& failure);
-  void Note(const Failure& failure);
+  void TellFailed(Level& level, const Failure& failure);
+  void TellEnds(std::span<const std::shared_ptr<Level>> levels);
 
   Operation& operation_;
   Selection selection_;
@@ -79,10 +75,8 @@ class FolderWipe {
   std::vector<std::shared_ptr<Level>> levels_;
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
   bool hasRemovedFolder_ = false;
-  bool holdsNotes_ = false;  // failures are told later
-  std::vector<Failure> heldNotes_;
-  std::size_t failureCount_ = 0;
-  std::optional<Failure> firstFailure_;
+  bool holdsFailures_ = false;  // they are told later
+  std::vector<std::pair<Level*, Failure>> heldFailures_;
 };
 
 }  // namespace zq::engine

@@ -5,6 +5,28 @@
 
 namespace zq::engine {
 
+void Operation::TellWiped(const Item& item) {
+  events.ItemEnded(item, {.outcome = Outcome::Wiped});
+}
+
+void Operation::TellFailed(const Item& item, const Failure& failure, Outcome outcome,
+                           const std::string& nameNow) {
+  ++failureCount;
+  if (!firstFailure) firstFailure = failure;
+  events.ItemEnded(item, {outcome, failure.code, failure.reason, failure.text,
+                          nameNow == item.name ? std::string() : nameNow});
+}
+
+void Operation::TellStays(const Item& item, const std::string& reason, Outcome outcome) {
+  events.ItemEnded(item, {.outcome = outcome, .reason = reason});
+}
+
+void Operation::TellFailure(const Failure& failure) {
+  ++failureCount;
+  if (!firstFailure) firstFailure = failure;
+  events.WipeError(failure.code, failure.text);
+}
+
 std::string Operation::RandomName(std::size_t length) {
   // 32 characters, so that five random bits choose one. Without case, since file systems differ in it, and
   // without the letters a, n, o, t and u: no name is then one of the device names CON, PRN, AUX, NUL, LPT1.

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -88,6 +89,17 @@ class Operation {
             "Clearing the journal after the wipe of", path);
   }
 
+  // The failures that were told, and the first: later ones are often its consequences.
+  std::size_t failureCount = 0;
+  std::optional<Failure> firstFailure;
+  // What became of an item. None of these looks at the cancel flag.
+  void TellWiped(const Item& item);
+  void TellFailed(const Item& item, const Failure& failure, Outcome outcome, const std::string& nameNow);
+  // Of what shares the fate of something that was told.
+  void TellStays(const Item& item, const std::string& reason, Outcome outcome);
+  // A failure that belongs to no single item.
+  void TellFailure(const Failure& failure);
+
   // Throws Cancelled once the owner has asked for it. Called after every event and at every item.
   void LookForCancel() const {
     if (cancelFlag_) throw Cancelled{};
@@ -98,7 +110,7 @@ class Operation {
   bool MayGoOn(const std::string& path) {
     if (!cancelFlag_ && timer.IsDue()) {
       timer.Raised();
-      events.WipeProgress(0, 0, 0, path);
+      events.WipeProgress(0, 0, 0, {path, path, ItemKind::Other});
     }
     return !cancelFlag_;
   }

@@ -20,10 +20,10 @@ struct ItemsFailed {
   std::string text;
 };
 
-void ThrowIfItemsFailed(const FolderWipe& wipe) {
-  const std::size_t count = wipe.FailureCount();
+void ThrowIfItemsFailed(const Operation& operation) {
+  const std::size_t count = operation.failureCount;
   if (count == 0) return;
-  std::string text = wipe.FirstFailure().text;
+  std::string text = operation.firstFailure->text;
   if (count == 2) text += ", and 1 more failure";
   if (count > 2) text += ", and " + std::to_string(count - 1) + " more failures";
   throw ItemsFailed{std::move(text)};
@@ -91,6 +91,7 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
     }
     operation.emplace(device_, events_, clock_, seeds_, cancelled_, level);
     work(*operation);
+    ThrowIfItemsFailed(*operation);
     SetNote(*operation);
     done = true;
   } catch (const Failure& failure) {
@@ -116,43 +117,48 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
   return done;
 }
 
-bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     auto place = std::make_shared<Place>();
     std::string name;
-    Require(device_.Split(path, place->path, name), "Opening", path);
-    if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
-    Require(device_.OpenFolder(place->path, place->folder), "Opening", place->path);
-
-    std::optional<Failure> first;
-    FileBatch batch(operation, [&first](const Failure& failure) {
-      if (!first) first = failure;
-    });
+    try {
+      Require(device_.Split(path, place->path, name), "Opening", path);
+      if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
+      Require(device_.OpenFolder(place->path, place->folder), "Opening", place->path);
+      if (meant != nullptr) {
+        // The file has its folder's mount, or it is refused.
+        EntryId folder;
+        Require(place->folder->Identity(folder), "Opening", place->path);
+        if (folder.mount != meant->mount) ThrowNotMeant(path);
+        place->onlyFile = meant->file;
+      }
+    } catch (const Failure& failure) {
+      operation.TellFailed({path, name, ItemKind::File}, failure, Outcome::Kept, name);
+      return;
+    }
+    FileBatch batch(operation);
     batch.AddFile(place, name, path);
     batch.Run();
     if (batch.HasRemoved()) {
       CoverNames(operation, *place->folder, path);
       operation.ClearTraces(*place->folder, path);
     }
-    if (first) throw Failure(*first);
   });
 }
 
-bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level) noexcept {
+bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});
-    wipe.Run(path);
-    ThrowIfItemsFailed(wipe);
+    wipe.Run(path, meant);
   });
 }
 
 bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
-                                   std::int32_t level) noexcept {
+                                   std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     const auto takes = [&](const std::string& name) { return mask == "*.*" || matches_(name, mask); };
     FolderWipe wipe(operation, {takes, includeSubFolders, false});
-    wipe.Run(path);
-    ThrowIfItemsFailed(wipe);
+    wipe.Run(path, meant);
   });
 }
 

@@ -34,16 +34,19 @@ class SecureDelete {
   SecureDelete(const SecureDelete&) = delete;
   SecureDelete& operator=(const SecureDelete&) = delete;
 
+  // `meant`, where it is given, is what the path led to when the user agreed (Device::Identify). If it leads
+  // to anything else by now, that isn't touched: a failure.
+
   // Wipes and removes one regular file.
-  bool WipeFile(const std::string& path, std::int32_t level) noexcept;
+  bool WipeFile(const std::string& path, std::int32_t level, const EntryId* meant = nullptr) noexcept;
 
   // Wipes all files in the folder and beneath it, and removes the folders and the folder itself. A file
   // that fails stays, with the folders above it, and the rest goes on.
-  bool WipeFolder(const std::string& path, std::int32_t level) noexcept;
+  bool WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant = nullptr) noexcept;
 
   // Wipes the files whose names match `mask`, beneath the folder too if `includeSubFolders`. Folders stay.
   bool WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
-                       std::int32_t level) noexcept;
+                       std::int32_t level, const EntryId* meant = nullptr) noexcept;
 
   // Overwrites the free space of the drive with the root folder `drive`.
   bool WipeFreeSpace(const std::string& drive, std::int32_t level) noexcept;

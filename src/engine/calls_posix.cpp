@@ -12,6 +12,7 @@ Status FromErrno(int code) {
   Trouble trouble = Trouble::Other;
   if (code == ENOENT) trouble = Trouble::NotFound;
   if (code == EEXIST) trouble = Trouble::Exists;
+  if (code == EMFILE || code == ENFILE) trouble = Trouble::TooManyOpen;
   if (code == ENOSPC) trouble = Trouble::NoSpace;
   return {trouble, code, std::generic_category().message(code)};
 }

@@ -1,6 +1,5 @@
 // The device on Linux: what is done for several files or folders together.
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include "engine/Device.h"
 #include "engine/attribute_posix.h"
 #include "engine/calls_posix.h"
+#include "engine/entry_posix.h"
 #include "engine/file_posix.h"
 #include "engine/folder_posix.h"
 #include "engine/journal_posix.h"
@@ -31,11 +31,24 @@ class PosixDevice final : public Device {
       fd = UniqueFd(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     }
     if (!fd.IsOpen()) return LastError();
-    struct stat facts {};
-    if (::fstat(fd.Get(), &facts) != 0) return LastError();
+    EntryFacts facts;
+    if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
     Volume volume;
-    if (Status status = LookAtVolume(fd.Get(), facts.st_dev, volume); !status.Ok()) return status;
-    folder = std::make_unique<PosixFolder>(std::move(fd), std::move(volume));
+    if (Status status = LookAtVolume(fd.Get(), facts.device, volume); !status.Ok()) return status;
+    folder = std::make_unique<PosixFolder>(std::move(fd), facts, std::move(volume));
+    return {};
+  }
+
+  Status Identify(const std::string& path, EntryId& id) override {
+    UniqueFd fd(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    if (!fd.IsOpen() && errno != EMFILE && errno != ENFILE) return LastError();
+    EntryFacts facts;
+    const Status status = fd.IsOpen() ? LookAt(fd.Get(), "", facts) : LookAt(AT_FDCWD, path, facts);
+    if (!status.Ok()) return status;
+    id = {facts.Id(), facts.mount};
+    // The engine needs descriptors, too.
+    constexpr int kMostHeld = 256;
+    if (fd.IsOpen() && fd.Get() < kMostHeld) id.hold = std::make_shared<UniqueFd>(std::move(fd));
     return {};
   }
 

@@ -2,11 +2,13 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <memory>
 #include <numeric>
 #include <string>
 #include <vector>
 
 #include "engine/Device.h"
+#include "engine/entries_win32.h"
 #include "engine/file_win32.h"
 #include "engine/folder_win32.h"
 #include "engine/paths_win32.h"
@@ -63,6 +65,19 @@ class WindowsDevice final : public Device {
     std::wstring longPath;
     if (Status status = LongPath(path, longPath); !status.Ok()) return status;
     return OpenWindowsFolder(longPath, true, folder);
+  }
+
+  Status Identify(const std::string& path, EntryId& id) override {
+    std::wstring longPath;
+    if (Status status = LongPath(path, longPath); !status.Ok()) return status;
+    UniqueHandle handle(::CreateFileW(
+        longPath.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!handle.IsOpen()) return LastError();
+    id = {};
+    if (Status status = IdentityOf(handle.Get(), id.file); !status.Ok()) return status;
+    id.hold = std::make_shared<UniqueHandle>(std::move(handle));
+    return {};
   }
 
   Status Split(const std::string& path, std::string& folderPath, std::string& name) const override {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,16 +17,17 @@ void PosixFile::GoDirect() {
 }
 
 Status PosixFile::Info(FileInfo& info) {
-  struct stat facts {};
-  if (::fstat(fd_.Get(), &facts) != 0) return LastError();
-  info.lengthBytes = static_cast<std::uint64_t>(facts.st_size);
+  EntryFacts facts;
+  if (Status status = LookAt(fd_.Get(), "", facts); !status.Ok()) return status;
+  info.lengthBytes = facts.lengthBytes;
   // st_blocks counts the blocks of the extent tree too: no measure for what lies behind the end.
   info.allocatedBytes = 0;
   info.clusterBytes = volume_.clusterBytes;
   int flags = 0;
   const bool hasFlags = ::ioctl(fd_.Get(), FS_IOC_GETFLAGS, &flags) == 0;
   // Content without blocks lies in the inode, or is a hole. ext4 tells which.
-  info.inRecord = facts.st_blocks == 0 && facts.st_size > 0 && facts.st_size < volume_.clusterBytes &&
+  info.inRecord = facts.allocatedBytes == 0 && facts.lengthBytes > 0 &&
+                  facts.lengthBytes < volume_.clusterBytes &&
                   (volume_.magic != kExtMagic || (flags & FS_INLINE_DATA_FL) != 0);
   Placement placement = PlacementOf(fd_.Get());
   info.notInPlace = WhyNotInPlace(volume_, hasFlags ? flags : 0, placement);
@@ -34,12 +36,12 @@ Status PosixFile::Info(FileInfo& info) {
     placement_ = std::move(placement.pieces);
     openedBytes_ = info.lengthBytes;
   }
-  info.names = static_cast<std::uint32_t>(facts.st_nlink);
+  info.names = facts.links;
   return {};
 }
 
 Status PosixFile::Identity(FileId& id) {
-  id = {device_, {inode_, 0}};
+  id = id_;
   return {};
 }
 
@@ -70,8 +72,8 @@ Status PosixFile::EndWriteback() {
 }
 
 Status PosixFile::DropCache() {
-  if (struct stat facts{}; volume_.oneFlushForAll && ::fstat(fd_.Get(), &facts) == 0) {
-    writtenAt_ = facts.st_mtim;
+  if (EntryFacts facts; volume_.oneFlushForAll && LookAt(fd_.Get(), "", facts).Ok()) {
+    writtenAt_ = facts.changed;
   }
   if (direct_) return {};
   // Pages that are on the device are dropped; what can't be dropped (a file system in memory) is read
@@ -127,9 +129,9 @@ Status PosixFile::FlushEntry() {
 }
 
 Status PosixFile::Remove() {
-  struct stat facts {};
+  EntryFacts facts;
   if (Status status = CheckEntry(facts); !status.Ok()) return status;
-  if (isEmpty_ && facts.st_size != 0) return Status::Refusal("another program has written to it again");
+  if (isEmpty_ && facts.lengthBytes != 0) return Status::Refusal("another program has written to it again");
   if (::unlinkat(folderFd_, name_.c_str(), 0) != 0) return LastError();
   fd_.Reset();
   return {};
@@ -143,12 +145,12 @@ bool PosixFile::JournalsData() const {
          (flags & (FS_JOURNAL_DATA_FL | FS_INLINE_DATA_FL)) != 0;
 }
 
-std::string PosixFile::WhyNotTheSame(const struct stat& facts, const std::vector<Piece>& pieces) const {
+std::string PosixFile::WhyNotTheSame(const EntryFacts& facts, const std::vector<Piece>& pieces) const {
   if (placement_ && !LiesWhereItLay(*placement_, pieces, openedBytes_)) {
     return "another program has moved its content during the wipe";
   }
   if (writtenAt_ &&
-      (writtenAt_->tv_sec != facts.st_mtim.tv_sec || writtenAt_->tv_nsec != facts.st_mtim.tv_nsec)) {
+      (writtenAt_->tv_sec != facts.changed.tv_sec || writtenAt_->tv_nsec != facts.changed.tv_nsec)) {
     return "another program has written to it during the wipe";
   }
   return {};
@@ -168,15 +170,13 @@ bool PosixFile::GoCached() {
 }
 
 Status PosixFile::CheckEntry() const {
-  struct stat facts {};
+  EntryFacts facts;
   return CheckEntry(facts);
 }
 
-Status PosixFile::CheckEntry(struct stat& facts) const {
-  if (::fstatat(folderFd_, name_.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) return LastError();
-  if (facts.st_dev != device_ || facts.st_ino != inode_) {
-    return Status::Refusal("another file has come under this name");
-  }
+Status PosixFile::CheckEntry(EntryFacts& facts) const {
+  if (Status status = LookAt(folderFd_, name_, facts); !status.Ok()) return status;
+  if (facts.Id() != id_) return Status::Refusal("another file has come under this name");
   return {};
 }
 

@@ -1,14 +1,13 @@
 // An open file, on Linux.
 #pragma once
 
-#include <sys/stat.h>
-#include <sys/types.h>
-
+#include <ctime>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "engine/calls_posix.h"
+#include "engine/entry_posix.h"
 #include "engine/part_posix.h"
 #include "engine/placement_posix.h"
 #include "engine/volume_posix.h"
@@ -17,13 +16,8 @@ namespace zq::engine {
 
 class PosixFile final : public PosixPart {
  public:
-  PosixFile(UniqueFd fd, int folderFd, std::string name, const struct stat& identity, const Volume& volume)
-      : fd_(std::move(fd)),
-        folderFd_(folderFd),
-        name_(std::move(name)),
-        device_(identity.st_dev),
-        inode_(identity.st_ino),
-        volume_(volume) {}
+  PosixFile(UniqueFd fd, int folderFd, std::string name, const EntryFacts& facts, const Volume& volume)
+      : fd_(std::move(fd)), folderFd_(folderFd), name_(std::move(name)), id_(facts.Id()), volume_(volume) {}
 
   // Leaves the file cached where direct transfers are not to be had.
   void GoDirect();
@@ -76,7 +70,7 @@ class PosixFile final : public PosixPart {
   // Empty, or what another program has done since the file was first looked at. Where the content lies tells
   // of blocks that were given back, though the length may be what it was; the date tells of what has come
   // after our last write.
-  std::string WhyNotTheSame(const struct stat& facts, const std::vector<Piece>& pieces) const;
+  std::string WhyNotTheSame(const EntryFacts& facts, const std::vector<Piece>& pieces) const;
 
   Status Writeback(unsigned flags);
 
@@ -84,13 +78,12 @@ class PosixFile final : public PosixPart {
 
   // What bears our name now must be the file that is open: another one was never overwritten.
   Status CheckEntry() const;
-  Status CheckEntry(struct stat& facts) const;
+  Status CheckEntry(EntryFacts& facts) const;
 
   UniqueFd fd_;
   int folderFd_;
   std::string name_;
-  dev_t device_;
-  ino_t inode_;
+  FileId id_;
   Volume volume_;
   bool direct_ = false;
   bool isEmpty_ = false;  // made so by us

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
 
@@ -62,32 +63,37 @@ Status PosixFolder::List(std::vector<Entry>& entries) {
 
 Status PosixFolder::OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) {
   if (Status status = Named(name); !status.Ok()) return status;
-  // Looked at before it is opened: opening a pipe can wait, and opening a device can act.
-  struct stat facts {};
-  if (::fstatat(fd_.Get(), name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) return LastError();
-  if (Status status = CheckRegular(facts); !status.Ok()) return status;
-  return Open(name, O_RDWR, access, file);
+  // Looked at before it is opened: opening a pipe can wait, opening a device can act, and some file systems
+  // make a copy of what is opened for writing.
+  EntryFacts facts;
+  if (Status status = LookAt(fd_.Get(), name, facts); !status.Ok()) return status;
+  if (Status status = CheckRegular(facts.mode); !status.Ok()) return status;
+  if (facts.mount != facts_.mount) return Status::Refusal("another file is mounted over it");
+  return Open(name, O_RDWR, access, &facts, file);
 }
 
 Status PosixFolder::AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) {
   if (Status status = Named(name); !status.Ok()) return status;
-  return Open(name, O_RDWR | O_CREAT | O_EXCL, access, file);
+  return Open(name, O_RDWR | O_CREAT | O_EXCL, access, nullptr, file);
 }
 
 Status PosixFolder::OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) {
   if (Status status = Named(name); !status.Ok()) return status;
-  struct stat facts {};
-  if (::fstatat(fd_.Get(), name.c_str(), &facts, AT_SYMLINK_NOFOLLOW) != 0) return LastError();
-  if (S_ISLNK(facts.st_mode)) return Status::Refusal("it is a link");
+  EntryFacts facts;
+  if (Status status = LookAt(fd_.Get(), name, facts); !status.Ok()) return status;
+  if (S_ISLNK(facts.mode)) return Status::Refusal("it is a link");
   UniqueFd fd(::openat(fd_.Get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   if (!fd.IsOpen()) return LastError();
-  if (::fstat(fd.Get(), &facts) != 0) return LastError();
-  Volume volume = volume_;
-  if (facts.st_dev != volume_.device) {
-    if (insideWalk_) return Status::Refusal("another file system is mounted there");
-    if (Status status = LookAtVolume(fd.Get(), facts.st_dev, volume); !status.Ok()) return status;
+  if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
+  if (insideWalk_ && facts.mount != facts_.mount) {
+    return Status::Refusal(facts.device != facts_.device ? "another file system is mounted there"
+                                                         : "a folder from elsewhere is mounted there");
   }
-  auto opened = std::make_unique<PosixFolder>(std::move(fd), std::move(volume));
+  Volume volume = volume_;
+  if (facts.device != facts_.device) {
+    if (Status status = LookAtVolume(fd.Get(), facts.device, volume); !status.Ok()) return status;
+  }
+  auto opened = std::make_unique<PosixFolder>(std::move(fd), facts, std::move(volume));
   opened->insideWalk_ = true;
   folder = std::move(opened);
   return {};
@@ -143,8 +149,8 @@ bool PosixFolder::RoomForNames(NameRoom& room) {
   return true;
 }
 
-Status PosixFolder::CheckRegular(const struct stat& facts) {
-  switch (KindOfMode(facts.st_mode)) {
+Status PosixFolder::CheckRegular(mode_t mode) {
+  switch (KindOfMode(mode)) {
     case EntryKind::File:
       return {};
     case EntryKind::Link:
@@ -166,20 +172,20 @@ Status PosixFolder::CheckKind(const Entry& entry) const {
   return {};
 }
 
-Status PosixFolder::Open(const std::string& name, int flags, Access access, std::unique_ptr<File>& file) {
+Status PosixFolder::Open(const std::string& name, int flags, Access access, const EntryFacts* meant,
+                         std::unique_ptr<File>& file) {
   UniqueFd fd(Retry([&] {
     return ::openat(fd_.Get(), name.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
   }));
   if (!fd.IsOpen()) return errno == ELOOP ? Status::Refusal("it is a link") : LastError();
-  struct stat facts {};
-  if (::fstat(fd.Get(), &facts) != 0) return LastError();
-  if (Status status = CheckRegular(facts); !status.Ok()) return status;
-  if (::fcntl(fd.Get(), F_SETFL, 0) != 0) return LastError();  // blocking again
-  Volume volume = volume_;
-  if (facts.st_dev != volume_.device) {  // a file that is a mount point by itself
-    if (Status status = LookAtVolume(fd.Get(), facts.st_dev, volume); !status.Ok()) return status;
+  EntryFacts facts;
+  if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
+  if (Status status = CheckRegular(facts.mode); !status.Ok()) return status;
+  if (meant != nullptr && !facts.IsSameAs(*meant)) {
+    return Status::Refusal("another file has come under this name");
   }
-  auto opened = std::make_unique<PosixFile>(std::move(fd), fd_.Get(), name, facts, volume);
+  if (::fcntl(fd.Get(), F_SETFL, 0) != 0) return LastError();  // blocking again
+  auto opened = std::make_unique<PosixFile>(std::move(fd), fd_.Get(), name, facts, volume_);
   if (access == Access::Direct) opened->GoDirect();
   file = std::move(opened);
   return {};

@@ -2,20 +2,25 @@
 // its place meanwhile can lead the engine elsewhere.
 #pragma once
 
-#include <sys/stat.h>
-
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "engine/calls_posix.h"
+#include "engine/entry_posix.h"
 #include "engine/volume_posix.h"
 
 namespace zq::engine {
 
 class PosixFolder final : public Folder {
  public:
-  PosixFolder(UniqueFd fd, Volume volume) : fd_(std::move(fd)), volume_(std::move(volume)) {}
+  PosixFolder(UniqueFd fd, const EntryFacts& facts, Volume volume)
+      : fd_(std::move(fd)), facts_(facts), volume_(std::move(volume)) {}
+
+  Status Identity(EntryId& id) override {
+    id = {facts_.Id(), facts_.mount};
+    return {};
+  }
 
   Status List(std::vector<Entry>& entries) override;
 
@@ -44,13 +49,16 @@ class PosixFolder final : public Folder {
   bool RoomForNames(NameRoom& room) override;
 
  private:
-  static Status CheckRegular(const struct stat& facts);
+  static Status CheckRegular(mode_t mode);
 
   Status CheckKind(const Entry& entry) const;
 
-  Status Open(const std::string& name, int flags, Access access, std::unique_ptr<File>& file);
+  // Opens a file; `meant`, if there is one, is what it has to be.
+  Status Open(const std::string& name, int flags, Access access, const EntryFacts* meant,
+              std::unique_ptr<File>& file);
 
   UniqueFd fd_;
+  EntryFacts facts_;
   Volume volume_;
   // The folder that a user names may be a mount point; one inside it leads out of what was named.
   bool insideWalk_ = false;

@@ -15,6 +15,11 @@ class WindowsFolder final : public Folder {
   WindowsFolder(UniqueHandle handle, std::wstring path, const Volume& volume)
       : handle_(std::move(handle)), path_(std::move(path)), volume_(volume) {}
 
+  Status Identity(EntryId& id) override {
+    id = {};
+    return IdentityOf(handle_.Get(), id.file);
+  }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};

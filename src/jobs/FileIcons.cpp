@@ -20,17 +20,9 @@ constexpr int kExtensionCharacters = 4;  // the dot and three more
 // Where the last four characters of `text` begin, or nothing if it has fewer. Counted in characters:
 // four bytes from the end could be the middle of one.
 std::optional<std::size_t> StartOfExtension(std::string_view text) {
-  std::size_t start = text.size();
-  for (int i = 0; i < kExtensionCharacters; ++i) {
-    if (start == 0) return std::nullopt;
-    --start;
-    // At most three bytes more belong to the character; a longer run isn't UTF-8.
-    for (int more = 0; more < 3 && start > 0 && (static_cast<unsigned char>(text[start]) & 0xC0) == 0x80;
-         ++more) {
-      --start;
-    }
-  }
-  return start;
+  const std::string_view more = WithoutLastCharacters(text, kExtensionCharacters - 1);
+  if (more.empty()) return std::nullopt;
+  return WithoutLastCharacters(more, 1).size();
 }
 
 std::string LastFour(std::string_view text) {

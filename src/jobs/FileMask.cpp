@@ -9,6 +9,7 @@
 #include "jobs/JobList.h"
 #include "platform/RunTimeError.h"
 #include "platform/Text.h"
+#include "platform/Utf8.h"
 
 namespace zq {
 namespace {
@@ -49,19 +50,12 @@ constexpr std::array<Box, 4> kBoxes{{
      MessageIcon::Question, MessageButtons::OkCancel},
 }};
 
-// `text` without its first character.
-std::string_view WithoutFirstCharacter(std::string_view text) {
-  std::size_t first = 1;
-  while (first < text.size() && (static_cast<unsigned char>(text[first]) & 0xC0) == 0x80) ++first;
-  return text.substr(std::min(first, text.size()));
-}
-
 bool IsEveryFileMask(std::string_view maskText) {
   return TrimBlanks(maskText) == kEveryFileMask;
 }
 
 const char* SubFoldersText(bool includeSubFolders) {
-  return includeSubFolders ? "Yes" : "No";
+  return includeSubFolders ? kYes : kNo;
 }
 
 }  // namespace
@@ -81,7 +75,8 @@ bool IsRootDrive(std::string_view path) {
 }
 
 bool CarriesPath(std::string_view nodeText) {
-  return WithoutFirstCharacter(nodeText).starts_with(':') || nodeText.starts_with("\\\\");
+  if (nodeText.empty()) return false;
+  return nodeText.substr(FirstCharacter(nodeText).sizeBytes).starts_with(':') || nodeText.starts_with("\\\\");
 }
 
 FolderVerdict VerdictOnAddedFolder(std::string_view path, std::string_view maskText) {

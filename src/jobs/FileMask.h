@@ -7,14 +7,13 @@
 #include <string_view>
 
 #include "jobs/JobRow.h"
+#include "platform/Like.h"
 #include "platform/MessageBoxes.h"
 
 namespace zq {
 
 struct AppState;
 class JobList;
-
-inline constexpr const char* kEveryFileMask = "*.*";
 
 // True for a mask that is refused: without its surrounding blanks it has fewer than three or more than
 // five characters, or it has no "." or no "*". Five is a bound on purpose, so that "*.html" is refused;

@@ -11,7 +11,6 @@
 #include "jobs/JobName.h"
 #include "jobs/JobRow.h"
 #include "jobs/mdlSize.h"
-#include "platform/FieldReader.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Platform.h"
@@ -20,9 +19,6 @@
 
 namespace zq {
 namespace {
-
-constexpr const char* kFoldersMark = "[FOLDERS]";
-constexpr const char* kFilesMark = "[FILES]";
 
 constexpr const char* kErrorTitle = "Error";
 constexpr const char* kLoadError = "An error was encountered trying to open the existing Zeroquill Job.";
@@ -34,47 +30,42 @@ constexpr const char* kSaveError =
 // The number under which a file is opened. Files are numbered from 1: this one no file can have.
 constexpr int kNumberOfNoFile = 0;
 
-// Opens `path` for output: creates it, or empties it. Raises BadFileNameOrNumber before it touches the disc
-// if no file can have the number, and else as Files::Write does.
-void OpenForOutput(Files& files, int fileNumber, const std::string& path) {
+// Opens the file `name` for output: creates it, or empties it. Raises BadFileNameOrNumber before it touches
+// the disc if no file can have the number, and else as Files::Write does.
+void OpenForOutput(const DataFolder& folder, int fileNumber, const std::string& name) {
   if (fileNumber <= kNumberOfNoFile) throw RunTimeError(ErrorNumber::BadFileNameOrNumber);
-  files.Write(path, {});
+  folder.Write(name, {});
 }
 
 }  // namespace
 
-std::string EncodeJob(const JobList& jobList, const std::string& lastWiping) {
-  std::string bytes = QuotedLine(lastWiping) + QuotedLine(kFoldersMark);
+JobData JobDataOf(const JobList& jobList, const std::string& lastWiping) {
+  JobData job;
+  job.lastWiping = lastWiping;
   const std::int16_t end = jobList.RowLoopEnd();
   for (int row = 1; row <= end; ++row) {
     const JobRow& item = jobList.Row(row);
-    if (!item.IsFolderRow()) continue;
-    bytes += QuotedLine(item.NameAndLocation);
-    bytes += QuotedLine(item.FolderMask);
-    bytes += QuotedLine(item.SubFolders);
+    if (item.IsFolderRow()) {
+      job.folders.push_back({item.NameAndLocation, item.FolderMask, item.SubFolders});
+    } else {
+      job.files.push_back(item.NameAndLocation);
+    }
   }
-  bytes += QuotedLine(kFilesMark);
-  for (int row = 1; row <= end; ++row) {
-    const JobRow& item = jobList.Row(row);
-    if (!item.IsFolderRow()) bytes += QuotedLine(item.NameAndLocation);
-  }
-  return bytes;
+  return job;
 }
 
-std::string ReadJobStamp(Files& files, const std::string& path) {
-  const std::string bytes = files.Read(path);
-  return FieldReader(bytes).Next();
+std::string ReadJobStamp(const DataFolder& folder, const std::string& name) {
+  return DecodeJobStamp(folder.Read(JobFileName(name)));
 }
 
-std::vector<SavedJob> ListSavedJobs(Files& files, const std::string& appFolder) {
+std::vector<SavedJob> ListSavedJobs(const DataFolder& folder) {
   std::vector<SavedJob> jobs;
-  const std::string folder = appFolder + kJobsFolder;
-  files.List(folder + "*" + kJobExtension, [&](const FileEntry& entry) {
+  folder.List(std::string(kJobsFolder) + "*" + kJobExtension, [&](const FileEntry& entry) {
     if (!IsJobFile(entry)) return;
     const std::string fileName = TrimAtNull(entry.name);
     const auto extensionCharacters = static_cast<int>(std::string_view(kJobExtension).size());
-    jobs.push_back({std::string(WithoutLastCharacters(fileName, extensionCharacters)),
-                    ReadJobStamp(files, folder + fileName)});
+    const std::string name(WithoutLastCharacters(fileName, extensionCharacters));
+    jobs.push_back({name, DecodeJobStamp(folder.Read(kJobsFolder + fileName))});
   });
   return jobs;
 }
@@ -83,9 +74,9 @@ std::vector<SavedJob> ListSavedJobs(Files& files, const std::string& appFolder) 
 // the next save by hand. This comes of the refused open, and is to stay so. The file with the new stamp,
 // which would take the place of the job's file, is asked for under a number that no file can have; the open
 // fails before anything is created, and the routine ends there, with nothing to close and nobody told.
-void StampJobFile(const AppState& state, Files& files) {
+void StampJobFile(const AppState& state, const DataFolder& folder) {
   try {
-    OpenForOutput(files, kNumberOfNoFile, state.AppFolder + kJobsFolder + state.CurrentJobName + ".tmp");
+    OpenForOutput(folder, kNumberOfNoFile, kJobsFolder + state.CurrentJobName + ".tmp");
   } catch (const RunTimeError&) {
   }
 }
@@ -95,8 +86,8 @@ void JobFile::SaveJob() {
   try {
     // Complete before the file is opened, which empties it: too many rows cost no job that was saved. A
     // failure while it is written does, since no second file is used.
-    const std::string bytes = EncodeJob(jobList_, state_.LastWiping);
-    platform_.files.Write(JobFilePath(state_.AppFolder, state_.CurrentJobName), bytes);
+    const std::string bytes = EncodeJob(JobDataOf(jobList_, state_.LastWiping));
+    dataFolder_.Write(JobFileName(state_.CurrentJobName), bytes);
   } catch (const RunTimeError&) {
     platform_.messageBoxes.Show({kSaveError, kErrorTitle, MessageIcon::Exclamation, MessageButtons::Ok});
     return;
@@ -120,36 +111,24 @@ void JobFile::LoadJob() {
   ShowName();
 }
 
+// The stamp is taken by itself: it stays what it was read as when the rest can't be read.
 void JobFile::ReadRows() {
-  const std::string bytes = platform_.files.Read(JobFilePath(state_.AppFolder, state_.CurrentJobName));
-  FieldReader reader(bytes);
-  state_.LastWiping = reader.Next();
-  reader.Next();  // the folders' mark: its place makes it that, whatever it says
-
-  bool inFolders = true;
-  while (!reader.AtEnd()) {
-    const std::string field = reader.Next();
-    if (field == kFilesMark) {
-      inFolders = false;
-    } else if (inFolders) {
-      std::string mask = reader.Next();
-      std::string subFolders = reader.Next();
-      AddFolderRow(field, std::move(mask), std::move(subFolders));
-    } else {
-      AddFileRow(field);
-    }
-  }
+  const std::string bytes = dataFolder_.Read(JobFileName(state_.CurrentJobName));
+  state_.LastWiping = DecodeJobStamp(bytes);
+  JobData job = DecodeJob(bytes);
+  for (JobFolder& folder : job.folders) AddFolderRow(std::move(folder));
+  for (const std::string& file : job.files) AddFileRow(file);
 }
 
 // The mask and the text for the sub-folders stand in the row as they stand in the file, valid or not.
-void JobFile::AddFolderRow(const std::string& path, std::string mask, std::string subFolders) {
+void JobFile::AddFolderRow(JobFolder folder) {
   JobRow row;
-  row.NameAndLocation = path;
+  row.Ghosted = !ItemExists(platform_.files, kItemIsFolder, folder.path);
+  row.NameAndLocation = std::move(folder.path);
   row.Size = "N/A";
-  row.FolderMask = std::move(mask);
-  row.SubFolders = std::move(subFolders);
+  row.FolderMask = std::move(folder.mask);
+  row.SubFolders = std::move(folder.subFolders);
   row.SmallIcon = kFolderPicture;
-  row.Ghosted = !ItemExists(platform_.files, kItemIsFolder, path);
   jobList_.Add(std::move(row));
 }
 

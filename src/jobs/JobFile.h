@@ -4,23 +4,22 @@
 #include <string>
 #include <vector>
 
+#include "core/state/DataFolder.h"
+#include "jobs/JobData.h"
+#include "platform/Platform.h"
+
 namespace zq {
 
 struct AppState;
-struct Platform;
 class FileIcons;
-class Files;
 class JobList;
 class ToolStates;
 
-// The file's bytes: the stamp, the folders' mark, three lines for each folder row, the files' mark, a line
-// for each file row. Rows keep their order within their kind. Nothing is escaped: a field with a double
-// quote in it doesn't read back whole. Raises Overflow beyond 32767 rows.
-std::string EncodeJob(const JobList& jobList, const std::string& lastWiping);
+// The rows as a file keeps them, in their order within their kind. Raises Overflow beyond 32767 rows.
+JobData JobDataOf(const JobList& jobList, const std::string& lastWiping);
 
-// The stamp of a job's file, its first field; the rest isn't looked at. Raises as Files::Read does, and
-// InputPastEndOfFile for an empty file.
-std::string ReadJobStamp(Files& files, const std::string& path);
+// The stamp of the file of the job `name`. Raises as Files::Read and DecodeJobStamp do.
+std::string ReadJobStamp(const DataFolder& folder, const std::string& name);
 
 // A job as frmOpenJob lists it.
 struct SavedJob {
@@ -31,17 +30,23 @@ struct SavedJob {
 };
 
 // The saved jobs in the order of the file system; hidden and system files aren't jobs. A job that
-// wouldn't load is listed all the same, but one whose stamp can't be read raises as ReadJobStamp does.
-std::vector<SavedJob> ListSavedJobs(Files& files, const std::string& appFolder);
+// wouldn't load is listed all the same, but one whose stamp can't be read raises as
+// ReadJobStamp does.
+std::vector<SavedJob> ListSavedJobs(const DataFolder& folder);
 
 // After the wipe of a job that has a name, once LastWiping is set. Leaves the disc as it is: see there.
-void StampJobFile(const AppState& state, Files& files);
+void StampJobFile(const AppState& state, const DataFolder& folder);
 
 // Saving and loading the open job. A failure is told to the user and goes no further.
 class JobFile {
  public:
   JobFile(AppState& state, JobList& jobList, Platform& platform, FileIcons& icons, ToolStates& tools)
-      : state_(state), jobList_(jobList), platform_(platform), icons_(icons), tools_(tools) {}
+      : state_(state),
+        jobList_(jobList),
+        platform_(platform),
+        dataFolder_(platform.files, state),
+        icons_(icons),
+        tools_(tools) {}
 
   // Writes the list to the file of CurrentJobName, shows the name in the status bar and sets JobSaved. An
   // untitled job is left alone without a word. After a failure name and JobSaved are as before.
@@ -54,13 +59,14 @@ class JobFile {
 
  private:
   void ReadRows();
-  void AddFolderRow(const std::string& path, std::string mask, std::string subFolders);
+  void AddFolderRow(JobFolder folder);
   void AddFileRow(const std::string& path);
   void ShowName();
 
   AppState& state_;
   JobList& jobList_;
   Platform& platform_;
+  DataFolder dataFolder_;
   FileIcons& icons_;
   ToolStates& tools_;
 };

@@ -4,6 +4,7 @@
 
 #include "controls/ToolStates.h"
 #include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "jobs/CommandState.h"
 #include "jobs/JobList.h"
 #include "jobs/JobName.h"
@@ -85,7 +86,7 @@ void JobLifecycle::DeleteOpenJob() {
     return;
   }
   // The job's file alone, and none of the files that it names. One that can't be deleted stays, silently.
-  platform_.files.Remove(JobFilePath(state_.AppFolder, state_.CurrentJobName));
+  DataFolder(platform_.files, state_).Remove(JobFileName(state_.CurrentJobName));
   // With these, CloseJob has nothing to ask.
   state_.CurrentJobName = "";
   state_.JobSaved = true;

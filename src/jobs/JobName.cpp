@@ -1,6 +1,6 @@
 #include "jobs/JobName.h"
 
-#include "platform/Files.h"
+#include "core/state/DataFolder.h"
 #include "platform/Regional.h"
 #include "platform/RunTimeError.h"
 #include "platform/Text.h"
@@ -20,8 +20,8 @@ constexpr const char* kOverwrite =
 
 }  // namespace
 
-std::string JobFilePath(const std::string& appFolder, const std::string& name) {
-  return appFolder + kJobsFolder + name + kJobExtension;
+std::string JobFileName(const std::string& name) {
+  return kJobsFolder + name + kJobExtension;
 }
 
 bool IsJobFile(const FileEntry& entry) {
@@ -36,9 +36,9 @@ bool HasIllegalCharacter(std::string_view nameText) {
   return nameText.find_first_of(kIllegalCharacters) != std::string_view::npos;
 }
 
-JobNameVerdict VerdictOnJobName(Files& files, const std::string& appFolder, std::string_view nameText) {
+JobNameVerdict VerdictOnJobName(const DataFolder& folder, std::string_view nameText) {
   if (HasIllegalCharacter(nameText)) return JobNameVerdict::Illegal;
-  const std::optional<FileEntry> entry = files.FindEntry(JobFilePath(appFolder, TrimBlanks(nameText)));
+  const std::optional<FileEntry> entry = folder.FindEntry(JobFileName(TrimBlanks(nameText)));
   return entry && IsJobFile(*entry) ? JobNameVerdict::Exists : JobNameVerdict::Accepted;
 }
 

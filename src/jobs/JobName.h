@@ -10,15 +10,14 @@
 
 namespace zq {
 
-class Files;
+class DataFolder;
 class Regional;
 struct FileEntry;
 
-inline constexpr const char* kJobsFolder = "Jobs\\";  // below the program's folder
 inline constexpr const char* kJobExtension = ".zqj";
 
-// The file of the job `name`. `appFolder` ends in a backslash.
-std::string JobFilePath(const std::string& appFolder, const std::string& name);
+// The file of the job `name`, in the program's folder.
+std::string JobFileName(const std::string& name);
 
 // Whether an entry of the folder of jobs counts as a file there: folders, hidden and system files don't.
 bool IsJobFile(const FileEntry& entry);
@@ -38,7 +37,7 @@ enum class JobNameVerdict : std::uint8_t {
 };
 
 // The characters are looked for in the text as it stands, the file under the trimmed one.
-JobNameVerdict VerdictOnJobName(Files& files, const std::string& appFolder, std::string_view nameText);
+JobNameVerdict VerdictOnJobName(const DataFolder& folder, std::string_view nameText);
 
 // The box of a verdict. Raises InvalidProcedureCall for Accepted, which has none.
 Message BoxOf(JobNameVerdict verdict);

@@ -34,19 +34,19 @@ void frmFolder::DropToNormalLevel() {
 
 void frmFolder::FT1_SelectionChange(const std::string& text, const std::string& fullPath) {
   const bool carriesPath = CarriesPath(text);
-  if (carriesPath) FolderPath_ = fullPath;
+  if (carriesPath) FolderPath = fullPath;
   cmdOK.SetEnabled(carriesPath);
 }
 
 void frmFolder::cmdOK_Click() {
   const std::string mask = txtMask.Text();
-  const FolderVerdict verdict = VerdictOnAddedFolder(FolderPath_, mask);
+  const FolderVerdict verdict = VerdictOnAddedFolder(FolderPath, mask);
   if (verdict != FolderVerdict::Accepted) {
     const MessageAnswer answer = platform_.messageBoxes.Show(BoxOf(verdict));
     if (verdict == FolderVerdict::ImproperMask) txtMask.SetFocus();
     if (verdict != FolderVerdict::RootDriveAdded || answer != MessageAnswer::Ok) return;
   }
-  AddFolderItem(state_, jobList_, FolderPath_, mask, chkSub.Value() == 1);
+  AddFolderItem(state_, jobList_, FolderPath, mask, chkSub.Value() == 1);
   Unload();
 }
 

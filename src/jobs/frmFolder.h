@@ -38,7 +38,7 @@ class frmFolder final : public Form {
   AppState& state_;
   Platform& platform_;
   JobList& jobList_;
-  std::string FolderPath_;  // of the last node that carries one
+  std::string FolderPath;  // of the last node that carries one
 };
 
 }  // namespace zq

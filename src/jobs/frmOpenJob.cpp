@@ -1,5 +1,6 @@
 #include "jobs/frmOpenJob.h"
 
+#include "core/state/DataFolder.h"
 #include "jobs/JobLifecycle.h"
 #include "platform/Regional.h"
 
@@ -33,7 +34,7 @@ void frmOpenJob::Load() {
   ImageList1.AddPicture("job");
   ListView1.SetSmallIcons(ImageList1.Handle());
   ListView1.SetColumns(kColumns);
-  jobs_ = ListSavedJobs(platform_.files, state_.AppFolder);
+  jobs_ = ListSavedJobs(DataFolder(platform_.files, state_));
   ListView1.SetRowCount(static_cast<int>(jobs_.size()));
   SizeColumns();
   if (!jobs_.empty()) ListView1.SelectRow(1);

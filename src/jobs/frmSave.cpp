@@ -1,5 +1,6 @@
 #include "jobs/frmSave.h"
 
+#include "core/state/DataFolder.h"
 #include "jobs/JobName.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Text.h"
@@ -16,7 +17,7 @@ frmSave::frmSave(AppState& state, Platform& platform)
 
 void frmSave::cmdOK_Click() {
   const std::string name = txtName.Text();
-  const JobNameVerdict verdict = VerdictOnJobName(platform_.files, state_.AppFolder, name);
+  const JobNameVerdict verdict = VerdictOnJobName(DataFolder(platform_.files, state_), name);
   if (verdict != JobNameVerdict::Accepted) {
     const MessageAnswer answer = platform_.messageBoxes.Show(BoxOf(verdict));
     if (verdict != JobNameVerdict::Exists || answer != MessageAnswer::Ok) {

@@ -3,33 +3,19 @@
 #include <cstdint>
 #include <optional>
 
+#include "platform/Utf8.h"
+
 namespace zq {
 namespace {
 
 // Takes one character off the front of `text`: a code point, or a single byte that isn't valid UTF-8
 // (told apart from code points by a value above them all).
 std::uint32_t TakeCharacter(std::string_view& text) {
-  const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
-  const std::uint32_t lead = byteAt(0);
-  const std::size_t length = lead < 0x80         ? 1
-                             : (lead >> 5) == 6  ? 2
-                             : (lead >> 4) == 14 ? 3
-                             : (lead >> 3) == 30 ? 4
-                                                 : 0;
   constexpr std::uint32_t kInvalidByte = 0x110000;
-  constexpr std::uint32_t kSmallestOfLength[] = {0, 0, 0x80, 0x800, 0x10000};
-  std::uint32_t value = length == 1 ? lead : lead & (0xFFU >> (length + 1));
-  bool valid = length != 0 && length <= text.size();
-  for (std::size_t i = 1; valid && i < length; ++i) {
-    valid = (byteAt(i) & 0xC0) == 0x80;
-    value = (value << 6) | (byteAt(i) & 0x3F);
-  }
-  // A longer form than needed, a half of a surrogate pair and what lies beyond the last code point
-  // aren't UTF-8 either.
-  valid = valid && value >= kSmallestOfLength[length] && (value < 0xD800 || value > 0xDFFF) &&
-          value < kInvalidByte;
-  text.remove_prefix(valid ? length : 1);
-  return valid ? value : kInvalidByte + lead;
+  const Character character = FirstCharacter(text);
+  const auto first = static_cast<unsigned char>(text.front());
+  text.remove_prefix(character.sizeBytes);
+  return character.isValid ? character.value : kInvalidByte + first;
 }
 
 // The content of a bracket at the front of `pattern`, taken off with its brackets; nothing if the

@@ -12,4 +12,7 @@ namespace zq {
 // `[` without its `]` matches nothing.
 bool Like(std::string_view text, std::string_view pattern);
 
+// The mask of every file, with a dot in its name or not. Who takes masks looks for it before matching.
+inline constexpr const char* kEveryFileMask = "*.*";
+
 }  // namespace zq

@@ -1,5 +1,7 @@
 #include "platform/Text.h"
 
+#include "platform/Utf8.h"
+
 namespace zq {
 
 std::string TrimBlanks(std::string_view text) {
@@ -14,18 +16,15 @@ std::string TrimAtNull(std::string_view text) {
 
 std::string_view CutAtCharacter(std::string_view text, std::size_t maxBytes) {
   if (text.size() <= maxBytes) return text;
-  const auto isContinuation = [&](std::size_t i) {
-    return (static_cast<unsigned char>(text[i]) & 0xC0) == 0x80;
-  };
   std::size_t end = maxBytes;
   // A UTF-8 character has at most three continuation bytes; a longer run isn't one, and is cut hard.
-  while (end > 0 && maxBytes - end < 3 && isContinuation(end)) --end;
-  return text.substr(0, isContinuation(end) ? maxBytes : end);
+  while (end > 0 && maxBytes - end < 3 && IsContinuation(text[end])) --end;
+  return text.substr(0, IsContinuation(text[end]) ? maxBytes : end);
 }
 
 std::string_view WithoutLastCharacters(std::string_view text, int count) {
   for (; count > 0 && !text.empty(); --count) {
-    text = CutAtCharacter(text, text.size() - 1);
+    text.remove_suffix(LastCharacterBytes(text));
   }
   return text;
 }

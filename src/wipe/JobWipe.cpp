@@ -1,11 +1,13 @@
 #include "wipe/JobWipe.h"
 
 #include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "core/state/ItemExists.h"
 #include "core/state/MainWindow.h"
 #include "jobs/JobFile.h"
 #include "jobs/JobList.h"
 #include "platform/Files.h"
+#include "platform/Like.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
@@ -16,8 +18,6 @@
 
 namespace zq {
 namespace {
-
-constexpr const char* kEveryFile = "*.*";
 
 constexpr const char* kNothingFound =
     "All listed items in your current Job were not found at their defined locations and may have been "
@@ -42,7 +42,7 @@ bool HasSubFoldersText(const JobRow& row) {
 }
 
 bool IncludesSubFolders(const JobRow& row) {
-  return row.SubFolders == "Yes";
+  return row.SubFolders == kYes;
 }
 
 std::string WithQuestion(const char* statement, const char* question) {
@@ -52,7 +52,7 @@ std::string WithQuestion(const char* statement, const char* question) {
 }  // namespace
 
 void JobWipe::RunJobWipe() {
-  if (!SFD1_) throw RunTimeError(ErrorNumber::ObjectVariableNotSet);
+  if (!SFD1) throw RunTimeError(ErrorNumber::ObjectVariableNotSet);
 
   if (!CheckRows()) {
     platform_.messageBoxes.Show(
@@ -67,7 +67,7 @@ void JobWipe::RunJobWipe() {
   state_.FreeSpaceActive = false;
   state_.CancelRequested = false;
   state_.TotalWipeItems = FixedPoint();
-  ProcessedWipeItems_ = FixedPoint();
+  ProcessedWipeItems = FixedPoint();
   mainWindow_.Hide();
   statusWindow_.Show();
   ClearReportLists();
@@ -152,12 +152,12 @@ void JobWipe::WipeFolderRow(int row) {
   state_.ReportFolders.Add(item.NameAndLocation);
 
   bool wiped = false;
-  if (item.FolderMask == kEveryFile && IncludesSubFolders(item)) {
-    wiped = SFD1_->WipeFolder(item.NameAndLocation, level);
+  if (item.FolderMask == kEveryFileMask && IncludesSubFolders(item)) {
+    wiped = SFD1->WipeFolder(item.NameAndLocation, level);
     if (wiped) jobList_.SetGhosted(row, true);
   } else {
     // The folder stays, and so does the row: it can be wiped again.
-    wiped = SFD1_->WipeFolderFiles(item.NameAndLocation, item.FolderMask, IncludesSubFolders(item), level);
+    wiped = SFD1->WipeFolderFiles(item.NameAndLocation, item.FolderMask, IncludesSubFolders(item), level);
   }
   if (!wiped) AddErrorLine(item.NameAndLocation);
 }
@@ -165,7 +165,7 @@ void JobWipe::WipeFolderRow(int row) {
 void JobWipe::WipeFileRow(int row) {
   const std::string path = jobList_.Row(row).NameAndLocation;
   state_.ReportFiles.Add(path);
-  if (!SFD1_->WipeFile(path, state_.Settings.Passes)) {
+  if (!SFD1->WipeFile(path, state_.Settings.Passes)) {
     AddErrorLine(path);
     return;
   }
@@ -174,7 +174,7 @@ void JobWipe::WipeFileRow(int row) {
 }
 
 void JobWipe::AddErrorLine(const std::string& path) {
-  state_.ReportErrors.Add(path + " - " + SFD1_->GetLastErrorText());
+  state_.ReportErrors.Add(path + " - " + SFD1->GetLastErrorText());
 }
 
 void JobWipe::WriteReport() {
@@ -183,7 +183,7 @@ void JobWipe::WriteReport() {
   // is written by the next save.
   if (!state_.CurrentJobName.empty()) {
     state_.LastWiping = stamp;
-    StampJobFile(state_, platform_.files);
+    StampJobFile(state_, DataFolder(platform_.files, state_));
   }
 
   ReportData report;
@@ -192,7 +192,7 @@ void JobWipe::WriteReport() {
   report.folders = state_.ReportFolders.Items();
   report.files = state_.ReportFiles.Items();
   report.errors = state_.ReportErrors.Items();
-  platform_.files.Write(state_.AppFolder + "Report\\Report.dat", EncodeReport(report));
+  DataFolder(platform_.files, state_).Write(kReportFile, EncodeReport(report));
 }
 
 void JobWipe::ClearReportLists() {
@@ -202,14 +202,14 @@ void JobWipe::ClearReportLists() {
 }
 
 void JobWipe::CancelOperation() {
-  SFD1_->CancelOperation();
+  SFD1->CancelOperation();
   state_.CancelRequested = true;
 }
 
 void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t /*unused*/,
                                 const std::string& itemName) {
   if (state_.FreeSpaceActive) return;
-  const ProgressUpdate update = ComputeProgress(bytesDone, bytesTotal, itemName, ProcessedWipeItems_,
+  const ProgressUpdate update = ComputeProgress(bytesDone, bytesTotal, itemName, ProcessedWipeItems,
                                                 state_.TotalWipeItems, platform_.regional);
   statusWindow_.SetStatus(update.status);
   if (update.setsCurrent) statusWindow_.SetCurrent(update.current);
@@ -225,7 +225,7 @@ void JobWipe::SFD1_WipeError(std::int32_t errorCode, const std::string& errorTex
 }
 
 void JobWipe::SFD1_ItemWiped(const std::string& /*itemName*/) {
-  ++ProcessedWipeItems_;
+  ++ProcessedWipeItems;
 }
 
 }  // namespace zq

@@ -37,7 +37,7 @@ class JobWipe final : public WipeEvents {
         statusWindow_(statusWindow),
         reportViewer_(reportViewer) {}
 
-  void SetEngine(SecureFileDeleteWizard* engine) { SFD1_ = engine; }
+  void SetEngine(SecureFileDeleteWizard* engine) { SFD1 = engine; }
 
   // Raises what fails on the way: there is no handler here, and the process ends with its report.
   void RunJobWipe();
@@ -66,8 +66,8 @@ class JobWipe final : public WipeEvents {
   MainWindow& mainWindow_;
   WipeStatusWindow& statusWindow_;
   ReportViewer* reportViewer_;
-  SecureFileDeleteWizard* SFD1_ = nullptr;
-  FixedPoint ProcessedWipeItems_;
+  SecureFileDeleteWizard* SFD1 = nullptr;
+  FixedPoint ProcessedWipeItems;
 };
 
 }  // namespace zq

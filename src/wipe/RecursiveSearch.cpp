@@ -19,7 +19,7 @@ void SearchFolder(Files& files, std::string& path, const std::string& pathPatter
     } else if (name != "." && name != ".." && includeSubFolders) {
       // With this mask the wipe removes the folders too. A folder is cleared when one inside it is met, so
       // that one without any keeps its attributes unless it is itself inside another.
-      if (mask == "*.*") {
+      if (mask == kEveryFileMask) {
         ClearAttributes(files, path);
         ClearAttributes(files, path + name);
       }

@@ -44,16 +44,21 @@ bool SFD1::Finish(bool result) {
 }
 
 void SFD1::WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
-                        const std::string& itemName) {
-  Raise([&] { events_.SFD1_WipeProgress(bytesDone, bytesTotal, percent, itemName); });
+                        const engine::Item& item) {
+  Raise([&] { events_.SFD1_WipeProgress(bytesDone, bytesTotal, percent, item.name); });
+}
+
+// The program counts files, and learns of the rest by what fails.
+void SFD1::ItemEnded(const engine::Item& item, const engine::ItemEnd& end) {
+  if (end.outcome == engine::Outcome::Wiped) {
+    if (item.kind == engine::ItemKind::File) Raise([&] { events_.SFD1_ItemWiped(item.name); });
+  } else if (end.errorCode != 0) {
+    WipeError(end.errorCode, end.text);
+  }
 }
 
 void SFD1::WipeError(std::int32_t errorCode, const std::string& errorText) {
   Raise([&] { events_.SFD1_WipeError(errorCode, errorText); });
-}
-
-void SFD1::ItemWiped(const std::string& itemName) {
-  Raise([&] { events_.SFD1_ItemWiped(itemName); });
 }
 
 void SFD1::FreeSpaceProgress(const std::string& itemName, std::int32_t percent, std::int32_t kbDone,

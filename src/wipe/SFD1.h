@@ -29,9 +29,9 @@ class SFD1 final : public SecureFileDeleteWizard, private engine::EngineEvents {
 
  private:
   void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
-                    const std::string& itemName) override;
+                    const engine::Item& item) override;
+  void ItemEnded(const engine::Item& item, const engine::ItemEnd& end) override;
   void WipeError(std::int32_t errorCode, const std::string& errorText) override;
-  void ItemWiped(const std::string& itemName) override;
   void FreeSpaceProgress(const std::string& itemName, std::int32_t percent, std::int32_t kbDone,
                          std::int32_t kbTotal) override;
 

@@ -25,11 +25,14 @@ using namespace zq::engine;
 
 class CountedEvents final : public EngineEvents {
  public:
-  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const std::string&) override { ++progress; }
+  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const Item&) override { ++progress; }
   void WipeError(std::int32_t, const std::string& text) override {
     std::fprintf(stderr, "%s\n", text.c_str());
   }
-  void ItemWiped(const std::string&) override { ++wiped; }
+  void ItemEnded(const Item& item, const ItemEnd& end) override {
+    if (end.errorCode != 0) WipeError(end.errorCode, end.text);
+    wiped += end.outcome == Outcome::Wiped && item.kind == ItemKind::File;
+  }
   void FreeSpaceProgress(const std::string&, std::int32_t, std::int32_t, std::int32_t) override {}
 
   std::size_t progress = 0;

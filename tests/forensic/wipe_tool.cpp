@@ -22,8 +22,8 @@ class PrintedEvents final : public EngineEvents {
   PrintedEvents(std::string itemName, std::string command)
       : itemName_(std::move(itemName)), command_(std::move(command)) {}
 
-  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const std::string& itemName) override {
-    if (ran_ || command_.empty() || itemName != itemName_) return;
+  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const Item& item) override {
+    if (ran_ || command_.empty() || item.name != itemName_) return;
     ran_ = true;
     std::fflush(stdout);
     if (std::system(command_.c_str()) != 0) {
@@ -34,7 +34,12 @@ class PrintedEvents final : public EngineEvents {
   void WipeError(std::int32_t code, const std::string& text) override {
     std::printf("error %d %s\n", code, text.c_str());
   }
-  void ItemWiped(const std::string& itemName) override { std::printf("wiped %s\n", itemName.c_str()); }
+  void ItemEnded(const Item& item, const ItemEnd& end) override {
+    if (end.errorCode != 0) WipeError(end.errorCode, end.text);
+    if (end.outcome == Outcome::Wiped && item.kind == ItemKind::File) {
+      std::printf("wiped %s\n", item.name.c_str());
+    }
+  }
   void FreeSpaceProgress(const std::string&, std::int32_t, std::int32_t, std::int32_t) override {}
 
   bool CommandIsDue() const { return !command_.empty() && !ran_; }

@@ -68,6 +68,7 @@ struct Program {
   FileIcons icons{painter, regional};
   FakeToolStates tools{files.log};
   JobFile jobFile{state, jobList, platform, icons, tools};
+  DataFolder folder{files, state};
 };
 
 bool HoldsQuote(const std::string& text) {
@@ -81,7 +82,23 @@ bool ComesBack(const JobRow& row) {
          !row.NameAndLocation.ends_with('\\') && row.IsFolderRow() == (row.SmallIcon == kFolderPicture);
 }
 
+// Whatever can be decoded is encoded so that it decodes the same, if no field holds a quote.
+void CheckCoding(const std::string& bytes) {
+  try {
+    const JobData job = DecodeJob(bytes);
+    Require(DecodeJobStamp(bytes) == job.lastWiping);
+    bool quoted = HoldsQuote(job.lastWiping);
+    for (const std::string& file : job.files) quoted = quoted || HoldsQuote(file);
+    for (const JobFolder& folder : job.folders)
+      quoted = quoted || HoldsQuote(folder.path + folder.mask + folder.subFolders);
+    Require(quoted || DecodeJob(EncodeJob(job)) == job);
+  } catch (const RunTimeError& error) {
+    Require(error.Number() == ErrorNumber::InputPastEndOfFile);
+  }
+}
+
 void CheckLoading(const std::string& bytes) {
+  CheckCoding(bytes);
   Program program;
   const std::vector<JobRow> rows = program.Load(bytes);
   Require(program.state.JobSaved);
@@ -91,10 +108,10 @@ void CheckLoading(const std::string& bytes) {
   }
   Require(program.state.CurrentJobName == "Job" && program.boxes.shown.empty());
   Require(program.tools.panels["Static2"] == "Job: Job");
-  Require(ReadJobStamp(program.files, kJob) == program.state.LastWiping);
+  Require(ReadJobStamp(program.folder, "Job") == program.state.LastWiping);
   Require(program.files.Find("C:\\dir\\a.doc")->content == "secret");
 
-  StampJobFile(program.state, program.files);
+  StampJobFile(program.state, program.folder);
   Require(program.files.Find(kJob)->content == bytes);
 
   if (HoldsQuote(program.state.LastWiping) || !std::all_of(rows.begin(), rows.end(), ComesBack)) return;

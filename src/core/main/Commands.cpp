@@ -4,7 +4,7 @@
 
 #include "core/main/CommandTable.h"
 #include "core/state/AppState.h"
-#include "core/state/ItemExists.h"
+#include "core/state/DataFolder.h"
 #include "jobs/AddFiles.h"
 #include "jobs/CommandState.h"
 #include "jobs/JobLifecycle.h"
@@ -123,7 +123,7 @@ void Commands::ToggleQuickWipeBin() {
 
 void Commands::ViewReport() {
   try {
-    if (ItemExists(parts_.platform.files, kItemIsFile, parts_.state.AppFolder + "Report\\Report.dat")) {
+    if (DataFolder(parts_.platform.files, parts_.state).HasFile(kReportFile)) {
       if (parts_.reportViewer) parts_.reportViewer->ShowModal();
       return;
     }

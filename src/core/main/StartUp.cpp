@@ -1,7 +1,6 @@
 #include "core/main/StartUp.h"
 
-#include "core/state/ItemExists.h"
-#include "platform/Files.h"
+#include "core/state/DataFolder.h"
 #include "platform/Text.h"
 
 namespace zq {
@@ -12,10 +11,9 @@ std::string AppFolderFrom(const std::string& applicationPath) {
   return folder;
 }
 
-void EnsureDataFolders(Files& files, const std::string& appFolder) {
-  for (const char* name : {"Jobs\\", "Report\\"}) {
-    const std::string folder = appFolder + name;
-    if (!ItemExists(files, kItemIsFolder, folder)) files.MakeFolder(folder);
+void EnsureDataFolders(const DataFolder& folder) {
+  for (const char* name : {kJobsFolder, kReportFolder}) {
+    if (!folder.HasFolder(name)) folder.MakeFolder(name);
   }
 }
 

@@ -5,12 +5,12 @@
 
 namespace zq {
 
-class Files;
+class DataFolder;
 
 // `applicationPath` without surrounding blanks and with exactly one backslash at its end.
 std::string AppFolderFrom(const std::string& applicationPath);
 
-// Creates `Jobs` and `Report` below `appFolder` where they are missing. Failures are passed over.
-void EnsureDataFolders(Files& files, const std::string& appFolder);
+// Creates `Jobs` and `Report` where they are missing. Failures are passed over.
+void EnsureDataFolders(const DataFolder& folder);
 
 }  // namespace zq

@@ -9,7 +9,6 @@
 #include "ancillary/frmWelcome.h"
 #include "core/main/CommandTable.h"
 #include "core/main/StartUp.h"
-#include "core/state/ItemExists.h"
 #include "core/state/Settings.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
@@ -60,12 +59,13 @@ frmMain::frmMain(AppState& state, Platform& platform)
     : Form(IDD_frmMain),
       state_(state),
       platform_(platform),
+      dataFolder_(platform.files, state),
       jobList_(platform.regional),
       icons_(*this, platform.regional),
       addFiles_(state, jobList_, platform.files, icons_, platform.regional, this),
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
       jobWipe_(state, jobList_, platform, *this, statusWindow_, nullptr),
-      SFD1_(jobWipe_),
+      SFD1(jobWipe_),
       commands_({.state = state,
                  .jobList = jobList_,
                  .platform = platform,
@@ -75,7 +75,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .jobWipe = jobWipe_,
                  .folderDialog = *this,
                  .windows = *this}) {
-  jobWipe_.SetEngine(&SFD1_);
+  jobWipe_.SetEngine(&SFD1);
   jobList_.SetView(this);
 
   DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };
@@ -119,10 +119,10 @@ void frmMain::Load() {
   state_.SecondInstance = false;
   state_.AppFolder = AppFolderFrom(platform_.process.ApplicationPath());
 
-  const LoadedSettings loaded = LoadSettings(platform_.files, platform_.registry, state_.AppFolder);
+  const LoadedSettings loaded = LoadSettings(dataFolder_, platform_.registry);
   state_.Settings = loaded.settings;
   state_.Placement = loaded.placement;
-  FirstRun_ = loaded.firstRun;
+  FirstRun = loaded.firstRun;
   RestoreWindowPlacement();
   LoadBarLayout();
 
@@ -133,7 +133,7 @@ void frmMain::Load() {
   state_.CurrentJobName = "";
   state_.JobSaved = true;
   state_.LastWiping = "N/A";
-  EnsureDataFolders(platform_.files, state_.AppFolder);
+  EnsureDataFolders(dataFolder_);
   commands_.UpdateTools();
   dropTarget_.Register(ListView1.Handle(),
                        [this](const DroppedPaths& paths) { ListView1_OLEDragDrop(paths); });
@@ -156,8 +156,8 @@ void frmMain::Show() {
 }
 
 void frmMain::LoadBarLayout() {
-  const std::string path = state_.AppFolder + kBarLayoutFile;
-  if (ItemExists(platform_.files, kItemIsFile, path)) DockStudio1.LoadLayout(platform_.files, path);
+  if (dataFolder_.HasFile(kBarLayoutFile))
+    DockStudio1.LoadLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
 }
 
 void frmMain::SetDesignSize() {
@@ -207,15 +207,15 @@ void frmMain::Unloaded() {
   dropTarget_.Revoke();
   if (state_.Settings.Maximize != 1) state_.Placement = CurrentPlacement();
   if (!state_.SecondInstance) {
-    WriteSettings(platform_.files, state_.AppFolder, state_.Settings);
-    WritePlacement(platform_.files, state_.AppFolder, state_.Placement);
-    DockStudio1.SaveLayout(platform_.files, state_.AppFolder + kBarLayoutFile);
+    WriteSettings(dataFolder_, state_.Settings);
+    WritePlacement(dataFolder_, state_.Placement);
+    DockStudio1.SaveLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
   }
   platform_.process.End();
 }
 
 void frmMain::Activated() {
-  if (FirstRun_ && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
+  if (FirstRun && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
 }
 
 std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -246,8 +246,8 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
       if (wParam) Unloaded();
       return 0;
     case kShowWelcome:
-      if (FirstRun_) {
-        FirstRun_ = false;  // before the window runs: each activation asks again
+      if (FirstRun) {
+        FirstRun = false;  // before the window runs: each activation asks again
         Default<frmWelcome>::Touch().ShowModal(Handle());
       }
       return 0;
@@ -310,7 +310,7 @@ void frmMain::MeasureSmallIcon(const std::string& key, std::uint32_t flags) {
   SHFILEINFOA info{};
   const auto images = reinterpret_cast<HIMAGELIST>(
       ::SHGetFileInfoA(key.c_str(), 0, &info, sizeof info, SHGFI_SYSICONINDEX | flags));
-  if (images) ::ImageList_GetIconSize(images, &IconWidth_, &IconHeight_);
+  if (images) ::ImageList_GetIconSize(images, &IconWidth, &IconHeight);
 }
 
 void frmMain::DrawFileIcon(const std::string& key, std::uint32_t flags) {

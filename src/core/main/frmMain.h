@@ -13,6 +13,7 @@
 #include "controls/ListView.h"
 #include "core/main/Commands.h"
 #include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "core/state/MainWindow.h"
 #include "jobs/AddFiles.h"
 #include "jobs/FileIcons.h"
@@ -96,22 +97,23 @@ class frmMain final : public Form,
 
   AppState& state_;
   Platform& platform_;
+  DataFolder dataFolder_;
   JobList jobList_;
   FileIcons icons_;
   AddFiles addFiles_;
   JobLifecycle jobLifecycle_;
   StatusWindow statusWindow_;
   JobWipe jobWipe_;
-  SFD1 SFD1_;
+  zq::SFD1 SFD1;
   Commands commands_;
   ImageList ImageList3;
   UniqueIcon drawnIcon_;  // what Picture2, the drawing surface of the icon cache, holds
-  int IconWidth_ = 0;
-  int IconHeight_ = 0;
+  int IconWidth = 0;
+  int IconHeight = 0;
   DropTarget dropTarget_;
   UniqueIcon smallWindowIcon_;
   UniqueIcon largeWindowIcon_;
-  bool FirstRun_ = false;  // the welcome is still owed
+  bool FirstRun = false;  // the welcome is still owed
   bool maximiseAtShow_ = false;
   bool shown_ = false;
   bool rowsPending_ = false;  // the list control hasn't been told the number of rows yet

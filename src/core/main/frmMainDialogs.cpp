@@ -39,7 +39,7 @@ void frmMain::ShowEdit(const JobRow& row) {
   frmEdit& form = Default<frmEdit>::Touch();
   form.lblFolder.SetText(row.NameAndLocation);
   form.txtMask.SetText(row.FolderMask);
-  form.chkSub.SetValue(row.SubFolders == "Yes" ? 1 : 0);
+  form.chkSub.SetValue(row.SubFolders == kYes ? 1 : 0);
   form.ShowModal(Handle());
 }
 

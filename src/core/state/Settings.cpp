@@ -4,8 +4,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "core/state/ItemExists.h"
-#include "platform/Files.h"
+#include "core/state/DataFolder.h"
 #include "platform/NumberFormat.h"
 #include "platform/Registry.h"
 #include "platform/RunTimeError.h"
@@ -110,24 +109,22 @@ bool ManagerIsRegistered(Registry& registry) {
 }
 
 // A placement file that isn't there yet is made, without content, and reads as no placement saved.
-WindowPlacement ReadPlacement(Files& files, const std::string& appFolder) {
-  const std::string path = appFolder + kPlacementFile;
-  if (!ItemExists(files, kItemIsFile, path)) files.Write(path, {});
-  const std::string bytes = files.Read(path);
+WindowPlacement ReadPlacement(const DataFolder& folder) {
+  if (!folder.HasFile(kPlacementFile)) folder.Write(kPlacementFile, {});
+  const std::string bytes = folder.Read(kPlacementFile);
   return bytes.empty() ? WindowPlacement{} : DecodePlacement(bytes);
 }
 
 // Puts the defaults in place and writes both files. The folder of the last files isn't among the
 // defaults: it stays as it is in memory.
-void SetDefaults(Files& files, const std::string& appFolder, std::int16_t explorerManager,
-                 LoadedSettings& loaded) {
+void SetDefaults(const DataFolder& folder, std::int16_t explorerManager, LoadedSettings& loaded) {
   SettingsRecord defaults;
   defaults.LastFilesFolder = loaded.settings.LastFilesFolder;
   defaults.ExplorerManager = explorerManager;
   loaded.settings = defaults;
   loaded.placement = {};
-  WriteSettings(files, appFolder, loaded.settings);
-  WritePlacement(files, appFolder, loaded.placement);
+  WriteSettings(folder, loaded.settings);
+  WritePlacement(folder, loaded.placement);
 }
 
 }  // namespace
@@ -148,31 +145,31 @@ WindowPlacement DecodePlacement(std::string_view bytes) {
   return Decode<WindowPlacement>(bytes, kPlacementBytes);
 }
 
-LoadedSettings LoadSettings(Files& files, Registry& registry, const std::string& appFolder) {
+LoadedSettings LoadSettings(const DataFolder& folder, Registry& registry) {
   LoadedSettings loaded;
   const std::int16_t explorerManager = ManagerIsRegistered(registry) ? 1 : 0;
   try {
-    if (!ItemExists(files, kItemIsFile, appFolder + kSettingsFile)) {
-      SetDefaults(files, appFolder, explorerManager, loaded);
+    if (!folder.HasFile(kSettingsFile)) {
+      SetDefaults(folder, explorerManager, loaded);
     } else {
-      loaded.settings = DecodeSettings(files.Read(appFolder + kSettingsFile));
+      loaded.settings = DecodeSettings(folder.Read(kSettingsFile));
       loaded.settings.ExplorerManager = explorerManager;
-      loaded.placement = ReadPlacement(files, appFolder);
+      loaded.placement = ReadPlacement(folder);
     }
-    loaded.firstRun = !ItemExists(files, kItemIsFile, appFolder + kFirstRunMarker);
+    loaded.firstRun = !folder.HasFile(kFirstRunMarker);
   } catch (const RunTimeError&) {
     // `firstRun` stays false: no welcome on top of a failure.
-    SetDefaults(files, appFolder, explorerManager, loaded);
+    SetDefaults(folder, explorerManager, loaded);
   }
   return loaded;
 }
 
-void WriteSettings(Files& files, const std::string& appFolder, const SettingsRecord& settings) {
-  files.Write(appFolder + kSettingsFile, EncodeSettings(settings));
+void WriteSettings(const DataFolder& folder, const SettingsRecord& settings) {
+  folder.Write(kSettingsFile, EncodeSettings(settings));
 }
 
-void WritePlacement(Files& files, const std::string& appFolder, const WindowPlacement& placement) {
-  files.Write(appFolder + kPlacementFile, EncodePlacement(placement));
+void WritePlacement(const DataFolder& folder, const WindowPlacement& placement) {
+  folder.Write(kPlacementFile, EncodePlacement(placement));
 }
 
 WindowPlacement PlacementFrom(double widthTwips, double heightTwips, double leftTwips, double topTwips) {

@@ -9,7 +9,7 @@
 
 namespace zq {
 
-class Files;
+class DataFolder;
 class Registry;
 
 inline constexpr std::size_t kFolderTextBytes = 150;
@@ -64,10 +64,10 @@ struct LoadedSettings {
 
 // Reads both files, creating them with defaults on a first run. A failure puts the defaults in their
 // place and writes both files again; a failure of that is raised.
-LoadedSettings LoadSettings(Files& files, Registry& registry, const std::string& appFolder);
+LoadedSettings LoadSettings(const DataFolder& folder, Registry& registry);
 
-void WriteSettings(Files& files, const std::string& appFolder, const SettingsRecord& settings);
-void WritePlacement(Files& files, const std::string& appFolder, const WindowPlacement& placement);
+void WriteSettings(const DataFolder& folder, const SettingsRecord& settings);
+void WritePlacement(const DataFolder& folder, const WindowPlacement& placement);
 
 // The window's extents in twips as a record, rounded. Raises Overflow outside 16 bits.
 WindowPlacement PlacementFrom(double widthTwips, double heightTwips, double leftTwips, double topTwips);

@@ -16,24 +16,6 @@ TEST(Shown, MakesVisibleWhatATerminalWouldActUpon) {
   EXPECT_EQ(Shown("C:\\a"), "C:\\a");
 }
 
-TEST(Shown, TakesForACharacterOnlyWhatIsValid) {
-  const auto isValid = [](std::string_view text) {
-    const Character character = FirstCharacter(text);
-    return character.isValid && character.sizeBytes == text.size();
-  };
-  for (const char* text : {"a", "\xC2\x80", "\xDF\xBF", "\xE0\xA0\x80", "\xEF\xBF\xBD", "\xF0\x90\x80\x80",
-                           "\xF4\x8F\xBF\xBF"}) {
-    EXPECT_TRUE(isValid(text)) << text;
-  }
-  for (const char* text :
-       {"\x80", "\xC0\x80", "\xC1\xBF", "\xC3", "\xC3(", "\xE0\x80\x80", "\xE2\x82", "\xED\xA0\x80",
-        "\xF0\x80\x80\x80", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"}) {
-    EXPECT_FALSE(FirstCharacter(text).isValid) << text;
-    EXPECT_EQ(FirstCharacter(text).sizeBytes, 1u);
-  }
-  EXPECT_EQ(FirstCharacter("\xF0\x9F\x98\x80").value, U'\U0001F600');
-}
-
 TEST(Shown, IsShortenedAtItsFront) {
   EXPECT_EQ(Shortened("abcdef", 6), "abcdef");
   EXPECT_EQ(Shortened("abcdefg", 6), "...efg");

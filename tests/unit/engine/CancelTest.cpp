@@ -25,7 +25,8 @@ Clock::Time TimeToStop(EngineRig& rig, Clock::Time clickAt, const Run& run) {
   std::size_t eventsAfter = 0;
   rig.events.onEvent = [&](const Event& event) {
     // What goes together with the file of this event is told too.
-    const bool tellsAnEnd = event.kind == "wiped" || (event.total > 0 && event.done == event.total);
+    const bool tellsAnEnd =
+        event.kind == "wiped" || event.kind == "end" || (event.total > 0 && event.done == event.total);
     if (cancelled && !tellsAnEnd) ++eventsAfter;
     if (!cancelled && rig.clock.Now() >= click) {
       cancelled = true;

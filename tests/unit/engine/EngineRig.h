@@ -11,12 +11,15 @@
 namespace zq::engine::test {
 
 struct Event {
-  std::string kind;  // "progress", "error", "wiped", "space"
-  std::string name;  // or the error's text
+  // "progress"; "wiped", a file; "error", of an item or of the operation; "end", of every item; "space"
+  std::string kind;
+  std::string name;  // or the error's text; of an end the path
   std::int32_t done = 0;
   std::int32_t total = 0;
   std::int32_t percent = 0;  // or the error's code
   Clock::Time at{};
+  Item item = {};
+  ItemEnd end = {};
 };
 
 class RecordedEvents final : public EngineEvents {
@@ -35,13 +38,19 @@ class RecordedEvents final : public EngineEvents {
   }
 
   void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
-                    const std::string& itemName) override {
-    Add({"progress", itemName, bytesDone, bytesTotal, percent, clock_.Now()});
+                    const Item& item) override {
+    Add({"progress", item.name, bytesDone, bytesTotal, percent, clock_.Now(), item});
+  }
+  void ItemEnded(const Item& item, const ItemEnd& end) override {
+    Add({"end", item.path, 0, 0, end.errorCode, clock_.Now(), item, end});
+    if (end.outcome == Outcome::Wiped && item.kind == ItemKind::File) {
+      Add({"wiped", item.name, 0, 0, 0, clock_.Now(), item, end});
+    }
+    if (end.errorCode != 0) Add({"error", end.text, 0, 0, end.errorCode, clock_.Now(), item, end});
   }
   void WipeError(std::int32_t errorCode, const std::string& errorText) override {
     Add({"error", errorText, 0, 0, errorCode, clock_.Now()});
   }
-  void ItemWiped(const std::string& itemName) override { Add({"wiped", itemName, 0, 0, 0, clock_.Now()}); }
   void FreeSpaceProgress(const std::string& itemName, std::int32_t percent, std::int32_t kbDone,
                          std::int32_t kbTotal) override {
     Add({"space", itemName, kbDone, kbTotal, percent, clock_.Now()});

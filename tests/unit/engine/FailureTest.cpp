@@ -16,6 +16,7 @@ TEST(Failure, IsOneLineWithoutDoubleQuotes) {
   const Failure failure =
       MakeFailure("Opening", "/a \"b\"\n/c\x7F", {Trouble::Other, 7, "It\ris\n\r\n\"bad\"\t\x01now"});
   EXPECT_EQ(failure.text, "Opening /a 'b' /c : It is 'bad' now (7)");
+  EXPECT_EQ(failure.reason, "Opening: It is 'bad' now (7)");
 }
 
 TEST(Failure, KeepsTextThatIsNotAscii) {
@@ -33,6 +34,7 @@ TEST(Failure, GivesAReasonAndACodeEvenIfTheSystemGivesNone) {
 TEST(Failure, TellsARefusalWithoutANumber) {
   const Failure failure = MakeFailure("Opening", "/x", Status::Refusal("it is a link"));
   EXPECT_EQ(failure.text, "Opening /x: it is a link");
+  EXPECT_EQ(failure.reason, "Opening: it is a link");
   EXPECT_EQ(failure.code, kEngineErrorCode);
 }
 

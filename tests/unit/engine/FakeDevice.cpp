@@ -290,6 +290,12 @@ class FakeFolder final : public Folder {
   }
   ~FakeFolder() override { --device_.openHandles; }
 
+  Status Identity(EntryId& id) override {
+    if (Status status = device_.Begin("identity", path_); !status.Ok()) return status;
+    id = {{1, {node_->number, 0}}, node_->mount};
+    return {};
+  }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     if (Status status = device_.Begin("list", path_); !status.Ok()) return status;
@@ -490,6 +496,7 @@ std::shared_ptr<Node> FakeDevice::MakeFolder(const std::string& path) {
     if (!child) {
       child = std::make_shared<Node>();
       child->kind = EntryKind::Folder;
+      child->number = nextNumber_++;
     }
     node = child;
   }
@@ -553,6 +560,14 @@ std::uint64_t FakeDevice::UsedBytes() const {
 std::size_t FakeDevice::Count(const std::string& kind) const {
   return static_cast<std::size_t>(
       std::count_if(ops.begin(), ops.end(), [&](const Op& op) { return op.ok && op.kind == kind; }));
+}
+
+Status FakeDevice::Identify(const std::string& path, EntryId& id) {
+  if (Status status = Begin("identify", path); !status.Ok()) return status;
+  const std::shared_ptr<Node> node = Find(path);
+  if (!node) return NotFound();
+  id = {{1, {node->number, 0}}, node->mount};
+  return {};
 }
 
 Status FakeDevice::OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) {

@@ -53,7 +53,8 @@ struct Node {
   std::string notInPlace;
   bool readOnly = false;
   bool dated = false;
-  std::uint64_t number = 0;  // no two files have the same
+  std::uint64_t number = 0;  // no two files have the same, nor two folders
+  std::uint64_t mount = 0;
   std::uint32_t names = 1;
   int openCount = 0;
 };
@@ -115,6 +116,7 @@ class FakeDevice final : public Device {
   std::size_t Count(const std::string& kind) const;
 
   // --- Device ---
+  Status Identify(const std::string& path, EntryId& id) override;
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override;
   Status Split(const std::string& path, std::string& folderPath, std::string& name) const override;
   std::string Join(const std::string& folderPath, const std::string& name) const override;

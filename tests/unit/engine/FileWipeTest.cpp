@@ -379,8 +379,9 @@ TEST(FileProgress, ScalesLengthsThatDontFitIntoThirtyTwoBits) {
        {std::uint64_t{0x7FFFFFFF}, std::uint64_t{0x80000000}, std::uint64_t{5} << 40,
         std::numeric_limits<std::uint64_t>::max() / 16}) {
     rig.events.all.clear();
-    FileProgress progress(operation);
-    progress.Start("big", length, length * 10);
+    const Item item{"/big", "big", ItemKind::File};
+    FileProgress progress(operation, item);
+    progress.Start(length, length * 10);
     for (int tenth = 1; tenth <= 10; ++tenth) {
       rig.clock.Advance(Clock::Time{50'000});
       progress.Worked(length);

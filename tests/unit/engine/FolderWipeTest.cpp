@@ -171,6 +171,27 @@ TEST(FolderWipe, WipesTheStreamsOfAFolderBeforeItGoes) {
   EXPECT_EQ(rig.events.Of("wiped").size(), 5u);
 }
 
+// It stays for something deep in it, and so do all that it holds itself.
+TEST(FolderWipe, LeavesAFolderThatStaysItsStreams) {
+  for (const bool renames : {false, true}) {
+    EngineRig rig;
+    rig.device.renamesOpenFolders = renames;
+    MakeTree(rig.device);
+    rig.device.Find("/safe/docs/deep/deeper/c.txt")->readOnly = true;
+    for (const char* folder : {"/safe/docs", "/safe/docs/deep", "/safe/docs/deep/deeper"}) {
+      auto stream = std::make_shared<Node>();
+      stream->original = stream->written = stream->stored = Secret(3'000);
+      stream->writeCounts.resize(3'000);
+      rig.device.Find(folder)->streams["notes"] = stream;
+    }
+    EXPECT_FALSE(rig.engine.WipeFolder("/safe/docs", 3));
+    for (const char* folder : {"/safe/docs", "/safe/docs/deep", "/safe/docs/deep/deeper"}) {
+      ASSERT_EQ(rig.device.Find(folder)->streams.count("notes"), 1u) << folder;
+      EXPECT_EQ(rig.device.Find(folder)->streams["notes"]->stored, Secret(3'000)) << folder;
+    }
+  }
+}
+
 TEST(FolderWipe, WipesARootButCantRemoveIt) {
   EngineRig rig;
   MakeTree(rig.device);

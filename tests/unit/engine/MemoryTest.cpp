@@ -171,9 +171,9 @@ class MadeUpDevice final : public Device {
 };
 
 struct CountedEvents final : EngineEvents {
-  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const std::string&) override {}
+  void WipeProgress(std::int32_t, std::int32_t, std::int32_t, const Item&) override {}
   void WipeError(std::int32_t, const std::string&) override {}
-  void ItemWiped(const std::string&) override { ++wiped; }
+  void ItemEnded(const Item& item, const ItemEnd&) override { wiped += item.kind == ItemKind::File; }
   void FreeSpaceProgress(const std::string&, std::int32_t, std::int32_t, std::int32_t) override {}
   int wiped = 0;
 };

@@ -104,6 +104,7 @@ class JobFileTest : public testing::Test {
   FileIcons icons{painter, regional};
   test::FakeToolStates tools{log};
   JobFile jobFile{state, jobList, platform, icons, tools};
+  DataFolder dataFolder{files, state};
 };
 
 TEST_F(JobFileTest, StandsOnDiscByteForByte) {
@@ -409,19 +410,19 @@ TEST_F(JobFileTest, MoreRowsThanCanBeSavedAreLoaded) {
 
 TEST_F(JobFileTest, ReadsTheStampAndNothingBehindIt) {
   files.AddFile(kJob, "\"16.11.2026, 04:30\"\r\ngarbage \" \" \"");
-  EXPECT_EQ(ReadJobStamp(files, kJob), "16.11.2026, 04:30");
+  EXPECT_EQ(ReadJobStamp(dataFolder, "Weekly"), "16.11.2026, 04:30");
   files.AddFile(kJob, "yesterday, at noon");
-  EXPECT_EQ(ReadJobStamp(files, kJob), "yesterday");
+  EXPECT_EQ(ReadJobStamp(dataFolder, "Weekly"), "yesterday");
   files.AddFile(kJob, "\r\n");
-  EXPECT_EQ(ReadJobStamp(files, kJob), "");
+  EXPECT_EQ(ReadJobStamp(dataFolder, "Weekly"), "");
   files.AddFile(kJob, "");
-  ExpectRaises(ErrorNumber::InputPastEndOfFile, [this] { ReadJobStamp(files, kJob); });
+  ExpectRaises(ErrorNumber::InputPastEndOfFile, [this] { ReadJobStamp(dataFolder, "Weekly"); });
   files.Delete(kJob);
-  ExpectRaises(ErrorNumber::FileNotFound, [this] { ReadJobStamp(files, kJob); });
+  ExpectRaises(ErrorNumber::FileNotFound, [this] { ReadJobStamp(dataFolder, "Weekly"); });
 }
 
 TEST_F(JobFileTest, ListsTheSavedJobsInTheOrderOfTheFileSystem) {
-  EXPECT_THAT(ListSavedJobs(files, state.AppFolder), IsEmpty());
+  EXPECT_THAT(ListSavedJobs(dataFolder), IsEmpty());
   const std::string folder = "C:\\Zeroquill\\Jobs\\";
   files.AddFile(folder + "b.zqj", "\"N/A\"\r\n");
   files.AddFile(folder + "a.b.ZQJ", "\"11/16/2026 4:30:12 AM\"\r\n\"[FOLDERS]\"\r\n");
@@ -432,7 +433,7 @@ TEST_F(JobFileTest, ListsTheSavedJobsInTheOrderOfTheFileSystem) {
   files.AddFile(folder + "old.zqj.bak", "\"N/A\"");
   files.AddFile(folder + "notes.txt", "\"N/A\"");
   files.AddFolder(folder + "Folder.zqj");
-  EXPECT_THAT(ListSavedJobs(files, state.AppFolder),
+  EXPECT_THAT(ListSavedJobs(dataFolder),
               ElementsAre(SavedJob{"b", "N/A"}, SavedJob{"a.b", "11/16/2026 4:30:12 AM"},
                           SavedJob{"Read only", "no job at all"}, SavedJob{"\u00e9t\u00e9", "N/A"}));
 }
@@ -440,9 +441,9 @@ TEST_F(JobFileTest, ListsTheSavedJobsInTheOrderOfTheFileSystem) {
 TEST_F(JobFileTest, OneSavedJobWithoutAStampFailsTheWholeList) {
   files.AddFile("C:\\Zeroquill\\Jobs\\good.zqj", "\"N/A\"");
   files.AddFile("C:\\Zeroquill\\Jobs\\empty.zqj", "");
-  ExpectRaises(ErrorNumber::InputPastEndOfFile, [this] { ListSavedJobs(files, state.AppFolder); });
+  ExpectRaises(ErrorNumber::InputPastEndOfFile, [this] { ListSavedJobs(dataFolder); });
   files.unreadable.insert("C:\\Zeroquill\\Jobs\\empty.zqj");
-  ExpectRaises(ErrorNumber::PermissionDenied, [this] { ListSavedJobs(files, state.AppFolder); });
+  ExpectRaises(ErrorNumber::PermissionDenied, [this] { ListSavedJobs(dataFolder); });
 }
 
 TEST_F(JobFileTest, AStampLeavesTheDiscAsItIs) {
@@ -450,7 +451,7 @@ TEST_F(JobFileTest, AStampLeavesTheDiscAsItIs) {
   files.AddFile(kJob, bytes);
   state.LastWiping = "11/16/2026 4:30:12 AM";
   state.JobSaved = true;
-  StampJobFile(state, files);
+  StampJobFile(state, dataFolder);
   EXPECT_EQ(JobOnDisc(), bytes);
   EXPECT_FALSE(files.Exists("C:\\Zeroquill\\Jobs\\Weekly.tmp"));
   EXPECT_THAT(log, IsEmpty());
@@ -463,10 +464,10 @@ TEST_F(JobFileTest, AStampLeavesTheDiscAsItIs) {
 
 TEST_F(JobFileTest, AFileThatHappensToHaveTheTemporaryNameIsSafe) {
   files.AddFile("C:\\Zeroquill\\Jobs\\Weekly.tmp", "mine");
-  StampJobFile(state, files);
+  StampJobFile(state, dataFolder);
   EXPECT_EQ(files.Find("C:\\Zeroquill\\Jobs\\Weekly.tmp")->content, "mine");
   files.failEverything = true;
-  StampJobFile(state, files);
+  StampJobFile(state, dataFolder);
   EXPECT_THAT(boxes.shown, IsEmpty());
 }
 

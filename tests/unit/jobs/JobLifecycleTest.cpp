@@ -134,6 +134,7 @@ class JobLifecycleTest : public testing::Test {
   test::FakeToolStates tools{log};
   test::FakeJobDialogs dialogs{log};
   JobLifecycle jobs{state, jobList, platform, icons, tools, dialogs};
+  DataFolder dataFolder{files, state};
 };
 
 // The four ways to leave a job: the question is the same before each. `Leave` gives false if it was called
@@ -494,7 +495,7 @@ TEST_F(JobLifecycleTest, DeleteRemovesTheJobsFileAndNoneOfItsItems) {
   EXPECT_EQ(OnDisc("Weekly"), "none");
   EXPECT_EQ(files.Find("C:\\weekly.doc")->content, "secret");
   ExpectUntitledClean();
-  EXPECT_THAT(ListSavedJobs(files, state.AppFolder),
+  EXPECT_THAT(ListSavedJobs(dataFolder),
               ElementsAre(SavedJob{"Daily", "17.11.2026"}, SavedJob{"Damaged", "N/A"}));
 }
 
@@ -523,7 +524,7 @@ TEST_F(JobLifecycleTest, AJobThatCannotBeDeletedIsClosedAllTheSame) {
 TEST_F(JobLifecycleTest, AfterAWipeACleanJobIsClosedWithoutAQuestionAndItsStampIsLost) {
   Named(false);
   state.LastWiping = "18.11.2026";  // what a wipe leaves behind
-  StampJobFile(state, files);
+  StampJobFile(state, dataFolder);
   jobList.SetSize(1, "0 Bytes");
   jobList.SetGhosted(1, true);
   jobs.CloseJob();
@@ -535,7 +536,7 @@ TEST_F(JobLifecycleTest, AJobThatWasWipedIsListedWithItsStampOnceItIsSaved) {
   Named(false);
   state.LastWiping = "18.11.2026";
   jobs.SaveJob();
-  EXPECT_EQ(ReadJobStamp(files, JobPath("Weekly")), "18.11.2026");
+  EXPECT_EQ(ReadJobStamp(dataFolder, "Weekly"), "18.11.2026");
 }
 
 TEST_F(JobLifecycleTest, ABusyBinKeepsTheProgramOpenWithTheJobClosed) {

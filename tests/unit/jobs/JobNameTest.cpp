@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "jobs/JobName.h"
 #include "support/ExpectRaises.h"
 #include "support/fakes/FakeFiles.h"
@@ -21,12 +23,14 @@ JobNameVerdict VerdictOn(const std::string& nameText) {
   files.AddFile("C:\\Zeroquill\\Jobs\\System.zqj", "", kAttributeSystem);
   files.AddFolder("C:\\Zeroquill\\Jobs\\Folder.zqj");
   files.AddFile("C:\\Zeroquill\\Elsewhere.zqj");
-  return VerdictOnJobName(files, kAppFolder, nameText);
+  AppState state;
+  state.AppFolder = kAppFolder;
+  return VerdictOnJobName(DataFolder(files, state), nameText);
 }
 
-TEST(JobName, MakesThePathOfTheJobsFile) {
-  EXPECT_EQ(JobFilePath(kAppFolder, "Weekly"), "C:\\Zeroquill\\Jobs\\Weekly.zqj");
-  EXPECT_EQ(JobFilePath("D:\\", "a.b"), "D:\\Jobs\\a.b.zqj");
+TEST(JobName, NamesTheJobsFile) {
+  EXPECT_EQ(JobFileName("Weekly"), "Jobs\\Weekly.zqj");
+  EXPECT_EQ(JobFileName("a.b"), "Jobs\\a.b.zqj");
 }
 
 TEST(JobName, RefusesNineCharactersAnywhere) {

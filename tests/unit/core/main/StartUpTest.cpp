@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include "core/main/StartUp.h"
+#include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "support/fakes/FakeFiles.h"
 
 namespace zq {
@@ -11,7 +13,14 @@ using test::FakeFiles;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const std::string kAppFolder = "C:\\Zeroquill\\";
+class EnsureDataFoldersTest : public testing::Test {
+ protected:
+  EnsureDataFoldersTest() { state.AppFolder = "C:\\Zeroquill\\"; }
+
+  FakeFiles files;
+  AppState state;
+  DataFolder folder{files, state};
+};
 
 TEST(AppFolderFrom, EndsInExactlyOneBackslash) {
   EXPECT_EQ(AppFolderFrom("C:\\Zeroquill"), "C:\\Zeroquill\\");
@@ -21,29 +30,26 @@ TEST(AppFolderFrom, EndsInExactlyOneBackslash) {
   EXPECT_EQ(AppFolderFrom("\\\\server\\share"), "\\\\server\\share\\");
 }
 
-TEST(EnsureDataFolders, CreatesBothInOrder) {
-  FakeFiles files;
+TEST_F(EnsureDataFoldersTest, CreatesBothInOrder) {
   files.AddFolder("C:\\Zeroquill");
-  EnsureDataFolders(files, kAppFolder);
+  EnsureDataFolders(folder);
   EXPECT_THAT(files.log, ElementsAre("folder C:\\Zeroquill\\Jobs\\", "folder C:\\Zeroquill\\Report\\"));
   EXPECT_TRUE(files.Exists("C:\\Zeroquill\\Jobs"));
   EXPECT_TRUE(files.Exists("C:\\Zeroquill\\Report"));
 }
 
-TEST(EnsureDataFolders, LeavesFoldersThatAreThere) {
-  FakeFiles files;
+TEST_F(EnsureDataFoldersTest, LeavesFoldersThatAreThere) {
   files.AddFolder("C:\\Zeroquill\\Jobs");
-  EnsureDataFolders(files, kAppFolder);
+  EnsureDataFolders(folder);
   EXPECT_THAT(files.log, ElementsAre("folder C:\\Zeroquill\\Report\\"));
   files.log.clear();
-  EnsureDataFolders(files, kAppFolder);
+  EnsureDataFolders(folder);
   EXPECT_THAT(files.log, IsEmpty());
 }
 
-TEST(EnsureDataFolders, TriesTheSecondAfterTheFirstHasFailed) {
-  FakeFiles files;
+TEST_F(EnsureDataFoldersTest, TriesTheSecondAfterTheFirstHasFailed) {
   files.failEverything = true;
-  EnsureDataFolders(files, kAppFolder);
+  EnsureDataFolders(folder);
   EXPECT_THAT(files.log, ElementsAre("folder C:\\Zeroquill\\Jobs\\", "folder C:\\Zeroquill\\Report\\"));
 }
 

@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "core/state/Settings.h"
 #include "support/ExpectRaises.h"
 #include "support/fakes/FakeFiles.h"
@@ -39,14 +41,17 @@ SettingsRecord EachFieldDifferent() {
 
 class LoadSettingsTest : public testing::Test {
  protected:
-  LoadSettingsTest() { files.AddFolder("C:\\Zeroquill"); }
+  LoadSettingsTest() {
+    files.AddFolder("C:\\Zeroquill");
+    state.AppFolder = kAppFolder;
+  }
 
   void Register(const std::string& command, std::uint32_t type = kRegistryString) {
     registry.Set(RegistryHive::LocalMachine, "Software\\Microsoft\\Windows\\CurrentVersion\\Run",
                  "Zeroquill Explorer Manager", {type, command});
   }
 
-  LoadedSettings Load() { return LoadSettings(files, registry, kAppFolder); }
+  LoadedSettings Load() { return LoadSettings(folder, registry); }
 
   const std::string& Content(const std::string& path) { return files.Find(path)->content; }
 
@@ -57,6 +62,8 @@ class LoadSettingsTest : public testing::Test {
 
   FakeFiles files;
   FakeRegistry registry;
+  AppState state;
+  DataFolder folder{files, state};
 };
 
 TEST(SettingsRecord, StandsInTheFileByteForByte) {
@@ -294,8 +301,8 @@ TEST_F(LoadSettingsTest, RaisesAFailureOfTheSecondWriting) {
 TEST_F(LoadSettingsTest, ReadsBackWhatWasWritten) {
   SettingsRecord settings = EachFieldDifferent();
   settings.ExplorerManager = 0;
-  WriteSettings(files, kAppFolder, settings);
-  WritePlacement(files, kAppFolder, {1, -2, 3, -4});
+  WriteSettings(folder, settings);
+  WritePlacement(folder, {1, -2, 3, -4});
   const LoadedSettings loaded = Load();
   EXPECT_EQ(loaded.settings, settings);
   EXPECT_EQ(loaded.placement, (WindowPlacement{1, -2, 3, -4}));
@@ -303,8 +310,8 @@ TEST_F(LoadSettingsTest, ReadsBackWhatWasWritten) {
 
 TEST_F(LoadSettingsTest, RaisesWhatStopsAWriting) {
   files.unwritable = {kSettingsPath, kPlacementPath};
-  ExpectRaises(ErrorNumber::PathFileAccessError, [&] { WriteSettings(files, kAppFolder, {}); });
-  ExpectRaises(ErrorNumber::PathFileAccessError, [&] { WritePlacement(files, kAppFolder, {}); });
+  ExpectRaises(ErrorNumber::PathFileAccessError, [&] { WriteSettings(folder, {}); });
+  ExpectRaises(ErrorNumber::PathFileAccessError, [&] { WritePlacement(folder, {}); });
 }
 
 }  // namespace

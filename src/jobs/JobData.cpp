@@ -1,0 +1,53 @@
+#include "jobs/JobData.h"
+
+#include <utility>
+
+#include "platform/FieldReader.h"
+
+namespace zq {
+namespace {
+
+constexpr const char* kFoldersMark = "[FOLDERS]";
+constexpr const char* kFilesMark = "[FILES]";
+
+}  // namespace
+
+std::string EncodeJob(const JobData& job) {
+  std::string bytes = QuotedLine(job.lastWiping) + QuotedLine(kFoldersMark);
+  for (const JobFolder& folder : job.folders) {
+    bytes += QuotedLine(folder.path);
+    bytes += QuotedLine(folder.mask);
+    bytes += QuotedLine(folder.subFolders);
+  }
+  bytes += QuotedLine(kFilesMark);
+  for (const std::string& file : job.files) bytes += QuotedLine(file);
+  return bytes;
+}
+
+JobData DecodeJob(std::string_view bytes) {
+  JobData job;
+  FieldReader reader(bytes);
+  job.lastWiping = reader.Next();
+  reader.Next();  // the folders' mark: its place makes it that, whatever it says
+
+  bool inFolders = true;
+  while (!reader.AtEnd()) {
+    std::string field = reader.Next();
+    if (field == kFilesMark) {
+      inFolders = false;
+    } else if (inFolders) {
+      std::string mask = reader.Next();
+      std::string subFolders = reader.Next();
+      job.folders.push_back({std::move(field), std::move(mask), std::move(subFolders)});
+    } else {
+      job.files.push_back(std::move(field));
+    }
+  }
+  return job;
+}
+
+std::string DecodeJobStamp(std::string_view bytes) {
+  return FieldReader(bytes).Next();
+}
+
+}  // namespace zq

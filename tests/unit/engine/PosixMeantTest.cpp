@@ -1,0 +1,144 @@
+// How Linux tells what a path leads to, and what was put in its place or over it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mount.h>
+
+#include <filesystem>
+#include <string>
+
+#include "unit/engine/RealEngine.h"
+#include "unit/engine/Scratch.h"
+
+namespace zq::engine::test {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+
+// One part of the tree, to be seen in another place as well.
+class BindMount {
+ public:
+  BindMount(const fs::path& what, const fs::path& where) : where_(where) {
+    mounted_ = ::mount(what.c_str(), where.c_str(), nullptr, MS_BIND, nullptr) == 0;
+  }
+  BindMount(const BindMount&) = delete;
+  BindMount& operator=(const BindMount&) = delete;
+  ~BindMount() {
+    if (mounted_) ::umount2(where_.c_str(), MNT_DETACH);
+  }
+  bool IsMounted() const { return mounted_; }
+
+ private:
+  fs::path where_;
+  bool mounted_ = false;
+};
+
+EntryId IdOf(const fs::path& path) {
+  EntryId id;
+  const Status status = MakeSystemDevice()->Identify(Utf8(path), id);
+  EXPECT_TRUE(status.Ok()) << status.text;
+  return id;
+}
+
+TEST(PosixMeant, IsTheSameForAllNamesOfAFileAndForNoOther) {
+  const Scratch scratch;
+  WriteBytes(scratch / "a", "text");
+  WriteBytes(scratch / "b", "text");
+  fs::create_hard_link(scratch / "a", scratch / "c");
+  EXPECT_EQ(IdOf(scratch / "a"), IdOf(scratch / "c"));
+  EXPECT_NE(IdOf(scratch / "a"), IdOf(scratch / "b"));
+  EXPECT_NE(IdOf(scratch / "a"), IdOf(scratch.Path()));
+}
+
+TEST(PosixMeant, OfALinkIsTheLinkItself) {
+  const Scratch scratch;
+  WriteBytes(scratch / "a", "text");
+  fs::create_symlink("a", scratch / "link");
+  EXPECT_NE(IdOf(scratch / "a"), IdOf(scratch / "link"));
+}
+
+TEST(PosixMeant, OfWhatIsNotThereIsAFailure) {
+  const Scratch scratch;
+  EntryId id;
+  EXPECT_EQ(MakeSystemDevice()->Identify(Utf8(scratch / "none"), id).trouble, Trouble::NotFound);
+}
+
+// The inode's number can be given to the next file at once.
+TEST(PosixMeant, IsNotAFileThatWasMadeInItsPlace) {
+  const Scratch scratch;
+  WriteBytes(scratch / "a", "what was agreed to");
+  const EntryId meant = IdOf(scratch / "a");
+  fs::remove(scratch / "a");
+  WriteBytes(scratch / "a", "another");
+  RealEngine real;
+  EXPECT_FALSE(real.engine.WipeFile(Utf8(scratch / "a"), 3, &meant));
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("something else is there now"));
+  EXPECT_EQ(ReadBytes(scratch / "a"), "another");
+}
+
+TEST(PosixMeant, IsFoundAgainWhereItWasLeft) {
+  const Scratch scratch;
+  fs::create_directory(scratch / "top");
+  WriteBytes(scratch / "top/a", "text");
+  WriteBytes(scratch / "b", "text");
+  const EntryId top = IdOf(scratch / "top");
+  const EntryId b = IdOf(scratch / "b");
+  RealEngine real;
+  EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3, &top)) << real.engine.LastErrorText();
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "b"), 3, &b)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+}
+
+// As in an attack: while the question stands, a folder on the way becomes a link to another one.
+TEST(PosixMeant, IsNotWhatAFolderThatBecameALinkLeadsTo) {
+  const Scratch scratch;
+  fs::create_directories(scratch / "way/top");
+  fs::create_directories(scratch / "other/top");
+  WriteBytes(scratch / "way/top/file", "agreed to");
+  WriteBytes(scratch / "other/top/file", "precious");
+  const EntryId file = IdOf(scratch / "way/top/file");
+  const EntryId folder = IdOf(scratch / "way/top");
+  fs::rename(scratch / "way", scratch / "moved");
+  fs::create_symlink("other", scratch / "way");
+  RealEngine real;
+  EXPECT_FALSE(real.engine.WipeFile(Utf8(scratch / "way/top/file"), 3, &file));
+  EXPECT_FALSE(real.engine.WipeFolder(Utf8(scratch / "way/top"), 3, &folder));
+  EXPECT_FALSE(real.engine.WipeFolderFiles(Utf8(scratch / "way/top"), "*.*", true, 3, &folder));
+  EXPECT_EQ(ReadBytes(scratch / "other/top/file"), "precious");
+}
+
+TEST(PosixMounts, OfTheSameFileSystemInsideATreeAreKept) {
+  const Scratch scratch;
+  fs::create_directories(scratch / "home");
+  fs::create_directories(scratch / "top/home");
+  WriteBytes(scratch / "home/file", "precious");
+  WriteBytes(scratch / "top/file", "secret");
+  const BindMount mount(scratch / "home", scratch / "top/home");
+  if (!mount.IsMounted()) GTEST_SKIP() << "no right to mount";
+  RealEngine real;
+  EXPECT_FALSE(real.engine.WipeFolder(Utf8(scratch / "top"), 3));
+  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("a folder from elsewhere is mounted there"));
+  EXPECT_EQ(ReadBytes(scratch / "home/file"), "precious");
+  EXPECT_FALSE(fs::exists(scratch / "top/file"));
+}
+
+TEST(PosixMounts, OfAFileOverAnotherAreKept) {
+  const Scratch scratch;
+  fs::create_directories(scratch / "top");
+  WriteBytes(scratch / "precious", "precious");
+  WriteBytes(scratch / "top/file", "secret");
+  {
+    const BindMount mount(scratch / "precious", scratch / "top/file");
+    if (!mount.IsMounted()) GTEST_SKIP() << "no right to mount";
+    RealEngine real;
+    EXPECT_FALSE(real.engine.WipeFolder(Utf8(scratch / "top"), 3));
+    EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("another file is mounted over it"));
+    EXPECT_FALSE(real.engine.WipeFile(Utf8(scratch / "top/file"), 3));
+    EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("another file is mounted over it"));
+  }
+  EXPECT_EQ(ReadBytes(scratch / "precious"), "precious");
+  EXPECT_EQ(ReadBytes(scratch / "top/file"), "secret");
+}
+
+}  // namespace
+}  // namespace zq::engine::test
