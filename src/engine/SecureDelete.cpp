@@ -200,11 +200,10 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
 bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
                              std::int32_t level) noexcept {
   return Run(folderPath, level, [&](Operation& operation) {
-    auto place = std::make_shared<Place>();
-    place->path = folderPath;
+    std::shared_ptr<Place> place;
     EntryId folder;
     try {
-      Require(device_.OpenFolder(folderPath, place->folder), "Opening", folderPath);
+      place = PlaceAt(folderPath);
       Require(place->folder->Identity(folder), "Opening", folderPath);
     } catch (const Failure& failure) {
       for (const NamedFile& file : files) {
@@ -225,9 +224,6 @@ bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const Name
       batch.AddFile(place, file.name, file.path);
     }
     batch.Run();
-    if (!batch.HasRemoved()) return;
-    CoverNames(operation, *place->folder, folderPath);
-    operation.ClearTraces(*place->folder, folderPath);
   });
 }
 

@@ -26,7 +26,7 @@ case_grows_all_the_time() {
   # Held open, as a program holds its log.
   (while :; do echo new; done) >>"$top/file" 2>/dev/null &
   writer=$!
-  sleep 0.05
+  until (($(stat -c %s "$top/file") > 50000)); do kill -0 "$writer" || break; done
   wipe "$top"
   kill "$writer" 2>/dev/null || true
   wait "$writer" 2>/dev/null || true

@@ -50,9 +50,9 @@ TEST(DataFolder, FailsAsTheFilesDo) {
   EXPECT_FALSE(folder.MakeFolder("Jobs")) << "it is there";
   EXPECT_FALSE(folder.Remove("Jobs\\a.zqj"));
   EXPECT_FALSE(folder.FindEntry("Jobs\\a.zqj").has_value());
-  EXPECT_FALSE(folder.List("Jobs\\*.zqj", [](const FileEntry&) {}));
+  EXPECT_EQ(folder.List("Jobs\\*.zqj", [](const FileEntry&) {}), ListEnd::NothingFound);
   files.AddFile("C:\\Zeroquill\\Jobs\\a.zqj", "");
-  EXPECT_TRUE(folder.List("Jobs\\*.zqj", [](const FileEntry&) {}));
+  EXPECT_EQ(folder.List("Jobs\\*.zqj", [](const FileEntry&) {}), ListEnd::Complete);
   test::ExpectRaises(ErrorNumber::FileNotFound, [&] { folder.Read("Jobs\\b.zqj"); });
 }
 
