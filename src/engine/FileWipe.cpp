@@ -25,7 +25,8 @@ std::uint64_t Extent(const FileInfo& info, const std::string& path) {
   if (bytes > std::numeric_limits<std::uint64_t>::max() - cluster) {
     throw MakeFailure("Opening", path, "its length can't be right");
   }
-  return bytes + (cluster - rest);
+  const std::uint64_t whole = bytes + (cluster - rest);
+  return info.mostBytes == 0 ? whole : std::max(bytes, std::min(whole, info.mostBytes));
 }
 
 // Opens a file or a stream in the way that fits it, and learns how much of it there is to cover.

@@ -1,17 +1,11 @@
 // Where on the device a file's content lies.
 #pragma once
 
-#include <cstdint>
 #include <vector>
 
-namespace zq::engine {
+#include "engine/Placement.h"
 
-// A part of a file's content, and where on the device it lies.
-struct Piece {
-  std::uint64_t offsetBytes = 0;
-  std::uint64_t placeBytes = 0;
-  std::uint64_t sizeBytes = 0;
-};
+namespace zq::engine {
 
 struct Placement {
   std::vector<Piece> pieces;  // in the order of their offsets; empty where the file system doesn't tell
@@ -21,9 +15,5 @@ struct Placement {
 };
 
 Placement PlacementOf(int fd);
-
-// Whether all that lay in `before`, up to the end of the content, lies in the same places now. The pieces may
-// be cut otherwise.
-bool LiesWhereItLay(const std::vector<Piece>& before, const std::vector<Piece>& now, std::uint64_t endBytes);
 
 }  // namespace zq::engine

@@ -452,7 +452,18 @@ class FakeQueue final : public TransferQueue {
     Begin(file, tag, [&file, offset, data](std::size_t& done) { return file.Read(offset, data, done); });
   }
 
+  bool WaitFor(std::chrono::milliseconds limit, Ended& ended) override {
+    if (device_.answersNoMore) {
+      device_.clock_.Advance(limit);
+      return false;
+    }
+    ended = Wait();
+    return true;
+  }
+  void GiveUp() override { device_.answersNoMore = false; }
+
   Ended Wait() override {
+    if (device_.answersNoMore) device_.violations.push_back("waited for a device that doesn't answer");
     const Transfer transfer = std::move(transfers_.back());
     transfers_.pop_back();
     if (--device_.underWay_[transfer.file] == 0) device_.underWay_.erase(transfer.file);

@@ -96,6 +96,7 @@ class FakeDevice final : public Device {
   bool writesWhatFits = false;          // of a write that the end of the device cuts
   std::size_t recordBytes = 0;          // files up to this length take no clusters
   std::size_t recordSlots = 0;          // and so many of them have room
+  bool answersNoMore = false;           // transfers end only when they are given up; needs a queue
   int passesNeeded = 9;                 // less than these on any byte at a removal is a violation
   std::function<void(const Op&)> onOp;  // before the operation is carried out
 
