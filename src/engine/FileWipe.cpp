@@ -191,7 +191,9 @@ bool FileWipe::IsSameFileAs(FileWipe& other) {
 
 void FileWipe::Hide() {
   File& file = parts_.front().TheFile();
-  Require(file.SetDates(), "Setting the dates of", hiddenPath_);
+  if (!file.SetDates().Ok()) {
+    operation_.AddNote("The dates of what was wiped could not be changed everywhere and may still be found.");
+  }
   HideName(operation_, nameNow_, hiddenPath_, place_.shortestName, [&](const std::string& name) {
     Status status = file.Rename(name);
     if (status.Ok()) nameNow_ = name;

@@ -318,6 +318,9 @@ class FakeFolder final : public Folder {
         return Status::Refusal("it is a link");
     }
     if (found->second->readOnly) return {Trouble::Other, 5, "Access is denied."};
+    if (device_.mostOpenFiles > 0 && device_.openHandles >= device_.mostOpenFiles) {
+      return {Trouble::TooManyOpen, 24, "Too many open files"};
+    }
     if (device_.opensForOneAlone && found->second->openCount > 0) {
       return {Trouble::Other, 32, "The file is in use."};
     }

@@ -86,6 +86,7 @@ class FakeDevice final : public Device {
   std::size_t queueDepth = 1;  // with more, transfers are carried out at Wait, the latest first
   bool renamesOpenFolders = false;
   bool opensForOneAlone = false;           // a file that is open can't be opened under another name
+  int mostOpenFiles = 0;                   // more than these can't be open at once; 0: no end
   bool mergesEqual = false;                // streams must never be written with a pattern
   std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
   std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end
