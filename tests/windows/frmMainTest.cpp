@@ -8,6 +8,7 @@
 #include "core/main/frmMain.h"
 #include "core/state/Settings.h"
 #include "platform/RunTimeError.h"
+#include "reports/frmPrintReport.h"
 #include "wipe/frmStatus.h"
 
 namespace zq::test {
@@ -22,6 +23,7 @@ class frmMainTest : public testing::Test {
   void TearDown() override {
     state_.QuickBinBusy = false;
     state_.Settings.PromptToSave = 0;
+    if (Default<frmPrintReport>::IsLoaded()) Default<frmPrintReport>::Touch().Unload();
     if (Default<frmMain>::IsLoaded()) Default<frmMain>::Touch().Unload();
     Form::DestroyClosed();
   }
@@ -144,6 +146,8 @@ TEST_F(frmMainTest, SessionEndIsRefusedWhileAWipeRunsAndWhenForcedLeavesItsRowsA
   frmMain& main = Load();
   Default<frmStatus>::SetFactory(
       [&] { return std::make_unique<frmStatus>(state_, fake_.platform, main.Driver()); });
+  Default<frmPrintReport>::SetFactory(
+      [this] { return std::make_unique<frmPrintReport>(state_, fake_.platform); });
   state_.Settings.PromptToSave = 0;
   const HWND window = static_cast<Form&>(main).Handle();
   int asked = 0;
