@@ -108,7 +108,8 @@ int main(int argc, char** argv) {
     return BenchRandom(words.size() > 1 ? std::strtoul(words[1].c_str(), nullptr, 10) : 2048);
   }
   if (words.size() < 2) {
-    std::fputs("usage: engine_bench file|folder|files|each PATH [LEVEL] [--one-at-a-time] [--quiet]\n", stderr);
+    std::fputs("usage: engine_bench file|folder|files|each PATH [LEVEL] [--one-at-a-time] [--quiet]\n",
+               stderr);
     return 2;
   }
   const std::int32_t level = words.size() > 2 ? static_cast<std::int32_t>(std::atoi(words[2].c_str())) : 3;
