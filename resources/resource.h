@@ -79,3 +79,12 @@
 #define IDC_frmOpenJob_cmdOK 1904
 #define IDC_frmOpenJob_cmdCancel 1905
 #define IDC_frmOpenJob_cmdHelp 1906
+
+#define IDD_frmPrintReport 200
+#define IDC_frmPrintReport_VS1 2001
+
+#define IDD_PrintingBox 205
+#define IDC_PrintingBox_lblPage 2051
+#define IDC_PrintingBox_lblDocument 2052
+#define IDC_PrintingBox_lblPrinter 2053
+#define IDC_PrintingBox_cmdCancel 2054

@@ -22,6 +22,7 @@
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32Regional.h"
 #include "platform/win32/Win32Registry.h"
+#include "reports/frmPrintReport.h"
 #include "wipe/frmStatus.h"
 
 namespace zq {
@@ -47,6 +48,8 @@ void TellForms(Program& program) {
   Default<frmStatus>::SetFactory([&program] {
     return std::make_unique<frmStatus>(program.state, program.platform, Default<frmMain>::Touch().Driver());
   });
+  Default<frmPrintReport>::SetFactory(
+      [&program] { return std::make_unique<frmPrintReport>(program.state, program.platform); });
   Default<frmFolder>::SetFactory([&program] {
     return std::make_unique<frmFolder>(program.state, program.platform, Default<frmMain>::Touch().Jobs());
   });

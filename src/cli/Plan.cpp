@@ -73,6 +73,11 @@ class Planner {
     target.path = named.given;
     target.firstItem = plan_.items.size();
     Walk walk(device_, {options_.mask, options_.recursive}, interrupted_);
+    engine::EntryId meant;
+    if (device_.Identify(named.given, meant).Ok()) {
+      if (++heldCount_ > kMostHeld) meant.hold.reset();
+      target.meant = std::move(meant);
+    }
     walk.Run(named.given, plan_.items);
     target.itemCount = plan_.items.size() - target.firstItem;
     RememberPlaces(target, named);
@@ -114,18 +119,30 @@ class Planner {
       case EntryType::File:
         break;
     }
-    Target target;
-    if (const engine::Status status = device_.Split(named.given, target.parent, target.name); !status.Ok()) {
-      return keep(ItemKind::File, status.text);
-    }
-    target.name = LastName(located.canonical, surroundings_.style);
-    target.path = named.given;
-    target.firstItem = plan_.items.size();
-    target.itemCount = 1;
+    std::string folder;
+    std::string name;
+    engine::Status status = device_.Split(named.given, folder, name);
+    name = LastName(located.canonical, surroundings_.style);
+    engine::EntryId meant;
+    if (status.Ok()) status = device_.Identify(named.given, meant);
+    if (!status.Ok()) return keep(ItemKind::File, status.text);
+    if (++heldCount_ > kMostHeld) meant.hold.reset();
     item.kind = ItemKind::File;
     item.bytes = located.lengthBytes;
+    // Files of one folder that stand one after the other in the plan are one call of the engine, since it
+    // takes many small files through each pass with few flushes.
+    const bool joins = !plan_.targets.empty() && plan_.targets.back().kind == Target::Kind::Files &&
+                       plan_.targets.back().path == folder &&
+                       plan_.targets.back().firstItem + plan_.targets.back().itemCount == plan_.items.size();
+    if (!joins) {
+      Target target;
+      target.path = folder;
+      target.firstItem = plan_.items.size();
+      plan_.targets.push_back(std::move(target));
+    }
     plan_.items.push_back(std::move(item));
-    plan_.targets.push_back(std::move(target));
+    plan_.targets.back().files.push_back({name, named.given, std::move(meant)});
+    ++plan_.targets.back().itemCount;
   }
 
   const Options& options_;
@@ -136,6 +153,9 @@ class Planner {
   std::vector<Named> named_;
   std::set<std::string> seen_;             // canonical paths
   std::unordered_set<std::string> taken_;  // canonical paths of items of folders
+  // What is held open keeps its number; the plan must not take all descriptors for that.
+  static constexpr std::size_t kMostHeld = 32;
+  std::size_t heldCount_ = 0;
 };
 
 }  // namespace

@@ -5,36 +5,44 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/Options.h"
 #include "cli/Safety.h"
 #include "engine/Device.h"
+#include "engine/SecureDelete.h"
 
 namespace zq::cli {
 
 enum class ItemKind { File, Folder, Link, Other };
 
-enum class Outcome { Pending, Wiped, Kept };
+enum class Outcome {
+  Pending,
+  Wiped,
+  Kept,
+  Destroyed,  // nothing of the content is left, but the entry is
+};
 
 struct Item {
   std::string path;  // as the engine calls it: the path that was given, and what follows it
   ItemKind kind = ItemKind::Other;
   std::uint64_t bytes = 0;
   Outcome outcome = Outcome::Pending;
-  std::string reason;  // why it was kept
+  std::string reason;  // why it was kept, or is left
 };
 
 // One call of the engine.
 struct Target {
-  enum class Kind { File, Tree, Matching };
+  enum class Kind { Files, Tree, Matching };
 
-  Kind kind = Kind::File;
-  std::string path;
-  std::string parent;         // of a file: the path of its folder
-  std::string name;           // of a file: its name there, in the case in which the system keeps it
-  std::size_t firstItem = 0;  // its items stand together in the plan
+  Kind kind = Kind::Files;
+  std::string path;                                    // of the folder; that of the files
+  std::vector<engine::SecureDelete::NamedFile> files;  // in the case in which the system keeps their names
+  // What was found there, and is shown to the user: nothing else that comes in its place is wiped.
+  std::optional<engine::EntryId> meant;  // of a folder
+  std::size_t firstItem = 0;             // its items stand together in the plan
   std::size_t itemCount = 0;
 };
 

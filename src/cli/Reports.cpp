@@ -32,16 +32,23 @@ void WriteTexts(JsonWriter& json, const char* key, const std::vector<std::string
   json.EndArray();
 }
 
-// What is Pending at the end was not to be destroyed.
+// What is Pending at the end was not to be destroyed, and what is Destroyed is still there.
 Totals Kept(const Plan& plan) {
   Totals kept = Count(plan, Outcome::Kept);
-  const Totals pending = Count(plan, Outcome::Pending);
-  kept.files += pending.files;
-  kept.folders += pending.folders;
-  kept.links += pending.links;
-  kept.others += pending.others;
-  kept.bytes += pending.bytes;
+  for (const Outcome outcome : {Outcome::Pending, Outcome::Destroyed}) {
+    const Totals also = Count(plan, outcome);
+    kept.files += also.files;
+    kept.folders += also.folders;
+    kept.links += also.links;
+    kept.others += also.others;
+    kept.bytes += also.bytes;
+  }
   return kept;
+}
+
+const char* OutcomeText(Outcome outcome) {
+  if (outcome == Outcome::Wiped) return "wiped";
+  return outcome == Outcome::Destroyed ? "destroyed" : "kept";
 }
 
 }  // namespace
@@ -49,7 +56,8 @@ Totals Kept(const Plan& plan) {
 ExitCode CodeOf(const Options& options, const Plan& plan, const RunResult& result) {
   if (result.cancelled) return ExitCode::Cancelled;
   const bool anyKept = std::ranges::any_of(plan.items, [&](const Item& item) {
-    return item.outcome == Outcome::Kept || (item.outcome == Outcome::Pending && !options.dryRun);
+    return item.outcome == Outcome::Kept || item.outcome == Outcome::Destroyed ||
+           (item.outcome == Outcome::Pending && !options.dryRun);
   });
   return anyKept || !result.failures.empty() ? ExitCode::SomeKept : ExitCode::AllGone;
 }
@@ -74,8 +82,8 @@ std::string JsonReport(const Finished& finished) {
     json.Member("path", item.path);
     json.Member("kind", KindText(item.kind));
     json.Member("bytes", item.bytes);
-    json.Member("outcome", item.outcome == Outcome::Wiped ? "wiped" : "kept");
-    if (item.outcome == Outcome::Kept) json.Member("reason", item.reason);
+    json.Member("outcome", OutcomeText(item.outcome));
+    if (!item.reason.empty()) json.Member("reason", item.reason);
     if (item.outcome == Outcome::Pending) json.Member("reason", options.dryRun ? kDryRun : "not begun");
     json.EndObject();
   }
@@ -112,6 +120,7 @@ std::string TextReport(const Finished& finished) {
         text += "wiped  " + Shown(item.path) + '\n';
         break;
       case Outcome::Kept:
+      case Outcome::Destroyed:
         text += "kept   " + Shown(item.path) + ": " + Shown(item.reason) + '\n';
         break;
       case Outcome::Pending:
@@ -130,7 +139,7 @@ std::string TextReport(const Finished& finished) {
 std::vector<std::string> Complaints(const Finished& finished) {
   std::vector<std::string> lines;
   for (const Item& item : finished.plan.items) {
-    if (item.outcome == Outcome::Kept)
+    if (item.outcome == Outcome::Kept || item.outcome == Outcome::Destroyed)
       lines.push_back("kept " + Shown(item.path) + ": " + Shown(item.reason));
   }
   for (const std::string& failure : finished.result.failures) lines.push_back(Shown(failure));

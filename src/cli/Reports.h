@@ -23,13 +23,12 @@ ExitCode CodeOf(const Options& options, const Plan& plan, const RunResult& resul
 
 // One object, ending in a line break:
 //   program, version, level, dryRun, cancelled, exitCode
-//   items: [{path, kind: "file" | "folder" | "link" | "other", bytes, outcome: "wiped" | "kept", reason}]
-//   failures: [text]  those that belong to no item
-//   alsoWiped: [name] files that came into a folder while it was being wiped
-//   notes: [text]     what there is to say beside the results
-//   refused: [text]   why nothing was done at all
-//   totals: {wiped, kept, bytesWiped, bytesKept}
-// `reason` is there for what was kept alone.
+//   items: [{path, kind: "file" | "folder" | "link" | "other", bytes, outcome: "wiped" | "kept" |
+//   "destroyed", reason}] failures: [text]  those that belong to no item alsoWiped: [path] files that came
+//   into a folder while it was being wiped notes: [text]     what there is to say beside the results refused:
+//   [text]   why nothing was done at all totals: {wiped, kept, bytesWiped, bytesKept}
+// `reason` is there for what wasn't wiped alone. "destroyed" is what has no content any more, but whose entry
+// is still there, or may be.
 std::string JsonReport(const Finished& finished);
 
 std::string TextReport(const Finished& finished);

@@ -1,9 +1,9 @@
 #include "cli/Runner.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
-#include "cli/System.h"
 #include "platform/Like.h"
 
 namespace zq::cli {
@@ -11,21 +11,41 @@ namespace {
 
 constexpr char kBeforeItsTurn[] = "cancelled before its turn";
 
-std::string NameOf(const engine::Device& device, const std::string& path) {
-  std::string folder;
-  std::string name;
-  return device.Split(path, folder, name).Ok() ? name : path;
+std::string WhyLeft(const engine::ItemEnd& end) {
+  std::string reason = end.reason;
+  if (end.outcome == engine::Outcome::Destroyed) {
+    reason = "its content is destroyed, but it may still be there; " + reason;
+  }
+  if (!end.nameNow.empty()) reason += "; it is named " + end.nameNow + " now";
+  return reason;
 }
 
 }  // namespace
 
+ItemNumbers::ItemNumbers(const std::vector<Item>& items)
+    : items_(items), places_(std::bit_ceil(items.size() * 3 / 2 + 1)) {
+  for (std::size_t i = 0; i < items.size(); ++i) {
+    places_[PlaceOf(items[i].path)] = static_cast<std::uint32_t>(i + 1);
+  }
+}
+
+std::optional<std::size_t> ItemNumbers::Find(const std::string& path) const {
+  const std::uint32_t found = places_[PlaceOf(path)];
+  return found == 0 ? std::nullopt : std::optional<std::size_t>(found - 1);
+}
+
+// Where it is, or where it is to come.
+std::size_t ItemNumbers::PlaceOf(const std::string& path) const {
+  const std::size_t mask = places_.size() - 1;
+  std::size_t place = std::hash<std::string>()(path) & mask;
+  while (places_[place] != 0 && items_[places_[place] - 1].path != path) place = (place + 1) & mask;
+  return place;
+}
+
 Runner::Runner(Parts parts, const Options& options)
     : parts_(std::move(parts)),
       options_(options),
-      engine_(parts_.device, parts_.seeds, parts_.clock, *this,
-              [this](const std::string& name, const std::string& mask) {
-                return takesWantedNames_ ? wantedNames_.contains(name) : Like(name, mask);
-              }) {
+      engine_(parts_.device, parts_.seeds, parts_.clock, *this, &Like) {
 }
 
 RunResult Runner::Run(Plan& plan) {
@@ -35,26 +55,16 @@ RunResult Runner::Run(Plan& plan) {
   bytes.reserve(plan.items.size());
   for (const Item& item : plan.items) bytes.push_back(item.bytes);
   work_.emplace(bytes);
+  numbers_.emplace(plan.items);
+  begun_.assign(plan.items.size(), false);
   for (std::size_t i = 0; i < plan.items.size(); ++i) {
     if (plan.items[i].outcome == Outcome::Kept) work_->Item(i, 1);
   }
 
-  std::size_t next = 0;
-  while (next < plan.targets.size() && !parts_.interrupted()) {
-    const Target& target = plan.targets[next];
-    std::size_t end = next + 1;
-    if (target.kind == Target::Kind::File) {
-      while (end < plan.targets.size() && plan.targets[end].kind == Target::Kind::File &&
-             plan.targets[end].parent == target.parent) {
-        ++end;
-      }
-    }
-    if (end - next > 1) {
-      RunFiles(next, end);
-    } else {
-      RunTarget(target);
-    }
-    next = end;
+  for (const Target& target : plan.targets) {
+    if (parts_.interrupted()) break;
+    stopped_ = anyFailure_ = false;
+    Settle(target, Wipe(target));
   }
 
   for (Item& item : plan.items) {
@@ -67,74 +77,41 @@ RunResult Runner::Run(Plan& plan) {
   return std::move(result_);
 }
 
-void Runner::RunTarget(const Target& target) {
-  if (target.kind == Target::Kind::File) return RunFile(target);
-  Ledger ledger;
-  for (std::size_t i = target.firstItem; i < target.firstItem + target.itemCount; ++i) {
-    const Item& item = plan_->items[i];
-    ledger.Add(i, item, item.path, NameOf(parts_.device, item.path));
+bool Runner::Wipe(const Target& target) {
+  const engine::EntryId* const meant = target.meant ? &*target.meant : nullptr;
+  switch (target.kind) {
+    case Target::Kind::Files:
+      return engine_.WipeFiles(target.path, target.files, options_.level);
+    case Target::Kind::Tree:
+      return engine_.WipeFolder(target.path, options_.level, meant);
+    case Target::Kind::Matching:
+      break;
   }
-  ledger_ = &ledger;
-  takesWantedNames_ = false;
-  const bool done =
-      target.kind == Target::Kind::Tree
-          ? engine_.WipeFolder(target.path, options_.level)
-          : engine_.WipeFolderFiles(target.path, *options_.mask, options_.recursive, options_.level);
-  Settle(ledger, done, Ledger::Ending::Failed);
+  return engine_.WipeFolderFiles(target.path, *options_.mask, options_.recursive, options_.level, meant);
 }
 
-void Runner::RunFile(const Target& target) {
-  Ledger ledger;
-  ledger.Add(target.firstItem, plan_->items[target.firstItem], target.path,
-             NameOf(parts_.device, target.path));
-  ledger_ = &ledger;
-  const bool done = engine_.WipeFile(target.path, options_.level);
-  Settle(ledger, done, Ledger::Ending::Failed);
-}
-
-// Several files of one folder go to the engine together, since it takes many small files through each pass
-// with few flushes. What it doesn't find in the listing (or if there is none to be had) goes one by one.
-void Runner::RunFiles(std::size_t first, std::size_t end) {
-  Ledger ledger;
-  wantedNames_.clear();
-  const std::string& parent = plan_->targets[first].parent;
-  for (std::size_t i = first; i < end; ++i) {
-    const Target& target = plan_->targets[i];
-    ledger.Add(target.firstItem, plan_->items[target.firstItem], parts_.device.Join(parent, target.name),
-               target.name);
-    wantedNames_.insert(target.name);
-  }
-  ledger_ = &ledger;
-  takesWantedNames_ = true;
-  const bool done = engine_.WipeFolderFiles(parent, "the wanted names", false, options_.level);
-  Settle(ledger, done, Ledger::Ending::TryAgain);
-
-  for (std::size_t i = first; i < end && !parts_.interrupted(); ++i) {
-    const Target& target = plan_->targets[i];
-    if (plan_->items[target.firstItem].outcome == Outcome::Pending) RunFile(target);
-  }
-}
-
-void Runner::Settle(const Ledger& ledger, bool done, Ledger::Ending ifNot) {
-  ledger_ = nullptr;
+// What the engine has told nothing of it hasn't come upon, or it was stopped before its end.
+void Runner::Settle(const Target& target, bool done) {
   if (const std::string& note = engine_.Note();
       !note.empty() && std::ranges::find(result_.notes, note) == result_.notes.end()) {
     result_.notes.push_back(note);
   }
-  Ledger::Ending ending = done ? Ledger::Ending::Done : ifNot;
-  if (ifNot == Ledger::Ending::TryAgain) ending = ifNot;
-  const bool stopped = std::exchange(stopped_, false) && !done;
-  if (stopped) {
-    ending = Ledger::Ending::Cancelled;
-    result_.cancelled = true;
+  const bool stopped = stopped_ && !done;
+  if (stopped) result_.cancelled = true;
+  if (!done && !stopped && !anyFailure_) result_.failures.push_back(engine_.LastErrorText());
+  for (std::size_t i = target.firstItem; i < target.firstItem + target.itemCount; ++i) {
+    Item& item = plan_->items[i];
+    if (item.outcome != Outcome::Pending) continue;
+    item.outcome = Outcome::Kept;
+    if (stopped) {
+      item.reason =
+          begun_[i] ? "cancelled while it was in work: it may be partly overwritten" : kBeforeItsTurn;
+    } else if (!done) {
+      item.reason = "not reached; " + engine_.LastErrorText();
+    } else {
+      item.reason = "it was not there any more, and was not overwritten";
+    }
   }
-  for (std::string& name : ledger.Settle(ending, plan_->items, Exists)) {
-    result_.alsoWiped.push_back(std::move(name));
-  }
-  // A folder that can't be listed is no failure if its files can be wiped one by one.
-  if (ending == Ledger::Ending::TryAgain && !ledger.AnyWiped()) return;
-  for (const std::string& failure : ledger.OtherFailures()) result_.failures.push_back(failure);
-  if (!done && !stopped && !ledger.AnyFailure()) result_.failures.push_back(engine_.LastErrorText());
 }
 
 void Runner::LookForInterrupt() {
@@ -146,26 +123,45 @@ void Runner::LookForInterrupt() {
 void Runner::WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t,
                           const engine::Item& item) {
   LookForInterrupt();
-  const std::optional<std::size_t> number =
-      ledger_->Progress(item.name, bytesTotal > 0 && bytesDone == bytesTotal);
-  if (number && bytesTotal > 0) {
-    work_->Item(*number, static_cast<double>(bytesDone) / static_cast<double>(bytesTotal));
+  if (item.kind == engine::ItemKind::File) {
+    if (const auto number = numbers_->Find(item.path)) {
+      begun_[*number] = true;
+      if (bytesTotal > 0) {
+        work_->Item(*number, static_cast<double>(bytesDone) / static_cast<double>(bytesTotal));
+      }
+    }
   }
-  parts_.progress.Show(work_->Share(), number ? plan_->items[*number].path : item.name);
+  parts_.progress.Show(work_->Share(), item.path);
+}
+
+void Runner::ItemEnded(const engine::Item& told, const engine::ItemEnd& end) {
+  LookForInterrupt();
+  const bool isWiped = end.outcome == engine::Outcome::Wiped;
+  if (!isWiped) anyFailure_ = true;
+  const auto number = numbers_->Find(told.path);
+  if (!number) {
+    if (isWiped && told.kind == engine::ItemKind::File) result_.alsoWiped.push_back(told.path);
+    if (end.errorCode != 0) result_.failures.push_back(end.text);
+    return;
+  }
+  work_->Item(*number, 1);
+  Item& item = plan_->items[*number];
+  if (isWiped && static_cast<int>(told.kind) != static_cast<int>(item.kind)) {
+    item.outcome = Outcome::Kept;
+    item.reason = "something else had come in its place, and is gone: it was not overwritten";
+  } else if (isWiped) {
+    item.outcome = Outcome::Wiped;
+    item.reason.clear();
+  } else if (item.outcome == Outcome::Pending) {  // a reason that was seen beforehand is the better one
+    item.outcome = end.outcome == engine::Outcome::Destroyed ? Outcome::Destroyed : Outcome::Kept;
+    item.reason = WhyLeft(end);
+  }
 }
 
 void Runner::WipeError(std::int32_t, const std::string& errorText) {
   LookForInterrupt();
-  if (const auto number = ledger_->Failed(errorText)) work_->Item(*number, 1);
-}
-
-void Runner::ItemEnded(const engine::Item& item, const engine::ItemEnd& end) {
-  LookForInterrupt();
-  if (end.outcome != engine::Outcome::Wiped) {
-    if (end.errorCode != 0) WipeError(end.errorCode, end.text);
-  } else if (item.kind == engine::ItemKind::File) {
-    if (const auto number = ledger_->Wiped(item.name)) work_->Item(*number, 1);
-  }
+  anyFailure_ = true;
+  result_.failures.push_back(errorText);
 }
 
 }  // namespace zq::cli

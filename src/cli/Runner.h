@@ -5,11 +5,9 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
-#include "cli/Ledger.h"
 #include "cli/Plan.h"
 #include "cli/Progress.h"
 #include "engine/SecureDelete.h"
@@ -18,9 +16,24 @@ namespace zq::cli {
 
 struct RunResult {
   bool cancelled = false;              // and something was left over for that reason
-  std::vector<std::string> failures;   // such as belong to no single item
-  std::vector<std::string> alsoWiped;  // names of files that came into a folder after the plan was made
+  std::vector<std::string> failures;   // such as belong to no item of the plan
+  std::vector<std::string> alsoWiped;  // paths of files that came into a folder after the plan was made
   std::vector<std::string> notes;      // what the engine has to say beside its results, each once
+};
+
+// The number of an item by its path, at a few bytes for each.
+class ItemNumbers {
+ public:
+  // The items must outlive this, with their paths as they are.
+  explicit ItemNumbers(const std::vector<Item>& items);
+
+  std::optional<std::size_t> Find(const std::string& path) const;
+
+ private:
+  std::size_t PlaceOf(const std::string& path) const;
+
+  const std::vector<Item>& items_;
+  std::vector<std::uint32_t> places_;  // number + 1; 0: nothing there
 };
 
 class Runner final : private engine::EngineEvents {
@@ -39,10 +52,8 @@ class Runner final : private engine::EngineEvents {
   RunResult Run(Plan& plan);
 
  private:
-  void RunTarget(const Target& target);
-  void RunFiles(std::size_t first, std::size_t end);  // of plan_->targets
-  void RunFile(const Target& target);
-  void Settle(const Ledger& ledger, bool done, Ledger::Ending ifNot);
+  bool Wipe(const Target& target);
+  void Settle(const Target& target, bool done);
   void LookForInterrupt();
 
   void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
@@ -54,14 +65,15 @@ class Runner final : private engine::EngineEvents {
   Parts parts_;
   const Options& options_;
   engine::SecureDelete engine_;
-  std::set<std::string> wantedNames_;  // what a call for files of one folder takes
-  bool takesWantedNames_ = false;
 
   Plan* plan_ = nullptr;
   RunResult result_;
   std::optional<WorkShare> work_;
-  Ledger* ledger_ = nullptr;  // of the running call
-  bool stopped_ = false;      // the running call has been told to stop
+  std::optional<ItemNumbers> numbers_;
+  std::vector<bool> begun_;  // by number
+  // Of the running call:
+  bool stopped_ = false;  // it has been told to stop
+  bool anyFailure_ = false;
 };
 
 }  // namespace zq::cli

@@ -92,7 +92,7 @@ class Session {
     const std::string canonical = Locate(*options_.report).canonical;
     if (canonical.empty()) return "its folder doesn't exist";
     for (const Target& target : plan_.targets) {
-      if (target.kind != Target::Kind::File &&
+      if (target.kind != Target::Kind::Files &&
           IsWithin(canonical, Locate(target.path).canonical, surroundings.style)) {
         return "the report would lie in a folder that is being wiped";
       }
@@ -104,16 +104,17 @@ class Session {
     constexpr std::size_t kMostShown = 10;
     std::string text = "About to destroy " + ShownTotals(Count(plan_, Outcome::Pending)) +
                        ", so that nothing of it can be recovered:\n";
-    for (std::size_t i = 0; i < std::min(kMostShown, plan_.targets.size()); ++i) {
-      const Target& target = plan_.targets[i];
-      text += "  " + Shown(target.path);
-      if (target.kind == Target::Kind::Tree) text += " (the folder and all it holds)";
-      if (target.kind == Target::Kind::Matching) text += " (its files like " + Shown(*options_.mask) + ')';
-      text += '\n';
+    std::vector<std::string> lines;
+    for (const Target& target : plan_.targets) {
+      if (target.kind == Target::Kind::Tree)
+        lines.push_back(Shown(target.path) + " (the folder and all it holds)");
+      if (target.kind == Target::Kind::Matching) {
+        lines.push_back(Shown(target.path) + " (its files like " + Shown(*options_.mask) + ')');
+      }
+      for (const engine::SecureDelete::NamedFile& file : target.files) lines.push_back(Shown(file.path));
     }
-    if (plan_.targets.size() > kMostShown) {
-      text += "  and " + std::to_string(plan_.targets.size() - kMostShown) + " more\n";
-    }
+    for (std::size_t i = 0; i < std::min(kMostShown, lines.size()); ++i) text += "  " + lines[i] + '\n';
+    if (lines.size() > kMostShown) text += "  and " + std::to_string(lines.size() - kMostShown) + " more\n";
     Write(stderr, text + "Type yes to destroy them: ");
 
     std::optional<std::string> answer = ReadAnswer();
@@ -164,7 +165,8 @@ class Session {
   }
 
   const Options options_;
-  std::unique_ptr<engine::Device> device_ = engine::MakeSystemDevice();
+  std::unique_ptr<engine::Device> device_ =
+      engine::MakeSystemDevice({.trustFileSystem = options_.trustFileSystem});
   Plan plan_;
   RunResult result_;
   OwnedFile report_;

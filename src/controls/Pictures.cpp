@@ -4,6 +4,7 @@
 #include <wincodec.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -24,6 +25,16 @@ UniqueBitmap MakeAlphaBitmap(int width, int height, void** bits) {
   info.bmiHeader.biBitCount = 32;
   info.bmiHeader.biCompression = BI_RGB;
   return UniqueBitmap(::CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, bits, nullptr, 0));
+}
+
+// A file among the resources; nothing where there is none of that name. It lies in memory as long as the
+// process.
+std::string_view ResourceBytes(const char* name) {
+  const HRSRC resource = ::FindResourceA(Module(), name, MAKEINTRESOURCEA(10));  // RT_RCDATA
+  const HGLOBAL loaded = resource ? ::LoadResource(Module(), resource) : nullptr;
+  const void* data = loaded ? ::LockResource(loaded) : nullptr;
+  if (!data) return {};
+  return {static_cast<const char*>(data), ::SizeofResource(Module(), resource)};
 }
 
 // Menus of the Aero themes blend a bitmap's alpha channel. Other looks copy its pixels, and what is
@@ -72,10 +83,8 @@ UniqueBitmap LoadMenuPicture(const char* name, int pixels) {
 }
 
 UniqueBitmap LoadPng(const char* name) {
-  const HRSRC resource = ::FindResourceA(Module(), name, MAKEINTRESOURCEA(10));  // RT_RCDATA
-  const HGLOBAL loaded = resource ? ::LoadResource(Module(), resource) : nullptr;
-  auto* data = loaded ? static_cast<BYTE*>(::LockResource(loaded)) : nullptr;
-  if (!data) return {};
+  const std::string_view file = ResourceBytes(name);
+  if (file.empty()) return {};
 
   IWICImagingFactory* factoryRaw = nullptr;
   if (FAILED(::CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER,
@@ -85,7 +94,9 @@ UniqueBitmap LoadPng(const char* name) {
   IWICStream* streamRaw = nullptr;
   if (FAILED(factory->CreateStream(&streamRaw))) return {};
   const ComPointer<IWICStream> stream(streamRaw);
-  if (FAILED(stream->InitializeFromMemory(data, ::SizeofResource(Module(), resource)))) return {};
+  // The stream only reads.
+  auto* data = reinterpret_cast<BYTE*>(const_cast<char*>(file.data()));
+  if (FAILED(stream->InitializeFromMemory(data, static_cast<DWORD>(file.size())))) return {};
   IWICBitmapDecoder* decoderRaw = nullptr;
   if (FAILED(
           factory->CreateDecoderFromStream(stream.get(), nullptr, WICDecodeMetadataCacheOnLoad, &decoderRaw)))
@@ -109,6 +120,25 @@ UniqueBitmap LoadPng(const char* name) {
       FAILED(converter->CopyPixels(nullptr, width * 4, width * 4 * height, static_cast<BYTE*>(bits))))
     return {};
   return bitmap;
+}
+
+std::shared_ptr<const PictureData> LoadDocumentPicture(const char* name, Twips naturalWidth,
+                                                       Twips naturalHeight) {
+  auto picture = std::make_shared<PictureData>();
+  picture->png = std::string(ResourceBytes(name));
+  picture->naturalWidth = naturalWidth;
+  picture->naturalHeight = naturalHeight;
+  const UniqueBitmap bitmap = LoadPng(name);
+  DIBSECTION section{};
+  if (!bitmap || ::GetObjectW(bitmap.Get(), sizeof section, &section) != sizeof section) return picture;
+  ::GdiFlush();
+  const auto* pixels = static_cast<const std::uint32_t*>(section.dsBm.bmBits);
+  picture->width = section.dsBm.bmWidth;
+  picture->height = section.dsBm.bmHeight;
+  picture->pixels.assign(pixels, pixels + static_cast<std::ptrdiff_t>(picture->width) * picture->height);
+  // Onto white: with premultiplied alpha, what is missing is added to each channel.
+  for (std::uint32_t& pixel : picture->pixels) pixel += (0xFF - (pixel >> 24)) * 0x010101U;
+  return picture;
 }
 
 }  // namespace zq

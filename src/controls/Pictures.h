@@ -1,6 +1,9 @@
 // Pictures out of the program's resources, by name, in the size that is asked for.
 #pragma once
 
+#include <memory>
+
+#include "controls/document/Document.h"
 #include "platform/win32/UniqueHandle.h"
 
 namespace zq {
@@ -18,5 +21,10 @@ inline int ScaleForDpi(int pixels, int dpi) {
 
 // A PNG in the resources as a bitmap with premultiplied alpha; nothing if it can't be decoded.
 UniqueBitmap LoadPng(const char* name);
+
+// A PNG in the resources as a picture of a document, in its natural size on paper. One that can't be decoded
+// has no pixels, but still its file.
+std::shared_ptr<const PictureData> LoadDocumentPicture(const char* name, Twips naturalWidth,
+                                                       Twips naturalHeight);
 
 }  // namespace zq

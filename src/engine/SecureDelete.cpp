@@ -146,6 +146,40 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
   });
 }
 
+bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
+                             std::int32_t level) noexcept {
+  return Run(folderPath, level, [&](Operation& operation) {
+    auto place = std::make_shared<Place>();
+    place->path = folderPath;
+    EntryId folder;
+    try {
+      Require(device_.OpenFolder(folderPath, place->folder), "Opening", folderPath);
+      Require(place->folder->Identity(folder), "Opening", folderPath);
+    } catch (const Failure& failure) {
+      for (const NamedFile& file : files) {
+        operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
+      }
+      return;
+    }
+    FileBatch batch(operation);
+    for (const NamedFile& file : files) {
+      operation.Tell(file.path);
+      try {
+        if (folder.mount != file.meant.mount) ThrowNotMeant(file.path);
+      } catch (const Failure& failure) {
+        operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
+        continue;
+      }
+      place->onlyFile = file.meant.file;
+      batch.AddFile(place, file.name, file.path);
+    }
+    batch.Run();
+    if (!batch.HasRemoved()) return;
+    CoverNames(operation, *place->folder, folderPath);
+    operation.ClearTraces(*place->folder, folderPath);
+  });
+}
+
 bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});

@@ -6,22 +6,16 @@
 
 #include "platform/FixedPoint.h"
 #include "platform/Platform.h"
+#include "reports/ReportViewer.h"
 #include "wipe/SecureFileDeleteWizard.h"
 
 namespace zq {
 
 struct AppState;
+struct JobRow;
 class JobList;
 class MainWindow;
 class WipeStatusWindow;
-
-// The report window, where there is one. Loading a loaded window has no effect.
-class ReportViewer {
- public:
-  virtual ~ReportViewer() = default;
-  virtual void Load() = 0;
-  virtual void ShowModal() = 0;
-};
 
 // The driver and the handlers of the engine's events that serve it.
 class JobWipe final : public WipeEvents {
@@ -53,10 +47,11 @@ class JobWipe final : public WipeEvents {
  private:
   bool CheckRows();
   void CountRows();
+  void CountRow(const JobRow& row);
   void WipeRows();
   void WipeFolderRow(int row);
   void WipeFileRow(int row);
-  void AddErrorLine(const std::string& path);
+  void AddErrorLine(const std::string& path, const std::string& reason);
   void WriteReport();
   void ClearReportLists();
 

@@ -20,6 +20,7 @@
 #include "jobs/JobLifecycle.h"
 #include "jobs/JobList.h"
 #include "platform/Platform.h"
+#include "reports/frmPrintReport.h"
 #include "resource.h"
 #include "wipe/JobWipe.h"
 #include "wipe/SFD1.h"
@@ -103,6 +104,7 @@ class frmMain final : public Form,
   AddFiles addFiles_;
   JobLifecycle jobLifecycle_;
   StatusWindow statusWindow_;
+  ReportWindow reportWindow_;
   JobWipe jobWipe_;
   zq::SFD1 SFD1;
   Commands commands_;

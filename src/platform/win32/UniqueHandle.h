@@ -71,6 +71,12 @@ struct AcceleratorTableTraits {
   static void Close(Type handle) { ::DestroyAcceleratorTable(handle); }
 };
 
+struct DcTraits {
+  using Type = HDC;
+  static Type Invalid() { return nullptr; }
+  static void Close(Type handle) { ::DeleteDC(handle); }
+};
+
 template <class HandleType>
 struct GdiTraits {
   using Type = HandleType;
@@ -85,6 +91,7 @@ using UniqueRegistryKey = UniqueHandle<RegistryKeyTraits>;
 using UniqueIcon = UniqueHandle<IconTraits>;
 using UniqueMenu = UniqueHandle<MenuTraits>;
 using UniqueAcceleratorTable = UniqueHandle<AcceleratorTableTraits>;
+using UniqueDc = UniqueHandle<DcTraits>;
 using UniqueBitmap = UniqueHandle<GdiTraits<HBITMAP>>;
 using UniqueBrush = UniqueHandle<GdiTraits<HBRUSH>>;
 using UniqueFont = UniqueHandle<GdiTraits<HFONT>>;

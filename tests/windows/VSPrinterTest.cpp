@@ -1,0 +1,279 @@
+#include "ReportStage.h"
+#include "controls/VSPrinter.h"
+
+namespace zq::test {
+namespace {
+
+// The keys that the control looks up in the keyboard's state, held down for a scope.
+class HeldKey {
+ public:
+  explicit HeldKey(BYTE key) {
+    ::GetKeyboardState(before_);
+    BYTE now[256];
+    std::copy(std::begin(before_), std::end(before_), now);
+    now[key] = 0x80;
+    ::SetKeyboardState(now);
+  }
+  ~HeldKey() { ::SetKeyboardState(before_); }
+  HeldKey(const HeldKey&) = delete;
+  HeldKey& operator=(const HeldKey&) = delete;
+
+ private:
+  BYTE before_[256];
+};
+
+class VSPrinterTest : public ReportStage {
+ protected:
+  VSPrinter& Show(const ReportData& report) {
+    WriteReport(report);
+    frmPrintReport& form = Default<frmPrintReport>::Touch();
+    form.Show();
+    ::SetWindowPos(form.Handle(), nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    ::UpdateWindow(form.VS1.Preview().Handle());
+    return form.VS1;
+  }
+  static void Take(const std::string& name) {
+    ::UpdateWindow(Default<frmPrintReport>::Touch().Handle());
+    TakePicture(Window(Default<frmPrintReport>::Touch().Handle()), name);
+  }
+  static std::string PageShown(VSPrinter& printer) {
+    return printer.Bar().Text(kBarPage) + " " + printer.Bar().Text(kBarPageCount);
+  }
+};
+
+TEST_F(VSPrinterTest, OpensAtHundredPerCentOnTheFirstPage) {
+  VSPrinter& printer = Show(Example());
+  EXPECT_EQ(printer.Zoom(), 100);
+  EXPECT_EQ(printer.Bar().Text(kBarZoom), "&Zoom: 100%");
+  EXPECT_EQ(PageShown(printer), "1 of 1");
+  EXPECT_EQ(::GetFocus(), printer.Preview().Handle());
+  for (const PreviewBarId id : {kBarFirst, kBarPrevious, kBarNext, kBarLast})
+    EXPECT_FALSE(::IsWindowEnabled(printer.Bar().Item(id))) << id;
+  Take("report-100");
+}
+
+TEST_F(VSPrinterTest, ButtonsGoThroughThePages) {
+  VSPrinter& printer = Show(Long(400));
+  const std::string count = printer.Bar().Text(kBarPageCount);
+  const int pages = printer.Preview().PageCount();
+  ASSERT_GT(pages, 4);
+  PressBar(printer, kBarNext);
+  EXPECT_EQ(PageShown(printer), "2 " + count);
+  PressBar(printer, kBarNext);
+  PressBar(printer, kBarPrevious);
+  EXPECT_EQ(PageShown(printer), "2 " + count);
+  PressBar(printer, kBarLast);
+  EXPECT_EQ(PageShown(printer), std::to_string(pages) + " " + count);
+  EXPECT_FALSE(::IsWindowEnabled(printer.Bar().Item(kBarNext)));
+  PressBar(printer, kBarFirst);
+  EXPECT_EQ(PageShown(printer), "1 " + count);
+  EXPECT_FALSE(::IsWindowEnabled(printer.Bar().Item(kBarFirst)));
+}
+
+TEST_F(VSPrinterTest, PageBoxGoesToThePageThatIsTyped) {
+  VSPrinter& printer = Show(Long(400));
+  const HWND box = printer.Bar().Item(kBarPage);
+  const auto type = [&](const char* text) {
+    ::SetWindowTextA(box, text);
+    EXPECT_TRUE(Translate(printer, box, VK_RETURN));
+    return printer.Bar().Text(kBarPage);
+  };
+  EXPECT_EQ(type("3"), "3");
+  EXPECT_EQ(printer.Preview().Page(), 2);
+  EXPECT_EQ(type("0"), "1");
+  EXPECT_EQ(type("999999"), std::to_string(printer.Preview().PageCount()));
+  EXPECT_EQ(type(""), "1");
+}
+
+TEST_F(VSPrinterTest, KeysScroll) {
+  VSPrinter& printer = Show(Long(400));
+  Key(printer, VK_END);
+  EXPECT_EQ(printer.Preview().Page(), printer.Preview().PageCount() - 1);
+  Key(printer, VK_HOME);
+  EXPECT_EQ(printer.Preview().Page(), 0);
+  for (int i = 0; i < 3; ++i) Key(printer, VK_NEXT);
+  EXPECT_GE(printer.Preview().Page(), 1);
+  for (int i = 0; i < 3; ++i) Key(printer, VK_PRIOR);
+  EXPECT_EQ(printer.Preview().Page(), 0);
+  {
+    const HeldKey control(VK_CONTROL);
+    Key(printer, VK_NEXT);
+    EXPECT_EQ(printer.Preview().Page(), 1);
+    Key(printer, VK_PRIOR);
+    EXPECT_EQ(printer.Preview().Page(), 0);
+  }
+}
+
+TEST_F(VSPrinterTest, WheelScrollsAndWithControlZooms) {
+  VSPrinter& printer = Show(Long(400));
+  const auto wheel = [&](int delta, WORD keys) {
+    ::SendMessageW(printer.Preview().Handle(), WM_MOUSEWHEEL, MAKEWPARAM(keys, static_cast<WORD>(delta)), 0);
+  };
+  for (int i = 0; i < 30; ++i) wheel(-120, 0);
+  EXPECT_GE(printer.Preview().Page(), 1);
+  wheel(120, MK_CONTROL);
+  EXPECT_EQ(printer.Zoom(), 125);
+  wheel(-60, MK_CONTROL);
+  EXPECT_EQ(printer.Zoom(), 125) << "half a notch of a fine wheel";
+  wheel(-60, MK_CONTROL);
+  EXPECT_EQ(printer.Zoom(), 100);
+}
+
+TEST_F(VSPrinterTest, ControlKeysZoom) {
+  VSPrinter& printer = Show(Example());
+  const HeldKey control(VK_CONTROL);
+  const HWND view = printer.Preview().Handle();
+  EXPECT_TRUE(Translate(printer, view, VK_OEM_PLUS));
+  EXPECT_EQ(printer.Zoom(), 125);
+  EXPECT_TRUE(Translate(printer, view, VK_SUBTRACT));
+  EXPECT_TRUE(Translate(printer, view, VK_OEM_MINUS));
+  EXPECT_EQ(printer.Zoom(), 75);
+  EXPECT_TRUE(Translate(printer, view, '0'));
+  EXPECT_EQ(printer.Zoom(), 100);
+}
+
+TEST_F(VSPrinterTest, ShowsEachZoom) {
+  VSPrinter& printer = Show(Long(700));
+  const struct {
+    ZoomMode mode;
+    double percent;
+    const char* name;
+  } kZooms[] = {{ZoomMode::WholePage, 0, "report-whole-page"}, {ZoomMode::PageWidth, 0, "report-page-width"},
+                {ZoomMode::TwoPages, 0, "report-two-pages"},   {ZoomMode::Thumbnail, 0, "report-thumbnail"},
+                {ZoomMode::Percent, 50, "report-50"},          {ZoomMode::Percent, 200, "report-200"}};
+  for (const auto& zoom : kZooms) {
+    printer.Preview().SetZoom(zoom.mode, zoom.percent);
+    printer.Preview().GoToPage(0);
+    Take(zoom.name);
+    if (zoom.mode == ZoomMode::Percent) {
+      EXPECT_EQ(printer.Zoom(), zoom.percent);
+    }
+    EXPECT_EQ(printer.Preview().Mode(), zoom.mode);
+  }
+}
+
+TEST_F(VSPrinterTest, ZoomKeepsThePlace) {
+  VSPrinter& printer = Show(Long(700));
+  printer.Preview().GoToPage(5);
+  for (const double percent : {200.0, 50.0, 400.0, 100.0}) {
+    printer.SetZoom(percent);
+    EXPECT_EQ(printer.Preview().Page(), 5) << percent;
+  }
+}
+
+TEST_F(VSPrinterTest, FindsTextAndBringsItIntoView) {
+  VSPrinter& printer = Show(Long(3000));
+  const HWND box = printer.Bar().Item(kBarFind);
+  {
+    const HeldKey control(VK_CONTROL);
+    EXPECT_TRUE(Translate(printer, printer.Preview().Handle(), 'F'));
+  }
+  EXPECT_EQ(::GetFocus(), box);
+  ::SetWindowTextA(box, "LETTER 2500.doc");
+  EXPECT_TRUE(Translate(printer, box, VK_RETURN));
+  const TextRange found = printer.Preview().Selection();
+  EXPECT_EQ(printer.Content().text.substr(found.begin, found.end - found.begin), "letter 2500.doc");
+  EXPECT_EQ(static_cast<std::size_t>(printer.Preview().Page()),
+            PageOfLine(printer.Layout(), LineAt(printer.Layout(), found.begin)));
+  Take("report-found");
+
+  ::SetWindowTextA(box, "nowhere in it");
+  EXPECT_TRUE(Translate(printer, box, VK_F3));
+  EXPECT_EQ(printer.Bar().Text(kBarFound), "Not found");
+  EXPECT_EQ(printer.Preview().Selection(), found);
+  ::SetWindowTextA(box, "letter 1");
+  EXPECT_EQ(printer.Bar().Text(kBarFound), "") << "the answer goes with the question";
+  EXPECT_TRUE(Translate(printer, box, VK_ESCAPE));
+  EXPECT_EQ(::GetFocus(), printer.Preview().Handle());
+}
+
+std::wstring ClipboardText() {
+  std::wstring text;
+  if (!::OpenClipboard(nullptr)) return text;
+  const HANDLE memory = ::GetClipboardData(CF_UNICODETEXT);
+  if (const auto* content = memory ? static_cast<const wchar_t*>(::GlobalLock(memory)) : nullptr) {
+    text = content;
+    ::GlobalUnlock(memory);
+  }
+  ::CloseClipboard();
+  return text;
+}
+
+TEST_F(VSPrinterTest, CopiesAllOfItsText) {
+  VSPrinter& printer = Show(Example());
+  const HeldKey control(VK_CONTROL);
+  Key(printer, 'A');
+  Key(printer, 'C');
+  EXPECT_EQ(ClipboardText(), ToWide(TextToCopy(printer.Content(), {0, printer.Content().text.size()})));
+}
+
+TEST_F(VSPrinterTest, MouseSelectsText) {
+  VSPrinter& printer = Show(Example());
+  const HWND view = printer.Preview().Handle();
+  // From the left of the title's line to the right of it.
+  const LaidLine* title = nullptr;
+  for (const LaidLine& line : printer.Layout().lines) {
+    if (!title && line.end > line.begin) title = &line;
+  }
+  ASSERT_NE(title, nullptr);
+  RECT client{};
+  ::GetClientRect(view, &client);
+  const int dpi = static_cast<int>(::GetDpiForWindow(view));
+  const int y = 16 * dpi / 96 + (title->top + title->height / 2) * dpi / 1440;
+  ::SendMessageW(view, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(2, y));
+  ::SendMessageW(view, WM_MOUSEMOVE, MK_LBUTTON, MAKELPARAM(client.right - 2, y));
+  ::SendMessageW(view, WM_LBUTTONUP, 0, MAKELPARAM(client.right - 2, y));
+  EXPECT_EQ(printer.Preview().Selection(), (TextRange{title->begin, title->end}));
+  Take("report-selected");
+}
+
+TEST_F(VSPrinterTest, TabGoesToThePagesAndThroughTheBar) {
+  Show(Long(400));
+  frmPrintReport& form = Default<frmPrintReport>::Touch();
+  const std::vector<int> order = TabOrder(form);
+  // At the first page, First and Previous are disabled.
+  EXPECT_THAT(order, testing::ElementsAre(100, kBarPrint, kBarPage, kBarNext, kBarLast, kBarZoom, kBarFind,
+                                          kBarFindNext, kBarFindPrevious));
+}
+
+TEST_F(VSPrinterTest, LabelsFitTheirTexts) {
+  VSPrinter& printer = Show(Example());
+  printer.Bar().ShowPage(1000, 1000);
+  printer.Bar().ShowFound("Not found");
+  const HFONT font = reinterpret_cast<HFONT>(::SendMessageW(printer.Bar().Item(kBarPrint), WM_GETFONT, 0, 0));
+  const HDC context = ::GetDC(printer.Handle());
+  const HGDIOBJ before = ::SelectObject(context, font);
+  for (int id = kBarPrint; id <= kBarFound; ++id) {
+    const auto item = static_cast<PreviewBarId>(id);
+    if (id == kBarFind || (id >= kBarFirst && id <= kBarPrevious) || id == kBarNext || id == kBarLast)
+      continue;
+    const std::wstring text = ToWide(WithoutAccessKey(printer.Bar().Text(item)));
+    SIZE size{};
+    ::GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+    RECT client{};
+    ::GetClientRect(printer.Bar().Item(item), &client);
+    EXPECT_LE(size.cx, client.right) << id;
+    EXPECT_LE(size.cy, client.bottom) << id;
+  }
+  ::SelectObject(context, before);
+  ::ReleaseDC(printer.Handle(), context);
+}
+
+TEST_F(VSPrinterTest, ReportOfThirtyThousandLinesOpensAndScrolls) {
+  const DWORD start = ::GetTickCount();
+  VSPrinter& printer = Show(Long(30000));
+  const DWORD opened = ::GetTickCount();
+  EXPECT_EQ(printer.Layout().lines.size(), printer.Content().blocks.size()) << "each path fits its line";
+  for (int i = 0; i < 50; ++i) {
+    printer.Preview().GoToPage(printer.Preview().PageCount() * i / 50);
+    ::UpdateWindow(printer.Preview().Handle());
+  }
+  const DWORD scrolled = ::GetTickCount();
+  std::printf("open %lu ms, a page %lu ms\n", opened - start, (scrolled - opened) / 50);
+  RecordProperty("open_ms", static_cast<int>(opened - start));
+  RecordProperty("page_ms", static_cast<int>((scrolled - opened) / 50));
+  EXPECT_EQ(printer.Preview().Page(), printer.Preview().PageCount() * 49 / 50);
+}
+
+}  // namespace
+}  // namespace zq::test
