@@ -73,7 +73,9 @@ void frmOpen::Timer1_Timer() {
 }
 
 void frmOpen::Unloaded() {
-  if (PrevInstanceFound) platform_.process.End();
+  // Closed by the user meanwhile, it leaves nothing behind that would ever show a window, but a process
+  // that turns away each later start.
+  if (PrevInstanceFound || !timerFired_) platform_.process.End();
 }
 
 }  // namespace zq

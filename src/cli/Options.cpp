@@ -69,6 +69,8 @@ Parsed ParseCommandLine(const std::vector<std::string>& arguments) {
           ->type_name("MASK");
   app.add_flag("--dry-run", options.dryRun, "List what would be destroyed, destroy nothing");
   app.add_flag("--yes", options.yes, "Don't ask");
+  app.add_flag("--trust-file-system", options.trustFileSystem,
+               "Wipe also where it isn't known that new data go to the old place");
   const CLI::Option* reportOption =
       app.add_option("--report", report, "Write a report to FILE, which must not exist")->type_name("FILE");
   app.add_flag("--json", options.json, "Print the outcome of each item as one JSON object");

@@ -22,6 +22,7 @@ struct Options {
   std::optional<std::string> mask;
   bool dryRun = false;
   bool yes = false;
+  bool trustFileSystem = false;  // as engine::DeviceOptions
   std::optional<std::string> report;
   bool json = false;
   bool quiet = false;

@@ -165,7 +165,8 @@ class Session {
   }
 
   const Options options_;
-  std::unique_ptr<engine::Device> device_ = engine::MakeSystemDevice();
+  std::unique_ptr<engine::Device> device_ =
+      engine::MakeSystemDevice({.trustFileSystem = options_.trustFileSystem});
   Plan plan_;
   RunResult result_;
   OwnedFile report_;

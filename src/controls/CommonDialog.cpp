@@ -5,7 +5,12 @@
 #include <commdlg.h>
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
+
+#include "controls/DialogNames.h"
+#include "platform/Text.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
@@ -28,23 +33,25 @@ class CurrentFolderGuard {
 }  // namespace
 
 OpenDialogResult ShowOpen(HWND owner, const OpenDialog& dialog) {
-  std::string filter = dialog.filter;
-  std::replace(filter.begin(), filter.end(), '|', '\0');
-  filter += '\0';  // the list ends with two nulls, the second being the string's own
-  std::string buffer(dialog.maxFileSize, '\0');
+  std::wstring filter = ToWide(dialog.filter);
+  std::replace(filter.begin(), filter.end(), L'|', L'\0');
+  filter += L'\0';  // the list ends with two nulls, the second being the string's own
+  const std::wstring initialFolder = ToWide(TrimAtNull(dialog.initialFolder));
+  const std::wstring title = ToWide(dialog.title);
+  std::wstring buffer(dialog.maxFileSize, L'\0');
 
-  OPENFILENAMEA request{};
+  OPENFILENAMEW request{};
   request.lStructSize = sizeof request;
   request.hwndOwner = owner;
   request.lpstrFilter = filter.c_str();
   request.lpstrFile = buffer.data();
   request.nMaxFile = static_cast<DWORD>(buffer.size());
-  request.lpstrInitialDir = dialog.initialFolder.c_str();
-  request.lpstrTitle = dialog.title.c_str();
+  request.lpstrInitialDir = initialFolder.c_str();
+  request.lpstrTitle = title.c_str();
   request.Flags = dialog.flags;
 
   const CurrentFolderGuard guard;
-  if (!::GetOpenFileNameA(&request)) {
+  if (!::GetOpenFileNameW(&request)) {
     switch (::CommDlgExtendedError()) {
       case 0:
         return {OpenDialogOutcome::Cancelled, {}};
@@ -54,10 +61,10 @@ OpenDialogResult ShowOpen(HWND owner, const OpenDialog& dialog) {
         return {OpenDialogOutcome::Failed, {}};
     }
   }
-  // Two nulls end the names.
-  static constexpr char kEnd[2] = {'\0', '\0'};
-  buffer.resize(std::min(buffer.find(std::string_view(kEnd, 2)), buffer.size()));
-  return {OpenDialogOutcome::Chosen, buffer};
+  // Not every system tells that the names were too many: some cut them.
+  const std::optional<std::wstring_view> names = NamesInBuffer(buffer);
+  if (!names) return {OpenDialogOutcome::TooManyFiles, {}};
+  return {OpenDialogOutcome::Chosen, FromWide(*names)};
 }
 
 }  // namespace zq

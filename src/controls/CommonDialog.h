@@ -12,7 +12,7 @@ struct OpenDialog {
   std::string filter;          // "text|pattern", pairs separated by "|"
   std::string initialFolder;   // "" leaves the choice to the system
   unsigned flags = 0;          // OFN_*
-  unsigned maxFileSize = 260;  // bytes of the buffer for the names
+  unsigned maxFileSize = 260;  // UTF-16 units of the buffer for the names
 };
 
 enum class OpenDialogOutcome { Chosen, Cancelled, TooManyFiles, Failed };

@@ -4,10 +4,10 @@
 #include <shlwapi.h>
 
 #include <algorithm>
-#include <optional>
 
 #include "controls/WaitCursor.h"
-#include "platform/Text.h"
+#include "platform/PathPlace.h"
+#include "platform/win32/LongPath.h"
 #include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
 
@@ -86,10 +86,10 @@ std::string PathOf(PCIDLIST_ABSOLUTE list) {
   return FromWide(path.c_str());
 }
 
-// Negative, zero or positive, as the shell orders two of a folder's items.
-int Compare(IShellFolder& folder, LPARAM rule, PCUIDLIST_RELATIVE a, PCUIDLIST_RELATIVE b) {
-  const HRESULT result = folder.CompareIDs(rule, a, b);
-  return SUCCEEDED(result) ? static_cast<short>(HRESULT_CODE(result)) : 0;
+// Whether the first of two items is known to stand before the second.
+bool StandsBefore(IShellFolder& folder, PCUIDLIST_RELATIVE a, PCUIDLIST_RELATIVE b) {
+  const std::optional<int> order = CompareItems(folder, 0, a, b);
+  return order && *order < 0;
 }
 
 // Which folders Explorer lists, by the user's own choice there.
@@ -111,6 +111,13 @@ int PictureOf(PCIDLIST_ABSOLUTE list, UINT flags) {
 
 }  // namespace
 
+std::optional<int> CompareItems(IShellFolder& folder, LPARAM rule, PCUIDLIST_RELATIVE a,
+                                PCUIDLIST_RELATIVE b) {
+  const HRESULT result = folder.CompareIDs(rule, a, b);
+  if (FAILED(result)) return std::nullopt;
+  return static_cast<short>(HRESULT_CODE(result));
+}
+
 void FolderTreeview::Attached() {
   TreeView_SetUnicodeFormat(Handle(), TRUE);
   ::SendMessageA(Handle(), TVM_SETEXTENDEDSTYLE, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
@@ -131,9 +138,10 @@ void FolderTreeview::SelectDesktop() {
 }
 
 void FolderTreeview::SelectPath(const std::string& path) {
-  const std::string name = TrimAtNull(path);
+  // The shell's parser takes the desktop for the current folder.
+  const std::string name = FullPath(path);
   HTREEITEM item = TreeView_GetRoot(Handle());
-  if (name.empty() || !item) return;
+  if (!BeginsOnADriveOrShare(name) || !item) return;
   const WaitCursor wait;
   const QuietDrives quiet;
   PIDLIST_ABSOLUTE raw = nullptr;
@@ -242,11 +250,14 @@ void FolderTreeview::InsertFolders(HTREEITEM item, IShellFolder& folder, IEnumID
   }
   // An order given by foreign code may contradict itself; a stable sort stays inside its range then.
   std::stable_sort(ids.begin(), ids.end(), [&](const UniqueItemIdList& a, const UniqueItemIdList& b) {
-    return Compare(folder, 0, a.get(), b.get()) < 0;
+    return StandsBefore(folder, a.get(), b.get());
   });
   const PCIDLIST_ABSOLUTE parent = NodeOf(item).folder.get();
+  const bool onADrive = !IsDesktop(parent) && BeginsOnADriveOrShare(PathOf(parent));
   for (const UniqueItemIdList& id : ids) {
-    Insert(item, TVI_LAST, UniqueItemIdList(::ILCombine(parent, id.get())));
+    UniqueItemIdList list(::ILCombine(parent, id.get()));
+    if (!onADrive && BeginsInAnotherNameSpace(PathOf(list.get()))) continue;
+    Insert(item, TVI_LAST, std::move(list));
   }
 }
 
@@ -259,8 +270,8 @@ HTREEITEM FolderTreeview::FindOrInsert(HTREEITEM parent, PCUITEMID_CHILD wanted)
   for (HTREEITEM item = TreeView_GetChild(Handle(), parent); item;
        item = TreeView_GetNextSibling(Handle(), item)) {
     const PCUITEMID_CHILD id = ::ILFindLastID(NodeOf(item).folder.get());
-    if (Compare(*folder, SHCIDS_CANONICALONLY, id, wanted) == 0) return item;
-    if (Compare(*folder, 0, id, wanted) < 0) before = item;
+    if (CompareItems(*folder, SHCIDS_CANONICALONLY, id, wanted) == 0) return item;
+    if (StandsBefore(*folder, id, wanted)) before = item;
   }
   return Insert(parent, before, UniqueItemIdList(::ILCombine(parentList, wanted)));
 }
@@ -278,7 +289,11 @@ void FolderTreeview::TellSelection(const Node& node) {
   if (!SelectionChange) return;
   const std::string path = PathOf(node.folder.get());
   const bool inFileSystem = AttributesOf(node.folder.get(), SFGAO_FILESYSTEM) != 0;
-  SelectionChange(inFileSystem && !path.empty() ? path : FromWide(NameOf(node.folder.get())), path);
+  if (inFileSystem && BeginsOnADriveOrShare(path)) {
+    SelectionChange(path, path);
+  } else {
+    SelectionChange(FromWide(NameOf(node.folder.get())), "");
+  }
 }
 
 }  // namespace zq

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,16 +20,24 @@ struct ItemIdListFree {
 };
 using UniqueItemIdList = std::unique_ptr<ITEMIDLIST, ItemIdListFree>;
 
+// Negative, zero or positive, as the shell orders two of a folder's items. Nothing if it can't tell: they
+// are not the same then.
+std::optional<int> CompareItems(IShellFolder& folder, LPARAM rule, PCUIDLIST_RELATIVE a,
+                                PCUIDLIST_RELATIVE b);
+
+// Folders outside the drives with a letter and the shares of servers, such as Wine's way to the files of the
+// system below it, aren't in the tree.
 class FolderTreeview : public Control {
  public:
   using Control::Control;
 
-  // `text` is the folder's path for a folder of a file system, the name that the tree shows for any other,
-  // such as the desktop; `fullPath` is "" where there is none. By the user or by code.
+  // `text` is the folder's path for a folder on a drive or a share, the name that the tree shows for any
+  // other, such as the desktop, whose `fullPath` is "". By the user or by code.
   std::function<void(const std::string& text, const std::string& fullPath)> SelectionChange;
 
   // Opens the tree down to a folder and selects it, also one that the shell doesn't list, such as a hidden
-  // one. A path that is no folder of the shell's changes nothing.
+  // one. A path that isn't full is made so by the current folder. One that the tree can't show changes
+  // nothing.
   void SelectPath(const std::string& path);
 
   // Selects the tree's root.

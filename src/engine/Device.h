@@ -7,6 +7,7 @@
 #pragma once
 
 #include <array>
+#include <chrono>
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -84,6 +85,8 @@ struct FileInfo {
   // Of a sparse file: the parts of it that have room on the device, in order, each of whole clusters. Nothing
   // else of it holds data, and writing there would take room. Unset for other files: they have all they need.
   std::optional<std::vector<ByteRange>> room;
+  // The length that no file goes beyond there, whole clusters or not; 0: none that matters.
+  std::uint64_t mostBytes = 0;
   // Empty, or a sentence for the user, who has this file wiped all the same: what may be left of it in places
   // that can't be reached from here.
   std::string caveat;
@@ -243,6 +246,13 @@ class TransferQueue {
 
   // Waits until one has ended, in whatever order. Only to be called while one is under way.
   virtual Ended Wait() = 0;
+  // The same, and returns false when none has ended by `limit`, where the queue can do that.
+  virtual bool WaitFor(std::chrono::milliseconds, Ended& ended) {
+    ended = Wait();
+    return true;
+  }
+  // Has the system give up what is under way, as far as it can. All of it ends by Wait as ever.
+  virtual void GiveUp() {}
 };
 
 class Device {

@@ -25,10 +25,11 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
   try {
     try {
       open();
-    } catch (const Failure&) {
+    } catch (const Failure& failure) {
       // Where files are opened for one alone, a second name of a file of the batch can't be until that is
-      // gone.
-      if (!HoldsFileOfSeveralNames()) throw;
+      // gone. And it may be the batch's own files that the system has too many of.
+      if (!HoldsFileOfSeveralNames() && failure.trouble != Trouble::TooManyOpen) throw;
+      item->file.reset();
       Run();
       open();
     }

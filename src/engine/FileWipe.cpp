@@ -25,7 +25,8 @@ std::uint64_t Extent(const FileInfo& info, const std::string& path) {
   if (bytes > std::numeric_limits<std::uint64_t>::max() - cluster) {
     throw MakeFailure("Opening", path, "its length can't be right");
   }
-  return bytes + (cluster - rest);
+  const std::uint64_t whole = bytes + (cluster - rest);
+  return info.mostBytes == 0 ? whole : std::max(bytes, std::min(whole, info.mostBytes));
 }
 
 // Opens a file or a stream in the way that fits it, and learns how much of it there is to cover.
@@ -190,7 +191,9 @@ bool FileWipe::IsSameFileAs(FileWipe& other) {
 
 void FileWipe::Hide() {
   File& file = parts_.front().TheFile();
-  Require(file.SetDates(), "Setting the dates of", hiddenPath_);
+  if (!file.SetDates().Ok()) {
+    operation_.AddNote("The dates of what was wiped could not be changed everywhere and may still be found.");
+  }
   HideName(operation_, nameNow_, hiddenPath_, place_.shortestName, [&](const std::string& name) {
     Status status = file.Rename(name);
     if (status.Ok()) nameNow_ = name;

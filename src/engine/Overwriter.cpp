@@ -99,7 +99,13 @@ void Overwriter::Compare(const Pipeline::Transfer& transfer) {
     const std::span<const std::byte> expected =
         Produce(transfer.offsetBytes + done, operation_.buffer.First(size));
     if (std::memcmp(expected.data(), transfer.data.data() + done, size) != 0) {
-      failure_ = MakeFailure(kReading, path_, "the device doesn't hold what was written");
+      // What others have done since the last pass can be seen, mostly.
+      FileInfo info;
+      const bool othersDid = file_->Info(info).Ok() && !info.notInPlace.empty();
+      failure_ = MakeFailure(
+          kReading, path_,
+          othersDid ? info.notInPlace
+                    : "the device doesn't hold what was written, or another program has written to it");
       return;
     }
     done += size;

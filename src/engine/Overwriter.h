@@ -72,6 +72,7 @@ class Overwriter final : private Pipeline::Client {
   void TakePass(const Pass& pass);
   void Compare(const Pipeline::Transfer& transfer);
   void TransferEnded(const Pipeline::Transfer& transfer, const Status& status) override;
+  void StillWaiting() override { meter_->Worked(0); }
   std::span<const std::byte> Produce(std::uint64_t offsetBytes, std::span<std::byte> into) const;
 
   Operation& operation_;

@@ -1,8 +1,15 @@
 #include "engine/Pipeline.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace zq::engine {
+namespace {
+
+// A share that has died answers after minutes, and a cancel has to get through meanwhile.
+constexpr std::chrono::milliseconds kLongestSilence{100};
+
+}  // namespace
 
 Pipeline::Pipeline(Device& device, const Clock& clock, Pace& pace)
     : clock_(clock),
@@ -60,8 +67,15 @@ void Pipeline::Continue(std::size_t index) {
   }
 }
 
+Pipeline::Client& Pipeline::ClientOfOneUnderWay() {
+  std::size_t index = 0;
+  while (std::find(free_.begin(), free_.end(), index) != free_.end()) ++index;
+  return *slots_[index].client;
+}
+
 void Pipeline::WaitForOne() {
-  TransferQueue::Ended ended = queue_->Wait();
+  TransferQueue::Ended ended;
+  while (!queue_->WaitFor(kLongestSilence, ended)) ClientOfOneUnderWay().StillWaiting();
   Slot& slot = slots_[ended.tag];
   const std::size_t wanted = slot.data.size() - slot.done;
   if (ended.status.Ok() && ended.bytes < wanted) {
@@ -93,6 +107,7 @@ void Pipeline::Drain() {
 }
 
 void Pipeline::Abandon() noexcept {
+  if (underWay_ > 0) queue_->GiveUp();
   while (underWay_ > 0) Release(queue_->Wait().tag);
 }
 

@@ -29,6 +29,8 @@ class Pipeline {
     virtual ~Client() = default;
     // Called from MakeRoom and Drain; may throw. `data` is good until it returns.
     virtual void TransferEnded(const Transfer& transfer, const Status& status) = 0;
+    // Called from there several times a second while the device doesn't answer; may throw.
+    virtual void StillWaiting() = 0;
   };
 
   Pipeline(Device& device, const Clock& clock, Pace& pace);
@@ -47,7 +49,8 @@ class Pipeline {
 
   // Waits until nothing is under way.
   void Drain();
-  // The same, without telling anybody. Nothing throws: this is for the way out.
+  // The same, without telling anybody, and without waiting longer than the system has to: the rest is of no
+  // use to anybody. Nothing throws: this is for the way out.
   void Abandon() noexcept;
 
  private:
@@ -67,6 +70,7 @@ class Pipeline {
   void Occupy(std::size_t index);
   void Release(std::size_t index) noexcept;
   void WaitForOne();
+  Client& ClientOfOneUnderWay();
 
   const Clock& clock_;
   Pace& pace_;

@@ -1,5 +1,6 @@
 // The device on Linux: what is done for several files or folders together.
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -34,8 +35,10 @@ class PosixDevice final : public Device {
     EntryFacts facts;
     if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
     Volume volume;
-    if (Status status = LookAtVolume(fd.Get(), facts.device, volume); !status.Ok()) return status;
-    folder = std::make_unique<PosixFolder>(std::move(fd), facts, std::move(volume));
+    if (Status status = LookAtVolume(fd.Get(), facts, options_.trustFileSystem, volume); !status.Ok()) {
+      return status;
+    }
+    folder = std::make_unique<PosixFolder>(std::move(fd), facts, std::move(volume), options_.trustFileSystem);
     return {};
   }
 
@@ -70,7 +73,17 @@ class PosixDevice final : public Device {
     return folderPath + '/' + name;
   }
 
-  std::size_t NameLength(const std::string& name) const override { return name.empty() ? 1 : name.size(); }
+  // File systems that take more than 255 bytes count in units of UTF-16, and 255 of these.
+  std::size_t NameLength(const std::string& name) const override {
+    constexpr std::size_t kMostBytes = 255;
+    if (name.size() <= kMostBytes) return std::max<std::size_t>(name.size(), 1);
+    std::size_t units = 0;
+    for (const char c : name) {
+      const auto byte = static_cast<unsigned char>(c);
+      if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
+    }
+    return std::clamp<std::size_t>(units, 1, kMostBytes);
+  }
 
   // All work goes by descriptors, which don't care what a folder is called.
   bool RenamesOpenFolders() const override { return true; }
@@ -183,7 +196,7 @@ class PosixDevice final : public Device {
       }
       return {};
     }
-    if (volume.magic != kExtMagic || !volume.isOrdered) return {};
+    if (!volume.mayHaveJournal) return {};
     if (volume.mayClearJournal) {
       // Content may have gone through it: small files and extended attributes, or all of it.
       return Checkpoint(posix.Fd(), kZeroOut) ? Status{} : LastError();
@@ -253,6 +266,12 @@ class PosixDevice final : public Device {
 }  // namespace
 
 std::unique_ptr<Device> MakeSystemDevice(const DeviceOptions& options) {
+  // As many as the process may have without asking anybody.
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+    limit.rlim_cur = limit.rlim_max;
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+  }
   return std::make_unique<PosixDevice>(options);
 }
 

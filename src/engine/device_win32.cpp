@@ -1,4 +1,5 @@
-// The device on Windows.
+#include "engine/device_win32.h"
+
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
@@ -7,8 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/Device.h"
-#include "engine/entries_win32.h"
+#include "engine/calls_win32.h"
 #include "engine/file_win32.h"
 #include "engine/folder_win32.h"
 #include "engine/paths_win32.h"
@@ -59,25 +59,29 @@ class Flushes {
 
 class WindowsDevice final : public Device {
  public:
-  explicit WindowsDevice(const DeviceOptions& options) : options_(options) {}
+  WindowsDevice(const DeviceOptions& options, std::unique_ptr<WindowsCalls> calls)
+      : options_(options), calls_(std::move(calls)) {}
 
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override {
     std::wstring longPath;
     if (Status status = LongPath(path, longPath); !status.Ok()) return status;
-    return OpenWindowsFolder(longPath, true, folder);
+    return OpenRootFolder(*calls_, longPath, options_.trustFileSystem, folder);
   }
 
   Status Identify(const std::string& path, EntryId& id) override {
     std::wstring longPath;
     if (Status status = LongPath(path, longPath); !status.Ok()) return status;
-    UniqueHandle handle(::CreateFileW(
-        longPath.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-    if (!handle.IsOpen()) return LastError();
+    Closing handle(*calls_);
+    constexpr Opening kToIdentify = {kReadAttributes | kSynchronize, kShareRead | kShareWrite | kShareDelete,
+                                     kOpenExisting, kBackupSemantics | kOpenReparsePoint | kOpenNoRecall};
+    if (const Code code = calls_->Open(longPath, kToIdentify, handle.handle); code != kSuccess) {
+      return FromCode(code);
+    }
+    // Without a hold: a handle would keep the entry from going where it goes only with its last one (FAT).
+    // NTFS counts in the number itself how often it was given to another file.
     id = {};
-    if (Status status = IdentityOf(handle.Get(), id.file); !status.Ok()) return status;
-    id.hold = std::make_shared<UniqueHandle>(std::move(handle));
-    return {};
+    const Code code = calls_->Identity(handle.handle, id.file);
+    return code == kSuccess ? Status{} : FromCode(code);
   }
 
   Status Split(const std::string& path, std::string& folderPath, std::string& name) const override {
@@ -121,7 +125,7 @@ class WindowsDevice final : public Device {
     for (std::size_t i = files.size(); i > 0; --i) {
       auto& file = static_cast<WindowsFile&>(*files[i - 1]);
       const Volume& volume = file.OnVolume();
-      if (!file.IsDirect() || !volume.isLocal) {
+      if (!file.IsDirect() || !volume.flushesAtOnce) {
         apart.push_back(i - 1);
         continue;
       }
@@ -155,16 +159,21 @@ class WindowsDevice final : public Device {
   }
 
   DeviceOptions options_;
+  std::unique_ptr<WindowsCalls> calls_;
 };
 
 }  // namespace
+
+std::unique_ptr<Device> MakeDevice(const DeviceOptions& options, std::unique_ptr<WindowsCalls> calls) {
+  return std::make_unique<WindowsDevice>(options, std::move(calls));
+}
 
 }  // namespace zq::engine::win32
 
 namespace zq::engine {
 
 std::unique_ptr<Device> MakeSystemDevice(const DeviceOptions& options) {
-  return std::make_unique<win32::WindowsDevice>(options);
+  return win32::MakeDevice(options, win32::MakeSystemCalls());
 }
 
 }  // namespace zq::engine

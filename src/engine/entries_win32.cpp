@@ -2,43 +2,18 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
-#include "engine/paths_win32.h"
+#include "engine/WindowsContent.h"
 
 namespace zq::engine::win32 {
 
-Status LookAt(HANDLE handle, Facts& facts) {
-  FILE_ATTRIBUTE_TAG_INFO info{};
-  if (::GetFileInformationByHandleEx(handle, FileAttributeTagInfo, &info, sizeof info) == 0) {
-    const DWORD code = ::GetLastError();
-    // Some file systems know no tags, and so no reparse points.
-    FILE_BASIC_INFO basic{};
-    if (::GetFileInformationByHandleEx(handle, FileBasicInfo, &basic, sizeof basic) == 0)
-      return FromCode(code);
-    if ((basic.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) return FromCode(code);
-    info.FileAttributes = basic.FileAttributes;
-  }
-  facts.attributes = info.FileAttributes;
-  facts.isFolder = (info.FileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-  facts.isReparsePoint = (info.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-  facts.isLink = facts.isReparsePoint && IsReparseTagNameSurrogate(info.ReparseTag);
-  return {};
-}
-
-Status IdentityOf(HANDLE handle, FileId& id) {
-  FILE_ID_INFO wide{};
-  if (::GetFileInformationByHandleEx(handle, FileIdInfo, &wide, sizeof wide) != 0) {
-    id.volume = wide.VolumeSerialNumber;
-    static_assert(sizeof id.file == sizeof wide.FileId);
-    std::memcpy(id.file.data(), &wide.FileId, sizeof wide.FileId);
-    return {};
-  }
-  BY_HANDLE_FILE_INFORMATION narrow{};
-  if (::GetFileInformationByHandle(handle, &narrow) == 0) return LastError();
-  id.volume = narrow.dwVolumeSerialNumber;
-  id.file = {std::uint64_t{narrow.nFileIndexHigh} << 32 | narrow.nFileIndexLow, 0};
-  return {};
+Facts FactsOf(DWORD attributes, DWORD reparseTag) {
+  Facts facts;
+  facts.attributes = attributes;
+  facts.isFolder = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  facts.isReparsePoint = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+  facts.isLink = facts.isReparsePoint && IsReparseTagNameSurrogate(reparseTag);
+  return facts;
 }
 
 EntryKind KindOf(const Facts& facts) {
@@ -60,52 +35,24 @@ Status RenameByHandle(HANDLE handle, const std::wstring& newPath) {
   return {};
 }
 
-Status RemoveByHandle(UniqueHandle& handle, const std::wstring& path) {
-  // Taken out of the folder at once, even while a virus scanner still looks at the file. The class is
-  // documented (Windows 10 1607), but not in every compiler's headers.
-  constexpr auto kFileDispositionInfoEx = static_cast<FILE_INFO_BY_HANDLE_CLASS>(21);
-  FILE_DISPOSITION_INFO_EX atOnce{FILE_DISPOSITION_FLAG_DELETE | FILE_DISPOSITION_FLAG_POSIX_SEMANTICS};
-  if (::SetFileInformationByHandle(handle.Get(), kFileDispositionInfoEx, &atOnce, sizeof atOnce) == 0) {
-    FILE_DISPOSITION_INFO atClose{TRUE};
-    if (::SetFileInformationByHandle(handle.Get(), FileDispositionInfo, &atClose, sizeof atClose) == 0) {
-      return LastError();
-    }
-  }
-  handle.Reset();
-  if (::GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES) {
-    return Status::Refusal("it stays for as long as another program has it open");
-  }
-  const DWORD code = ::GetLastError();
-  if (code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND) return {};
-  return FromCode(code);
-}
-
-Status ListStreamsOf(const std::wstring& path, std::vector<std::string>& names) {
+Status ListStreamsOf(HANDLE handle, const Volume& volume, std::vector<std::string>& names) {
+  constexpr std::size_t kMostBytes = std::size_t{16} << 20;
   names.clear();
-  WIN32_FIND_STREAM_DATA data{};
-  const HANDLE search = ::FindFirstStreamW(path.c_str(), FindStreamInfoStandard, &data, 0);
-  if (search == INVALID_HANDLE_VALUE) {
-    switch (const DWORD code = ::GetLastError()) {
-      case ERROR_HANDLE_EOF:  // none, as for most folders
-      case ERROR_INVALID_PARAMETER:
-      case ERROR_INVALID_FUNCTION:
-      case ERROR_NOT_SUPPORTED:
-      case ERROR_CALL_NOT_IMPLEMENTED:  // the file system has no streams
-        return {};
-      default:
-        return FromCode(code);
-    }
+  if (!volume.HasStreams()) return {};
+  std::vector<std::byte> answer(4096);
+  while (::GetFileInformationByHandleEx(handle, FileStreamInfo, answer.data(),
+                                        static_cast<DWORD>(answer.size())) == 0) {
+    const DWORD code = ::GetLastError();
+    if (code == ERROR_HANDLE_EOF) return {};  // none, as for most folders
+    if (code != ERROR_MORE_DATA && code != ERROR_INSUFFICIENT_BUFFER) return FromCode(code);
+    if (answer.size() >= kMostBytes) return FromCode(code);
+    answer.assign(answer.size() * 4, std::byte{0});
   }
-  Status status;
-  for (;;) {
-    // ":name:$DATA"; the content itself is "::$DATA".
-    const std::wstring name = data.cStreamName;
-    if (!StartsWith(name, L"::")) names.push_back(Narrow(name.substr(1)));
-    if (::FindNextStreamW(search, &data) == 0) break;
+  static_assert(sizeof(wchar_t) == sizeof(char16_t));
+  for (const std::u16string& name : StreamNames(answer)) {
+    names.push_back(Narrow(std::wstring(name.begin(), name.end())));
   }
-  if (const DWORD code = ::GetLastError(); code != ERROR_HANDLE_EOF) status = FromCode(code);
-  ::FindClose(search);
-  return status;
+  return {};
 }
 
 }  // namespace zq::engine::win32

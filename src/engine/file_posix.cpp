@@ -4,13 +4,61 @@
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "engine/attribute_posix.h"
 
 namespace zq::engine {
+namespace {
+
+// Where a file has data, by the system's other way of telling it, in whole blocks.
+std::vector<ByteRange> DataIn(int fd, std::uint64_t lengthBytes, std::uint64_t block) {
+  std::vector<ByteRange> parts;
+  for (std::uint64_t at = 0; at < lengthBytes;) {
+    const off_t data = ::lseek(fd, static_cast<off_t>(at), SEEK_DATA);
+    if (data < 0) {
+      if (errno != ENXIO) parts.assign(1, {0, (lengthBytes + block - 1) / block * block});
+      break;
+    }
+    const off_t hole = ::lseek(fd, data, SEEK_HOLE);
+    const std::uint64_t first = static_cast<std::uint64_t>(data) / block * block;
+    const std::uint64_t end = hole < 0 ? lengthBytes : static_cast<std::uint64_t>(hole);
+    at = (end + block - 1) / block * block;
+    parts.push_back({first, at - first});
+  }
+  return parts;
+}
+
+// Direct transfers aren't given for content that goes through a journal (Linux 6.1 tells).
+bool TakesDirectTransfers(int fd) {
+  struct statx facts {};
+  return ::statx(fd, "", AT_EMPTY_PATH, STATX_DIOALIGN, &facts) == 0 &&
+         (facts.stx_mask & STATX_DIOALIGN) != 0 && facts.stx_dio_offset_align > 0;
+}
+
+}  // namespace
+
+GivenRight::~GivenRight() {
+  if (file_.IsOpen()) ::chmod(("/proc/self/fd/" + std::to_string(file_.Get())).c_str(), mode_);
+}
+
+bool GivenRight::Give(int folderFd, const std::string& name, const EntryFacts& meant) {
+  constexpr mode_t kOwnerMayWrite = S_IRUSR | S_IWUSR;
+  if (meant.owner != ::geteuid() || (meant.mode & kOwnerMayWrite) == kOwnerMayWrite) return false;
+  UniqueFd file(::openat(folderFd, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+  EntryFacts facts;
+  if (!file.IsOpen() || !LookAt(file.Get(), "", facts).Ok() || !facts.IsSameAs(meant)) return false;
+  const std::string path = "/proc/self/fd/" + std::to_string(file.Get());
+  if (::chmod(path.c_str(), (meant.mode & 07777) | kOwnerMayWrite) != 0) return false;
+  mode_ = meant.mode & 07777;
+  file_ = std::move(file);
+  return true;
+}
 
 void PosixFile::GoDirect() {
   direct_ = !JournalsData() && ::fcntl(fd_.Get(), F_SETFL, O_DIRECT) == 0;
@@ -23,21 +71,102 @@ Status PosixFile::Info(FileInfo& info) {
   // st_blocks counts the blocks of the extent tree too: no measure for what lies behind the end.
   info.allocatedBytes = 0;
   info.clusterBytes = volume_.clusterBytes;
+  info.room.reset();
+  LookAtPlace(facts, info);
+  info.caveat = volume_.caveat;
+  info.names = facts.links;
+  return {};
+}
+
+void PosixFile::LookAtPlace(const EntryFacts& facts, FileInfo& info) {
   int flags = 0;
   const bool hasFlags = ::ioctl(fd_.Get(), FS_IOC_GETFLAGS, &flags) == 0;
+  if ((facts.attributes & STATX_ATTR_COMPRESSED) != 0) flags |= FS_COMPR_FL;
+  if ((facts.attributes & STATX_ATTR_ENCRYPTED) != 0) flags |= FS_ENCRYPT_FL;
   // Content without blocks lies in the inode, or is a hole. ext4 tells which.
   info.inRecord = facts.allocatedBytes == 0 && facts.lengthBytes > 0 &&
                   facts.lengthBytes < volume_.clusterBytes &&
                   (volume_.magic != kExtMagic || (flags & FS_INLINE_DATA_FL) != 0);
   Placement placement = PlacementOf(fd_.Get());
-  info.notInPlace = WhyNotInPlace(volume_, hasFlags ? flags : 0, placement);
+  info.notInPlace = WhyNotInPlace(volume_, flags, placement);
+  if (info.notInPlace.empty()) info.notInPlace = WhyNotSure(hasFlags);
+  if (!info.inRecord) LookForRoom(facts, placement, info);
   if (info.notInPlace.empty()) info.notInPlace = WhyNotTheSame(facts, placement.pieces);
   if (!placement_) {
     placement_ = std::move(placement.pieces);
     openedBytes_ = info.lengthBytes;
   }
-  info.names = facts.links;
+}
+
+// What can't be found out counts as the bad case.
+std::string PosixFile::WhyNotSure(bool hasFlags) const {
+  if ((volume_.magic == kExtMagic || volume_.magic == kXfsMagic) && !hasFlags) {
+    return "it can't be found out whether it is compressed or encrypted";
+  }
+  if (volume_.mayJournalData && !volume_.mayClearJournal && JournalsData()) {
+    return "it can't be found out whether the file system keeps data in its journal";
+  }
+  if (!volume_.isNtfs3g) return {};
+  constexpr std::uint32_t kSparse = 0x200;
+  constexpr std::uint32_t kCompressed = 0x800;
+  constexpr std::uint32_t kEncrypted = 0x4000;
+  unsigned char value[4]{};
+  if (::fgetxattr(fd_.Get(), "system.ntfs_attrib_be", value, sizeof value) != sizeof value) {
+    return "it can't be found out whether it is compressed or encrypted";
+  }
+  std::uint32_t attributes = 0;
+  for (const unsigned char byte : value) attributes = attributes << 8 | byte;
+  if ((attributes & kCompressed) != 0) return "it is compressed by the file system";
+  if ((attributes & kEncrypted) != 0) return "it is encrypted by the file system";
+  if ((attributes & kSparse) != 0) {
+    return "it is a sparse file, and the file system doesn't tell where its content lies";
+  }
   return {};
+}
+
+// What has room on the device, of a file that isn't whole there. ext4 can give out space in larger units than
+// it tells (bigalloc): a file then has more than its extents show, and what lies there may be its own from
+// before it was cut.
+void PosixFile::LookForRoom(const EntryFacts& facts, const Placement& placement, FileInfo& info) const {
+  const std::uint64_t block = std::max<std::uint64_t>(volume_.clusterBytes, 1);
+  const auto up = [](std::uint64_t bytes, std::uint64_t unit) { return (bytes + unit - 1) / unit * unit; };
+  std::vector<ByteRange> room = placement.room;
+  if (!placement.isTold) {
+    if (facts.allocatedBytes >= facts.lengthBytes) return;
+    room = DataIn(fd_.Get(), facts.lengthBytes, block);
+  }
+  std::uint64_t told = 0;
+  for (const ByteRange& part : room) told += part.sizeBytes;
+  std::uint64_t unit = block;
+  std::uint64_t hidden = 0;
+  if (volume_.magic == kExtMagic && facts.allocatedBytes > told) {
+    hidden = facts.allocatedBytes - told;
+    // The unit divides what the file has. Blocks of the file system's own are among it, so the guess is at
+    // most too large.
+    constexpr std::uint64_t kLargestUnit = std::uint64_t{1} << 30;
+    while (unit < kLargestUnit && facts.allocatedBytes % (unit * 2) == 0) unit *= 2;
+  }
+  const std::uint64_t blocksEnd = up(facts.lengthBytes, block);
+  const std::uint64_t end = std::min(up(facts.lengthBytes, unit), blocksEnd + hidden);
+  std::uint64_t covered = 0;
+  std::vector<ByteRange> parts;
+  for (const ByteRange& part : room) {
+    std::uint64_t first = part.offsetBytes / unit * unit;
+    const std::uint64_t last = std::min(up(part.offsetBytes + part.sizeBytes, unit), end);
+    if (!parts.empty()) first = std::max(first, parts.back().offsetBytes + parts.back().sizeBytes);
+    if (first >= last) continue;
+    if (!parts.empty() && parts.back().offsetBytes + parts.back().sizeBytes == first) {
+      parts.back().sizeBytes += last - first;
+    } else {
+      parts.push_back({first, last - first});
+    }
+    covered += last - first;
+  }
+  if (covered < blocksEnd) {
+    info.room = std::move(parts);
+  } else {
+    info.allocatedBytes = end;
+  }
 }
 
 Status PosixFile::Identity(FileId& id) {
@@ -139,6 +268,7 @@ Status PosixFile::Remove() {
 
 bool PosixFile::JournalsData() const {
   if (volume_.journalsData) return true;
+  if (volume_.mayJournalData && !TakesDirectTransfers(fd_.Get())) return true;
   int flags = 0;
   return volume_.magic == kExtMagic && volume_.mayClearJournal &&
          ::ioctl(fd_.Get(), FS_IOC_GETFLAGS, &flags) == 0 &&
@@ -147,7 +277,10 @@ bool PosixFile::JournalsData() const {
 
 std::string PosixFile::WhyNotTheSame(const EntryFacts& facts, const std::vector<Piece>& pieces) const {
   if (placement_ && !LiesWhereItLay(*placement_, pieces, openedBytes_)) {
-    return "another program has moved its content during the wipe";
+    return volume_.magic == kXfsMagic
+               ? "its content lies in another place now: xfs has put it there, as it does after a copy by "
+                 "reflink, or another program has"
+               : "another program has moved its content during the wipe";
   }
   if (writtenAt_ &&
       (writtenAt_->tv_sec != facts.changed.tv_sec || writtenAt_->tv_nsec != facts.changed.tv_nsec)) {

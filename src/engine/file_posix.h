@@ -14,10 +14,33 @@
 
 namespace zq::engine {
 
+// The right to write to a read-only file of the user's own, for as long as this lives: what a wipe takes is
+// put back where the file stays.
+class GivenRight {
+ public:
+  GivenRight() = default;
+  GivenRight(GivenRight&& other) noexcept = default;
+  GivenRight& operator=(GivenRight&&) = delete;
+  ~GivenRight();
+
+  // False if the file isn't `meant`, or the right isn't ours to give.
+  bool Give(int folderFd, const std::string& name, const EntryFacts& meant);
+
+ private:
+  UniqueFd file_;  // open for nothing but this
+  mode_t mode_ = 0;
+};
+
 class PosixFile final : public PosixPart {
  public:
-  PosixFile(UniqueFd fd, int folderFd, std::string name, const EntryFacts& facts, const Volume& volume)
-      : fd_(std::move(fd)), folderFd_(folderFd), name_(std::move(name)), id_(facts.Id()), volume_(volume) {}
+  PosixFile(UniqueFd fd, int folderFd, std::string name, const EntryFacts& facts, const Volume& volume,
+            GivenRight right)
+      : right_(std::move(right)),
+        fd_(std::move(fd)),
+        folderFd_(folderFd),
+        name_(std::move(name)),
+        id_(facts.Id()),
+        volume_(volume) {}
 
   // Leaves the file cached where direct transfers are not to be had.
   void GoDirect();
@@ -66,6 +89,10 @@ class PosixFile final : public PosixPart {
 
  private:
   bool JournalsData() const;
+  // Fills in where the content lies, and why it can't be overwritten there.
+  void LookAtPlace(const EntryFacts& facts, FileInfo& info);
+  void LookForRoom(const EntryFacts& facts, const Placement& placement, FileInfo& info) const;
+  std::string WhyNotSure(bool hasFlags) const;
 
   // Empty, or what another program has done since the file was first looked at. Where the content lies tells
   // of blocks that were given back, though the length may be what it was; the date tells of what has come
@@ -80,6 +107,7 @@ class PosixFile final : public PosixPart {
   Status CheckEntry() const;
   Status CheckEntry(EntryFacts& facts) const;
 
+  GivenRight right_;
   UniqueFd fd_;
   int folderFd_;
   std::string name_;

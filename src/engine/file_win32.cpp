@@ -4,94 +4,90 @@
 #include "engine/transfers_win32.h"
 
 namespace zq::engine::win32 {
-namespace {
 
-struct AttributeRefusal {
-  DWORD attribute;
-  const char* reason;
-};
-
-constexpr DWORD kIntegrityStream = 0x00008000;  // ReFS writes such files to a new place
-constexpr DWORD kRecallOnOpen = 0x00040000;     // the content comes from elsewhere when it is asked for
-constexpr DWORD kRecallOnDataAccess = 0x00400000;
-
-constexpr AttributeRefusal kRefusedAttributes[] = {
-    {FILE_ATTRIBUTE_COMPRESSED, "it is compressed by the file system"},
-    {FILE_ATTRIBUTE_SPARSE_FILE, "it is a sparse file"},
-    {FILE_ATTRIBUTE_ENCRYPTED, "it is encrypted by the file system"},
-    {kIntegrityStream, "the file system writes its new data to a new place"},
-    {FILE_ATTRIBUTE_OFFLINE, "its content is kept in another place"},
-    {kRecallOnOpen, "its content is kept in another place"},
-    {kRecallOnDataAccess, "its content is kept in another place"},
-    {FILE_ATTRIBUTE_REPARSE_POINT, "another program keeps its content"},
-};
-
-}  // namespace
-
-Status WindowsFile::Open(const std::wstring& folderPath, const std::wstring& name, const Volume& volume,
-                         Access access, DWORD disposition, std::unique_ptr<File>& file) {
-  const std::wstring path = JoinWide(folderPath, name);
-  bool direct = access == Access::Direct;
-  const auto open = [&] {
-    const DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_WRITE_THROUGH |
-                        FILE_FLAG_OVERLAPPED | (direct ? FILE_FLAG_NO_BUFFERING : 0);
-    // Others may read meanwhile. They may not write: that would bring content back.
-    return UniqueHandle(::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE | DELETE,
-                                      FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr, disposition, flags,
-                                      nullptr));
-  };
-  UniqueHandle handle = open();
-  if (!handle.IsOpen() && direct && ::GetLastError() == ERROR_INVALID_PARAMETER) {
-    direct = false;
-    handle = open();
+WindowsFile::~WindowsFile() {
+  if (opened_.handle == nullptr) return;
+  // It stays, so it is read-only again.
+  std::uint32_t attributes = 0;
+  std::uint32_t tag = 0;
+  if (opened_.wasReadOnly && place_.calls->Look(opened_.handle, attributes, tag) == kSuccess) {
+    (void)place_.calls->SetAttributes(opened_.handle, attributes | kAttributeReadOnly);
   }
-  if (!handle.IsOpen()) return LastError();
-  if (::GetFileType(handle.Get()) != FILE_TYPE_DISK) return Status::Refusal("it is not a regular file");
-  Facts facts;
-  if (Status status = LookAt(handle.Get(), facts); !status.Ok()) return status;
-  if (facts.isLink) return Status::Refusal("it is a link");
-  // Not each file system keeps us from opening it.
-  if ((facts.attributes & FILE_ATTRIBUTE_READONLY) != 0) return Status::Refusal(kReadOnly);
-  file = std::make_unique<WindowsFile>(std::move(handle), folderPath, name, volume, direct);
+  place_.calls->Close(opened_.handle);
+}
+
+Status WindowsFile::Open(const FolderPlace& place, const std::wstring& name, Access access,
+                         std::unique_ptr<File>& file) {
+  OpenedFile opened;
+  const Wanted wanted{JoinWide(place.path, name), place.finalPath, access};
+  if (Status status = OpenToOverwrite(*place.calls, *place.volume, wanted, opened); !status.Ok())
+    return status;
+  auto made = std::make_unique<WindowsFile>(place, name, std::move(opened));
+  if (::GetFileType(made->Handle()) != FILE_TYPE_DISK) return Status::Refusal("it is not a regular file");
+  file = std::move(made);
+  return {};
+}
+
+Status WindowsFile::Add(const FolderPlace& place, const std::wstring& name, Access access,
+                        std::unique_ptr<File>& file) {
+  OpenedFile opened;
+  const Wanted wanted{JoinWide(place.path, name), place.finalPath, access};
+  if (Status status = CreateNew(*place.calls, *place.volume, wanted, opened); !status.Ok()) return status;
+  file = std::make_unique<WindowsFile>(place, name, std::move(opened));
   return {};
 }
 
 Status WindowsFile::Info(FileInfo& info) {
+  WindowsCalls& calls = *place_.calls;
+  Volume& volume = *place_.volume;
   FILE_STANDARD_INFO standard{};
-  if (::GetFileInformationByHandleEx(handle_.Get(), FileStandardInfo, &standard, sizeof standard) == 0) {
+  if (::GetFileInformationByHandleEx(Handle(), FileStandardInfo, &standard, sizeof standard) == 0) {
     return LastError();
   }
-  Facts facts;
-  if (Status status = LookAt(handle_.Get(), facts); !status.Ok()) return status;
+  std::uint32_t attributes = 0;
+  std::uint32_t tag = 0;
+  if (const Code code = calls.Look(Handle(), attributes, tag); code != kSuccess) return FromCode(code);
+  info = {};
   info.lengthBytes = static_cast<std::uint64_t>(standard.EndOfFile.QuadPart);
   info.allocatedBytes = static_cast<std::uint64_t>(standard.AllocationSize.QuadPart);
-  info.clusterBytes = volume_.clusterBytes;
-  // What lies in clusters occupies whole ones; what lies in the MFT record is told in units of 8 bytes.
-  info.inRecord = volume_.isNtfs && info.lengthBytes > 0 && info.allocatedBytes % volume_.clusterBytes != 0;
+  info.clusterBytes = volume.clusterBytes;
+  info.mostBytes = MostBytesOn(volume);
   info.names = standard.NumberOfLinks;
-  info.notInPlace.clear();
-  for (const AttributeRefusal& refusal : kRefusedAttributes) {
-    if ((facts.attributes & refusal.attribute) != 0) {
-      info.notInPlace = refusal.reason;
-      break;
-    }
+  info.caveat = CaveatOf(volume);
+  if (!info.caveat.empty() && !opened_.caveat.empty()) info.caveat += ' ';
+  info.caveat += opened_.caveat;
+  info.notInPlace = WhyNotWith(attributes, tag, volume.isTrusted);
+  if (!info.notInPlace.empty()) return {};
+
+  if (!places_) ProtectClusters(calls, Handle(), volume);
+  Places places;
+  info.notInPlace = FindPlaces(calls, Handle(), volume, places);
+  info.inRecord = volume.IsNtfs() && info.lengthBytes > 0 && places.kind == Places::Kind::InRecord;
+  if (info.notInPlace.empty() && !info.inRecord && (attributes & kAttributeSparse) != 0) {
+    info.notInPlace = FindRoom(calls, Handle(), volume, info.lengthBytes, places, info.room.emplace());
+  }
+  if (!places_) {
+    places_ = std::move(places);
+  } else if (!LiesWhereItLay(*places_, places)) {
+    info.notInPlace = "another program has moved it during the wipe";
   }
   return {};
 }
 
 Status WindowsFile::Identity(FileId& id) {
-  return IdentityOf(handle_.Get(), id);
+  const Code code = place_.calls->Identity(Handle(), id);
+  return code == kSuccess ? Status{} : FromCode(code);
 }
 
 Status WindowsFile::Write(std::uint64_t offsetBytes, std::span<const std::byte> data, std::size_t& written) {
   OverlappedTransfer transfer;
   if (Status status = transfer.Prepare(); !status.Ok()) return status;
-  transfer.BeginWrite(handle_.Get(), offsetBytes, data);
+  transfer.BeginWrite(Handle(), offsetBytes, data);
   return transfer.End(written);
 }
 
 Status WindowsFile::Flush() {
-  return ::FlushFileBuffers(handle_.Get()) != 0 ? Status{} : LastError();
+  return ::FlushFileBuffers(Handle()) != 0 ? Status{} : LastError();
 }
 
 Status WindowsFile::DropCache() {
@@ -101,24 +97,31 @@ Status WindowsFile::DropCache() {
 Status WindowsFile::Read(std::uint64_t offsetBytes, std::span<std::byte> data, std::size_t& got) {
   OverlappedTransfer transfer;
   if (Status status = transfer.Prepare(); !status.Ok()) return status;
-  transfer.BeginRead(handle_.Get(), offsetBytes, data);
+  transfer.BeginRead(Handle(), offsetBytes, data);
   return transfer.End(got);
 }
 
 Status WindowsFile::ListStreams(std::vector<std::string>& names) {
-  return ListStreamsOf(Path(), names);
+  return ListStreamsOf(Handle(), *place_.volume, names);
 }
 
 Status WindowsFile::OpenStream(const std::string& name, Access access, std::unique_ptr<File>& stream) {
-  return Open(folderPath_, name_ + L':' + Wide(name), volume_, access, OPEN_EXISTING, stream);
+  FileId own;
+  if (Status status = Identity(own); !status.Ok()) return status;
+  std::unique_ptr<File> opened;
+  if (Status status = Open(place_, name_ + L':' + Wide(name), access, opened); !status.Ok()) return status;
+  FileId its;
+  if (Status status = opened->Identity(its); !status.Ok()) return status;
+  if (its != own) return Status::Refusal("another file has come under this name");
+  stream = std::move(opened);
+  return {};
 }
 
 Status WindowsFile::SetLength(std::uint64_t lengthBytes) {
   FILE_END_OF_FILE_INFO info{};
   info.EndOfFile.QuadPart = static_cast<LONGLONG>(lengthBytes);
-  if (::SetFileInformationByHandle(handle_.Get(), FileEndOfFileInfo, &info, sizeof info) == 0) {
-    return LastError();
-  }
+  if (::SetFileInformationByHandle(Handle(), FileEndOfFileInfo, &info, sizeof info) == 0) return LastError();
+  places_.reset();
   return {};
 }
 
@@ -129,14 +132,14 @@ Status WindowsFile::SetDates() {
   info.LastAccessTime.QuadPart = kMoment;
   info.LastWriteTime.QuadPart = kMoment;
   info.ChangeTime.QuadPart = kMoment;
-  if (::SetFileInformationByHandle(handle_.Get(), FileBasicInfo, &info, sizeof info) == 0) return LastError();
+  if (::SetFileInformationByHandle(Handle(), FileBasicInfo, &info, sizeof info) == 0) return LastError();
   return {};
 }
 
 Status WindowsFile::Rename(const std::string& newName) {
   std::wstring wide;
   if (Status status = WideName(newName, wide); !status.Ok()) return status;
-  if (Status status = RenameByHandle(handle_.Get(), JoinWide(folderPath_, wide)); !status.Ok()) return status;
+  if (Status status = RenameByHandle(Handle(), JoinWide(place_.path, wide)); !status.Ok()) return status;
   name_ = std::move(wide);
   return {};
 }
@@ -146,7 +149,7 @@ Status WindowsFile::FlushEntry() {
 }
 
 Status WindowsFile::Remove() {
-  return RemoveByHandle(handle_, Path());
+  return RemoveEntry(*place_.calls, opened_.handle, Path());
 }
 
 }  // namespace zq::engine::win32

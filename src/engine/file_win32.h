@@ -4,39 +4,46 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "engine/WindowsContent.h"
+#include "engine/WindowsOpening.h"
 #include "engine/paths_win32.h"
-#include "engine/volume_win32.h"
+#include "engine/system_win32.h"
 
 namespace zq::engine::win32 {
 
-inline constexpr char kReadOnly[] = "it is read-only";
+// What is the same for all that is opened in a folder.
+struct FolderPlace {
+  WindowsCalls* calls = nullptr;
+  std::shared_ptr<Volume> volume;
+  std::wstring path;
+  std::wstring finalPath;  // see CheckPlace
+};
 
 class WindowsFile final : public File {
  public:
-  WindowsFile(UniqueHandle handle, std::wstring folderPath, std::wstring name, const Volume& volume,
-              bool direct)
-      : handle_(std::move(handle)),
-        folderPath_(std::move(folderPath)),
-        name_(std::move(name)),
-        volume_(volume),
-        direct_(direct) {}
+  WindowsFile(FolderPlace place, std::wstring name, OpenedFile opened)
+      : place_(std::move(place)), name_(std::move(name)), opened_(std::move(opened)) {}
+  ~WindowsFile() override;
 
   // Opens a file, or a stream when `name` has a colon in it, for all that the engine does with it.
-  static Status Open(const std::wstring& folderPath, const std::wstring& name, const Volume& volume,
-                     Access access, DWORD disposition, std::unique_ptr<File>& file);
+  static Status Open(const FolderPlace& place, const std::wstring& name, Access access,
+                     std::unique_ptr<File>& file);
+  static Status Add(const FolderPlace& place, const std::wstring& name, Access access,
+                    std::unique_ptr<File>& file);
 
   Status Info(FileInfo& info) override;
+  // A stream's is that of its file.
   Status Identity(FileId& id) override;
-  std::size_t Alignment() const override { return direct_ ? volume_.sectorBytes : 1; }
+  std::size_t Alignment() const override { return opened_.direct ? place_.volume->sectorBytes : 1; }
 
   Status Write(std::uint64_t offsetBytes, std::span<const std::byte> data, std::size_t& written) override;
   Status Flush() override;
-
   // Unbuffered reads don't know the cache. For the others there is no way past it.
   Status DropCache() override;
   Status Read(std::uint64_t offsetBytes, std::span<std::byte> data, std::size_t& got) override;
@@ -47,23 +54,21 @@ class WindowsFile final : public File {
   Status SetLength(std::uint64_t lengthBytes) override;
   Status SetDates() override;
   Status Rename(const std::string& newName) override;
-
   // The file's own flush writes the log of its volume, and so its entry.
   Status FlushEntry() override;
   Status Remove() override;
 
-  HANDLE Handle() const { return handle_.Get(); }
-  bool IsDirect() const { return direct_; }
-  const Volume& OnVolume() const { return volume_; }
+  HANDLE Handle() const { return opened_.handle; }
+  bool IsDirect() const { return opened_.direct; }
+  const Volume& OnVolume() const { return *place_.volume; }
 
  private:
-  std::wstring Path() const { return JoinWide(folderPath_, name_); }
+  std::wstring Path() const { return JoinWide(place_.path, name_); }
 
-  UniqueHandle handle_;
-  std::wstring folderPath_;
+  FolderPlace place_;
   std::wstring name_;
-  Volume volume_;
-  bool direct_;
+  OpenedFile opened_;
+  std::optional<Places> places_;  // as they were when the file was first looked at
 };
 
 }  // namespace zq::engine::win32

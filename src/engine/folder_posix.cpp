@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -13,8 +14,16 @@
 
 #include "engine/attribute_posix.h"
 #include "engine/file_posix.h"
+#include "engine/use_posix.h"
 
 namespace zq::engine {
+namespace {
+
+Status NotInPlace(const std::string& reason) {
+  return Status::Refusal("it can't be overwritten in place, since " + reason);
+}
+
+}  // namespace
 
 Status PosixFolder::List(std::vector<Entry>& entries) {
   entries.clear();
@@ -69,6 +78,9 @@ Status PosixFolder::OpenFile(const std::string& name, Access access, std::unique
   if (Status status = LookAt(fd_.Get(), name, facts); !status.Ok()) return status;
   if (Status status = CheckRegular(facts.mode); !status.Ok()) return status;
   if (facts.mount != facts_.mount) return Status::Refusal("another file is mounted over it");
+  if (!volume_.notInPlace.empty()) return NotInPlace(volume_.notInPlace);
+  if (Status status = CheckRemovable(fd_.Get(), name, facts); !status.Ok()) return status;
+  if (Status status = CheckNoImage(fd_.Get(), name, facts); !status.Ok()) return status;
   return Open(name, O_RDWR, access, &facts, file);
 }
 
@@ -91,9 +103,9 @@ Status PosixFolder::OpenFolder(const std::string& name, std::unique_ptr<Folder>&
   }
   Volume volume = volume_;
   if (facts.device != facts_.device) {
-    if (Status status = LookAtVolume(fd.Get(), facts.device, volume); !status.Ok()) return status;
+    if (Status status = LookAtVolume(fd.Get(), facts, trusted_, volume); !status.Ok()) return status;
   }
-  auto opened = std::make_unique<PosixFolder>(std::move(fd), facts, std::move(volume));
+  auto opened = std::make_unique<PosixFolder>(std::move(fd), facts, std::move(volume), trusted_);
   opened->insideWalk_ = true;
   folder = std::move(opened);
   return {};
@@ -174,9 +186,14 @@ Status PosixFolder::CheckKind(const Entry& entry) const {
 
 Status PosixFolder::Open(const std::string& name, int flags, Access access, const EntryFacts* meant,
                          std::unique_ptr<File>& file) {
-  UniqueFd fd(Retry([&] {
-    return ::openat(fd_.Get(), name.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
-  }));
+  const auto open = [&] {
+    return UniqueFd(Retry([&] {
+      return ::openat(fd_.Get(), name.c_str(), flags | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0600);
+    }));
+  };
+  UniqueFd fd = open();
+  GivenRight right;
+  if (!fd.IsOpen() && errno == EACCES && meant != nullptr && right.Give(fd_.Get(), name, *meant)) fd = open();
   if (!fd.IsOpen()) return errno == ELOOP ? Status::Refusal("it is a link") : LastError();
   EntryFacts facts;
   if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
@@ -185,7 +202,11 @@ Status PosixFolder::Open(const std::string& name, int flags, Access access, cons
     return Status::Refusal("another file has come under this name");
   }
   if (::fcntl(fd.Get(), F_SETFL, 0) != 0) return LastError();  // blocking again
-  auto opened = std::make_unique<PosixFile>(std::move(fd), fd_.Get(), name, facts, volume_);
+  // Two wipes of the same file would find in it what the other has written.
+  if (meant != nullptr && ::flock(fd.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    return Status::Refusal("another program has locked it, such as another wipe");
+  }
+  auto opened = std::make_unique<PosixFile>(std::move(fd), fd_.Get(), name, facts, volume_, std::move(right));
   if (access == Access::Direct) opened->GoDirect();
   file = std::move(opened);
   return {};

@@ -14,8 +14,9 @@ namespace zq::engine {
 
 class PosixFolder final : public Folder {
  public:
-  PosixFolder(UniqueFd fd, const EntryFacts& facts, Volume volume)
-      : fd_(std::move(fd)), facts_(facts), volume_(std::move(volume)) {}
+  // `trusted` is DeviceOptions::trustFileSystem.
+  PosixFolder(UniqueFd fd, const EntryFacts& facts, Volume volume, bool trusted)
+      : fd_(std::move(fd)), facts_(facts), volume_(std::move(volume)), trusted_(trusted) {}
 
   Status Identity(EntryId& id) override {
     id = {facts_.Id(), facts_.mount};
@@ -60,6 +61,7 @@ class PosixFolder final : public Folder {
   UniqueFd fd_;
   EntryFacts facts_;
   Volume volume_;
+  bool trusted_;
   // The folder that a user names may be a mount point; one inside it leads out of what was named.
   bool insideWalk_ = false;
 };

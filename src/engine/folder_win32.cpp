@@ -6,24 +6,28 @@
 #include "engine/entries_win32.h"
 #include "engine/file_win32.h"
 #include "engine/paths_win32.h"
+#include "engine/volume_win32.h"
 
 namespace zq::engine::win32 {
 namespace {
 
+Status OpenFolderIn(const FolderPlace& above, const std::wstring& name, std::unique_ptr<Folder>& folder);
+
 class WindowsFolder final : public Folder {
  public:
-  WindowsFolder(UniqueHandle handle, std::wstring path, const Volume& volume)
-      : handle_(std::move(handle)), path_(std::move(path)), volume_(volume) {}
+  WindowsFolder(SystemHandle handle, FolderPlace place) : handle_(handle), place_(std::move(place)) {}
+  ~WindowsFolder() override { place_.calls->Close(handle_); }
 
   Status Identity(EntryId& id) override {
     id = {};
-    return IdentityOf(handle_.Get(), id.file);
+    const Code code = place_.calls->Identity(handle_, id.file);
+    return code == kSuccess ? Status{} : FromCode(code);
   }
 
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};
-    const HANDLE search = ::FindFirstFileExW(JoinWide(path_, L"*").c_str(), FindExInfoBasic, &data,
+    const HANDLE search = ::FindFirstFileExW(JoinWide(place_.path, L"*").c_str(), FindExInfoBasic, &data,
                                              FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
     if (search == INVALID_HANDLE_VALUE) {
       const DWORD code = ::GetLastError();
@@ -32,12 +36,7 @@ class WindowsFolder final : public Folder {
     do {
       const std::wstring name = data.cFileName;
       if (name == L"." || name == L"..") continue;
-      Facts facts;
-      facts.attributes = data.dwFileAttributes;
-      facts.isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-      facts.isReparsePoint = (data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-      facts.isLink = facts.isReparsePoint && IsReparseTagNameSurrogate(data.dwReserved0);
-      entries.push_back({Narrow(name), KindOf(facts)});
+      entries.push_back({Narrow(name), KindOf(FactsOf(data.dwFileAttributes, data.dwReserved0))});
     } while (::FindNextFileW(search, &data) != 0);
     const DWORD code = ::GetLastError();
     ::FindClose(search);
@@ -47,13 +46,13 @@ class WindowsFolder final : public Folder {
   Status OpenFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
     std::wstring wide;
     if (Status status = WideName(name, wide); !status.Ok()) return status;
-    Status status = WindowsFile::Open(path_, wide, volume_, access, OPEN_EXISTING, file);
+    Status status = WindowsFile::Open(place_, wide, access, file);
     if (status.code != ERROR_ACCESS_DENIED) return status;
-    // The system has one answer for all these.
-    const DWORD attributes = ::GetFileAttributesW(JoinWide(path_, wide).c_str());
-    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
-      if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return Status::Refusal("it is a folder");
-      if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) return Status::Refusal(kReadOnly);
+    // The system has one answer for both.
+    const DWORD attributes = ::GetFileAttributesW(JoinWide(place_.path, wide).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 &&
+        (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+      return Status::Refusal("it is a folder");
     }
     return status;
   }
@@ -61,55 +60,69 @@ class WindowsFolder final : public Folder {
   Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
     std::wstring wide;
     if (Status status = WideName(name, wide); !status.Ok()) return status;
-    return WindowsFile::Open(path_, wide, volume_, access, CREATE_NEW, file);
+    return WindowsFile::Add(place_, wide, access, file);
   }
 
   Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) override {
     std::wstring wide;
     if (Status status = WideName(name, wide); !status.Ok()) return status;
-    return OpenWindowsFolder(JoinWide(path_, wide), false, folder);
+    return OpenFolderIn(place_, wide, folder);
   }
 
   Status AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) override {
     std::wstring wide;
     if (Status status = WideName(name, wide); !status.Ok()) return status;
-    const std::wstring path = JoinWide(path_, wide);
+    const std::wstring path = JoinWide(place_.path, wide);
     if (::CreateDirectoryW(path.c_str(), nullptr) == 0) return LastError();
-    Status status = OpenWindowsFolder(path, false, folder);
+    Status status = OpenFolderIn(place_, wide, folder);
     if (!status.Ok()) ::RemoveDirectoryW(path.c_str());
     return status;
   }
 
-  Status ListStreams(std::vector<std::string>& names) override { return ListStreamsOf(path_, names); }
+  Status ListStreams(std::vector<std::string>& names) override {
+    return ListStreamsOf(handle_, *place_.volume, names);
+  }
 
   Status OpenStream(const std::string& name, Access access, std::unique_ptr<File>& stream) override {
     // The path of a root ends in a backslash, behind which a stream is one of the root folder too.
-    const std::size_t slash = path_.back() == L'\\' ? std::wstring::npos : path_.rfind(L'\\');
+    const std::wstring& path = place_.path;
+    const std::size_t slash = path.back() == L'\\' ? std::wstring::npos : path.rfind(L'\\');
     if (slash == std::wstring::npos) return Status::Refusal("it belongs to the root of a drive");
-    return WindowsFile::Open(path_.substr(0, slash), path_.substr(slash + 1) + L':' + Wide(name), volume_,
-                             access, OPEN_EXISTING, stream);
+    const FolderPlace above{place_.calls, place_.volume, path.substr(0, slash), ParentPath(place_.finalPath)};
+    std::unique_ptr<File> opened;
+    if (Status status = WindowsFile::Open(above, path.substr(slash + 1) + L':' + Wide(name), access, opened);
+        !status.Ok()) {
+      return status;
+    }
+    FileId own;
+    FileId its;
+    if (const Code code = place_.calls->Identity(handle_, own); code != kSuccess) return FromCode(code);
+    if (Status status = opened->Identity(its); !status.Ok()) return status;
+    if (its != own) return Status::Refusal("another folder has come under this name");
+    stream = std::move(opened);
+    return {};
   }
 
   Status Rename(const Entry& entry, const std::string& newName) override {
     std::wstring wide;
     if (Status status = WideName(newName, wide); !status.Ok()) return status;
-    UniqueHandle handle;
+    Closing handle(*place_.calls);
     std::wstring path;
-    if (Status status = OpenEntry(entry, handle, path); !status.Ok()) return status;
-    return RenameByHandle(handle.Get(), JoinWide(path_, wide));
+    if (Status status = OpenEntry(entry, handle.handle, path); !status.Ok()) return status;
+    return RenameByHandle(handle.handle, JoinWide(place_.path, wide));
   }
 
   Status Remove(const Entry& entry) override {
-    UniqueHandle handle;
+    Closing handle(*place_.calls);
     std::wstring path;
-    if (Status status = OpenEntry(entry, handle, path); !status.Ok()) return status;
-    return RemoveByHandle(handle, path);
+    if (Status status = OpenEntry(entry, handle.handle, path); !status.Ok()) return status;
+    return RemoveEntry(*place_.calls, handle.handle, path);
   }
 
   // Windows has no promise for the flush of a folder. Where it takes one, it is asked; where it doesn't,
   // the entries follow with the log of the volume.
   Status Flush() override {
-    const UniqueHandle handle(::CreateFileW(path_.c_str(), FILE_ADD_FILE | SYNCHRONIZE,
+    const UniqueHandle handle(::CreateFileW(place_.path.c_str(), FILE_ADD_FILE | SYNCHRONIZE,
                                             FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
                                             FILE_FLAG_BACKUP_SEMANTICS, nullptr));
     if (!handle.IsOpen() || ::FlushFileBuffers(handle.Get()) != 0) return {};
@@ -127,64 +140,95 @@ class WindowsFolder final : public Folder {
 
   Status Space(SpaceInfo& space) override {
     ULARGE_INTEGER available{};
-    const std::wstring path = path_.back() == L'\\' ? path_ : path_ + L'\\';
+    const std::wstring path = JoinWide(place_.path, L"");
     if (::GetDiskFreeSpaceExW(path.c_str(), &available, nullptr, nullptr) == 0) return LastError();
     space.freeBytes = available.QuadPart;
-    space.clusterBytes = volume_.clusterBytes;
+    space.clusterBytes = place_.volume->clusterBytes;
     return {};
   }
 
  private:
-  Status OpenEntry(const Entry& entry, UniqueHandle& handle, std::wstring& path) const {
+  Status OpenEntry(const Entry& entry, SystemHandle& handle, std::wstring& path) const {
+    WindowsCalls& calls = *place_.calls;
     std::wstring wide;
     if (Status status = WideName(entry.name, wide); !status.Ok()) return status;
-    path = JoinWide(path_, wide);
-    const auto open = [&path](DWORD access) {
-      return UniqueHandle(::CreateFileW(
-          path.c_str(), access | SYNCHRONIZE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-          OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
-    };
-    handle = open(DELETE | FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES);
-    if (!handle.IsOpen()) return LastError();
-    Facts facts;
-    if (Status status = LookAt(handle.Get(), facts); !status.Ok()) return status;
+    path = JoinWide(place_.path, wide);
+    constexpr Opening kToChange = {kDelete | kReadAttributes | kWriteAttributes | kSynchronize,
+                                   kShareRead | kShareWrite | kShareDelete, kOpenExisting,
+                                   kBackupSemantics | kOpenReparsePoint};
+    if (const Code code = OpenPatiently(calls, *place_.volume, path, kToChange, handle); code != kSuccess) {
+      return FromCode(code);
+    }
+    if (Status status = CheckPlace(calls, handle, *place_.volume, place_.finalPath); !status.Ok())
+      return status;
+    std::uint32_t attributes = 0;
+    std::uint32_t tag = 0;
+    if (const Code code = calls.Look(handle, attributes, tag); code != kSuccess) return FromCode(code);
+    const Facts facts = FactsOf(attributes, tag);
     if (KindOf(facts) != entry.kind) return Status::Refusal("something else has come under this name");
-    // Explorer marks a folder that has an icon of its own as read-only. On a file the attribute is a will
-    // to be respected; here it would only keep an empty folder.
-    if ((facts.attributes & FILE_ATTRIBUTE_READONLY) != 0) {
-      FILE_BASIC_INFO info{};
-      info.FileAttributes = facts.isFolder ? FILE_ATTRIBUTE_DIRECTORY : FILE_ATTRIBUTE_NORMAL;
-      if (::SetFileInformationByHandle(handle.Get(), FileBasicInfo, &info, sizeof info) == 0)
-        return LastError();
+    // Explorer marks a folder that has an icon of its own as read-only; here it would only keep an empty one.
+    if ((attributes & kAttributeReadOnly) != 0) {
+      const Code code = calls.SetAttributes(handle, facts.isFolder ? kAttributeFolder : kAttributeNormal);
+      if (code != kSuccess) return FromCode(code);
     }
     return {};
   }
 
-  UniqueHandle handle_;
-  std::wstring path_;
-  Volume volume_;
+  SystemHandle handle_;
+  FolderPlace place_;
 };
+
+Code OpenAsFolder(const FolderPlace& place, bool followLink, SystemHandle& handle) {
+  const auto open = [&](std::uint32_t access) {
+    const Opening how{access | kReadAttributes | kSynchronize, kShareRead | kShareWrite, kOpenExisting,
+                      kBackupSemantics | (followLink ? 0 : kOpenReparsePoint)};
+    return place.calls->Open(place.path, how, handle);
+  };
+  const Code code = open(FILE_LIST_DIRECTORY);
+  // One may use what is in a folder without being allowed to list it.
+  return code == kAccessDenied ? open(FILE_TRAVERSE) : code;
+}
+
+Status CheckIsFolder(const FolderPlace& place, bool followLink, SystemHandle handle) {
+  std::uint32_t attributes = 0;
+  std::uint32_t tag = 0;
+  if (const Code code = place.calls->Look(handle, attributes, tag); code != kSuccess) return FromCode(code);
+  const Facts facts = FactsOf(attributes, tag);
+  if (!followLink && facts.isLink) return Status::Refusal("it is a link");
+  if (!facts.isFolder) return Status::Refusal("it is not a folder");
+  return {};
+}
+
+Status OpenFolderIn(const FolderPlace& above, const std::wstring& name, std::unique_ptr<Folder>& folder) {
+  FolderPlace place{above.calls, above.volume, JoinWide(above.path, name), {}};
+  Closing handle(*place.calls);
+  if (const Code code = OpenAsFolder(place, false, handle.handle); code != kSuccess) return FromCode(code);
+  if (Status status = CheckIsFolder(place, false, handle.handle); !status.Ok()) return status;
+  if (Status status =
+          CheckPlace(*place.calls, handle.handle, *place.volume, above.finalPath, place.finalPath);
+      !status.Ok()) {
+    return status;
+  }
+  folder = std::make_unique<WindowsFolder>(handle.handle, std::move(place));
+  handle.Take();
+  return {};
+}
 
 }  // namespace
 
-Status OpenWindowsFolder(const std::wstring& path, bool followLink, std::unique_ptr<Folder>& folder) {
-  const DWORD flags = FILE_FLAG_BACKUP_SEMANTICS | (followLink ? 0 : FILE_FLAG_OPEN_REPARSE_POINT);
-  const auto open = [&](DWORD access) {
-    return UniqueHandle(::CreateFileW(path.c_str(), access | FILE_READ_ATTRIBUTES | SYNCHRONIZE,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, flags,
-                                      nullptr));
-  };
-  UniqueHandle handle = open(FILE_LIST_DIRECTORY);
-  // One may use what is in a folder without being allowed to list it.
-  if (!handle.IsOpen() && ::GetLastError() == ERROR_ACCESS_DENIED) handle = open(FILE_TRAVERSE);
-  if (!handle.IsOpen()) return LastError();
-  Facts facts;
-  if (Status status = LookAt(handle.Get(), facts); !status.Ok()) return status;
-  if (!followLink && facts.isLink) return Status::Refusal("it is a link");
-  if (!facts.isFolder) return Status::Refusal("it is not a folder");
-  Volume volume;
-  if (Status status = LookAtVolume(path, volume); !status.Ok()) return status;
-  folder = std::make_unique<WindowsFolder>(std::move(handle), path, volume);
+Status OpenRootFolder(WindowsCalls& calls, const std::wstring& path, bool trustFileSystem,
+                      std::unique_ptr<Folder>& folder) {
+  FolderPlace place{&calls, std::make_shared<Volume>(), path, {}};
+  Closing handle(calls);
+  if (const Code code = OpenAsFolder(place, true, handle.handle); code != kSuccess) return FromCode(code);
+  if (Status status = CheckIsFolder(place, true, handle.handle); !status.Ok()) return status;
+  if (Status status = LookAtVolume(path, *place.volume); !status.Ok()) return status;
+  place.volume->isTrusted = trustFileSystem;
+  if (Status status = LearnFinalPath(calls, handle.handle, *place.volume, place.finalPath); !status.Ok()) {
+    return status;
+  }
+  folder = std::make_unique<WindowsFolder>(handle.handle, std::move(place));
+  handle.Take();
   return {};
 }
 

@@ -5,11 +5,13 @@
 #include <memory>
 #include <string>
 
+#include "engine/WindowsCalls.h"
 #include "engine/system_win32.h"
 
 namespace zq::engine::win32 {
 
-// Refused for what isn't a folder, and for a link to one unless it is to be followed.
-Status OpenWindowsFolder(const std::wstring& path, bool followLink, std::unique_ptr<Folder>& folder);
+// Opens the folder that a user named; links on the way are followed. `calls` has to outlive it.
+Status OpenRootFolder(WindowsCalls& calls, const std::wstring& path, bool trustFileSystem,
+                      std::unique_ptr<Folder>& folder);
 
 }  // namespace zq::engine::win32

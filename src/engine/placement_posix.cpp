@@ -22,10 +22,21 @@ Placement PlacementOf(int fd) {
     map->fm_start = start;
     map->fm_length = FIEMAP_MAX_OFFSET - start;
     map->fm_extent_count = kExtents;
-    if (::ioctl(fd, FS_IOC_FIEMAP, map) != 0 || map->fm_mapped_extents == 0) return placement;
+    if (::ioctl(fd, FS_IOC_FIEMAP, map) != 0) {
+      placement.isTold = false;
+      return placement;
+    }
+    placement.isTold = true;
+    if (map->fm_mapped_extents == 0) return placement;
     for (std::uint32_t i = 0; i < map->fm_mapped_extents; ++i) {
       const fiemap_extent& extent = map->fm_extents[i];
       placement.isShared = placement.isShared || (extent.fe_flags & FIEMAP_EXTENT_SHARED) != 0;
+      if (!placement.room.empty() &&
+          placement.room.back().offsetBytes + placement.room.back().sizeBytes == extent.fe_logical) {
+        placement.room.back().sizeBytes += extent.fe_length;
+      } else {
+        placement.room.push_back({extent.fe_logical, extent.fe_length});
+      }
       if ((extent.fe_flags & kNowhere) == 0) {
         placement.pieces.push_back({extent.fe_logical, extent.fe_physical, extent.fe_length});
       }
@@ -33,23 +44,6 @@ Placement PlacementOf(int fd) {
       start = extent.fe_logical + extent.fe_length;
     }
   }
-}
-
-bool LiesWhereItLay(const std::vector<Piece>& before, const std::vector<Piece>& now, std::uint64_t endBytes) {
-  std::size_t next = 0;
-  for (const Piece& piece : before) {
-    const std::uint64_t end = std::min(piece.offsetBytes + piece.sizeBytes, endBytes);
-    for (std::uint64_t at = piece.offsetBytes; at < end;) {
-      while (next < now.size() && now[next].offsetBytes + now[next].sizeBytes <= at) ++next;
-      if (next == now.size() || now[next].offsetBytes > at) return false;
-      const Piece& there = now[next];
-      if (there.placeBytes + (at - there.offsetBytes) != piece.placeBytes + (at - piece.offsetBytes)) {
-        return false;
-      }
-      at = there.offsetBytes + there.sizeBytes;
-    }
-  }
-  return true;
 }
 
 }  // namespace zq::engine

@@ -1,6 +1,7 @@
 #include "engine/transfers_win32.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "engine/file_win32.h"
 
@@ -33,25 +34,38 @@ class WindowsQueue final : public TransferQueue {
   }
 
   Ended Wait() override {
-    const std::size_t index = FirstEnded();
     Ended ended;
+    TakeEnded(std::min(FirstEnded(INFINITE), count_ - 1), ended);
+    return ended;
+  }
+  bool WaitFor(std::chrono::milliseconds limit, Ended& ended) override {
+    const std::size_t index = FirstEnded(static_cast<DWORD>(limit.count()));
+    if (index == count_) return false;
+    TakeEnded(index, ended);
+    return true;
+  }
+  void GiveUp() override {
+    for (std::size_t i = 0; i < count_; ++i) transfers_[order_[i]].GiveUp();
+  }
+
+ private:
+  void TakeEnded(std::size_t index, Ended& ended) {
     ended.tag = order_[index];
     std::copy(order_ + index + 1, order_ + count_, order_ + index);
     --count_;
     ended.status = transfers_[ended.tag].End(ended.bytes);
-    return ended;
   }
 
- private:
-  // The index in order_ of one that needs no more waiting, or of the oldest.
-  std::size_t FirstEnded() const {
+  // The index in order_ of one that needs no more waiting; count_ after `limit` without one.
+  std::size_t FirstEnded(DWORD limit) const {
     HANDLE events[kDepth];
     for (std::size_t i = 0; i < count_; ++i) {
       if (!transfers_[order_[i]].IsUnderWay()) return i;
       events[i] = transfers_[order_[i]].Event();
     }
-    const DWORD result = ::WaitForMultipleObjects(static_cast<DWORD>(count_), events, FALSE, INFINITE);
-    return result < WAIT_OBJECT_0 + count_ ? result - WAIT_OBJECT_0 : 0;
+    const DWORD result = ::WaitForMultipleObjects(static_cast<DWORD>(count_), events, FALSE, limit);
+    if (result < WAIT_OBJECT_0 + count_) return result - WAIT_OBJECT_0;
+    return result == WAIT_TIMEOUT ? count_ : 0;
   }
 
   OverlappedTransfer transfers_[kDepth];

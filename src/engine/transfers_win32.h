@@ -49,6 +49,10 @@ class OverlappedTransfer {
 
   // Without asking the system: what it has done at once needs no waiting for its event.
   bool IsUnderWay() const { return refused_ == ERROR_SUCCESS && !HasOverlappedIoCompleted(&at_); }
+  // It ends all the same, sooner: with whatever the system says then.
+  void GiveUp() {
+    if (IsUnderWay()) ::CancelIoEx(file_, &at_);
+  }
   HANDLE Event() const { return event_.Get(); }
 
  private:

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "engine/Device.h"
+#include "engine/entry_posix.h"
 #include "engine/placement_posix.h"
 
 namespace zq::engine {
@@ -25,25 +26,31 @@ struct Volume {
   dev_t device = 0;
   std::int64_t magic = 0;
   std::uint32_t clusterBytes = 0;
+  // Empty, or why nothing in it may be overwritten: it is known to write elsewhere, or isn't known not to.
   std::string notInPlace;
+  std::string caveat;  // as FileInfo::caveat, for all its files
+  bool isNtfs3g = false;
   bool oneFlushForAll = false;  // it is one of kOneDeviceFileSystems
   // A journal takes the changes of names, lengths and dates in their order: when the last is durable, so
   // are all before it.
   bool isOrdered = false;
+  bool mayHaveJournal = false;   // an ext file system of which nothing tells that it has none
   bool journalsData = false;     // content goes through the journal, too
+  bool mayJournalData = false;   // nothing tells whether it does: each file is asked
   bool mayClearJournal = false;  // an ext4 that we are allowed to
   const NamesStay* namesStay = nullptr;
 
-  bool MayNotClearJournal() const { return magic == kExtMagic && isOrdered && !mayClearJournal; }
+  bool MayNotClearJournal() const { return mayHaveJournal && !mayClearJournal; }
   bool HasOneFlush() const { return oneFlushForAll; }
   bool IsOrdered() const { return isOrdered; }
   bool IsXfs() const { return magic == kXfsMagic; }
-  bool IsJournaledExt() const { return magic == kExtMagic && isOrdered; }
+  bool IsJournaledExt() const { return mayHaveJournal; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
 };
 
-// What the file system of `fd` is.
-Status LookAtVolume(int fd, dev_t device, Volume& volume);
+// What the file system of the folder `fd` is. One that isn't known to overwrite in place is refused by
+// Volume::notInPlace, unless `trusted` says that the user insists.
+Status LookAtVolume(int fd, const EntryFacts& facts, bool trusted, Volume& volume);
 
 // Empty, or why a file with these flags (FS_IOC_GETFLAGS) that lies so isn't overwritten where it lies.
 std::string WhyNotInPlace(const Volume& volume, int flags, const Placement& placement);

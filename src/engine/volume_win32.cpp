@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cwchar>
+#include <iterator>
 #include <utility>
 
 namespace zq::engine::win32 {
@@ -30,13 +31,18 @@ Status LookAtVolume(const std::wstring& path, Volume& volume) {
   }
   volume.sectorBytes = std::max<DWORD>(sectorBytes, 1);
   volume.clusterBytes = std::max<DWORD>(sectorsPerCluster, 1) * volume.sectorBytes;
-  wchar_t fileSystem[MAX_PATH] = L"";
-  if (::GetVolumeInformationW(root.c_str(), nullptr, 0, nullptr, nullptr, nullptr, fileSystem, MAX_PATH) !=
-      0) {
-    volume.isNtfs = std::wcscmp(fileSystem, L"NTFS") == 0;
+  wchar_t fileSystem[MAX_PATH + 1] = L"";
+  DWORD flags = 0;
+  // Without an answer the file system is unknown, which is told as such.
+  if (::GetVolumeInformationW(root.c_str(), nullptr, 0, nullptr, nullptr, &flags, fileSystem,
+                              static_cast<DWORD>(std::size(fileSystem))) != 0) {
+    volume.fileSystem = Narrow(fileSystem, std::wcslen(fileSystem));
+    volume.flags = flags;
   }
   const UINT kind = ::GetDriveTypeW(root.c_str());
-  volume.isLocal = (kind == DRIVE_FIXED || kind == DRIVE_REMOVABLE) && !RunsInWine();
+  volume.isRemote = kind == DRIVE_REMOTE;
+  volume.flushesAtOnce = (kind == DRIVE_FIXED || kind == DRIVE_REMOVABLE) && !RunsInWine();
+  volume.mayBackExternally = MayBackExternally(volume);
   volume.root = std::move(root);
   return {};
 }

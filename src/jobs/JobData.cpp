@@ -10,6 +10,13 @@ namespace {
 constexpr const char* kFoldersMark = "[FOLDERS]";
 constexpr const char* kFilesMark = "[FILES]";
 
+// The bytes behind a mark of their encoding, which an editor may have put there.
+std::string_view WithoutByteOrderMark(std::string_view bytes) {
+  constexpr std::string_view kMark = "\xEF\xBB\xBF";
+  if (bytes.starts_with(kMark)) bytes.remove_prefix(kMark.size());
+  return bytes;
+}
+
 }  // namespace
 
 std::string EncodeJob(const JobData& job) {
@@ -26,7 +33,7 @@ std::string EncodeJob(const JobData& job) {
 
 JobData DecodeJob(std::string_view bytes) {
   JobData job;
-  FieldReader reader(bytes);
+  FieldReader reader(WithoutByteOrderMark(bytes));
   job.lastWiping = reader.Next();
   reader.Next();  // the folders' mark: its place makes it that, whatever it says
 
@@ -47,7 +54,7 @@ JobData DecodeJob(std::string_view bytes) {
 }
 
 std::string DecodeJobStamp(std::string_view bytes) {
-  return FieldReader(bytes).Next();
+  return FieldReader(WithoutByteOrderMark(bytes)).Next();
 }
 
 }  // namespace zq

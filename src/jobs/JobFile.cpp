@@ -60,13 +60,15 @@ std::string ReadJobStamp(const DataFolder& folder, const std::string& name) {
 
 std::vector<SavedJob> ListSavedJobs(const DataFolder& folder) {
   std::vector<SavedJob> jobs;
-  folder.List(std::string(kJobsFolder) + "*" + kJobExtension, [&](const FileEntry& entry) {
-    if (!IsJobFile(entry)) return;
-    const std::string fileName = TrimAtNull(entry.name);
-    const auto extensionCharacters = static_cast<int>(std::string_view(kJobExtension).size());
-    const std::string name(WithoutLastCharacters(fileName, extensionCharacters));
-    jobs.push_back({name, DecodeJobStamp(folder.Read(kJobsFolder + fileName))});
-  });
+  const ListEnd end =
+      folder.List(std::string(kJobsFolder) + "*" + kJobExtension, [&](const FileEntry& entry) {
+        if (!IsJobFile(entry)) return;
+        const std::string fileName = TrimAtNull(entry.name);
+        const auto extensionCharacters = static_cast<int>(std::string_view(kJobExtension).size());
+        const std::string name(WithoutLastCharacters(fileName, extensionCharacters));
+        jobs.push_back({name, DecodeJobStamp(folder.Read(kJobsFolder + fileName))});
+      });
+  if (end == ListEnd::BrokenOff) throw RunTimeError(ErrorNumber::DeviceIoError);
   return jobs;
 }
 

@@ -30,8 +30,8 @@ struct SavedJob {
 };
 
 // The saved jobs in the order of the file system; hidden and system files aren't jobs. A job that
-// wouldn't load is listed all the same, but one whose stamp can't be read raises as
-// ReadJobStamp does.
+// wouldn't load is listed all the same, but one whose stamp can't be read raises as ReadJobStamp does, and a
+// listing that breaks off DeviceIoError: a job must not be missing from the list without a word.
 std::vector<SavedJob> ListSavedJobs(const DataFolder& folder);
 
 // After the wipe of a job that has a name, once LastWiping is set. Leaves the disc as it is: see there.

@@ -58,19 +58,26 @@ void JobLifecycle::SaveJob() {
 }
 
 void JobLifecycle::CloseJob() {
-  if (HasSomethingToSave()) {
-    const MessageAnswer answer = platform_.messageBoxes.Show(
-        {kSaveQuestion, "Save", MessageIcon::Question, MessageButtons::YesNoCancel});
-    if (answer == MessageAnswer::Yes) {
-      // From here on the job is dropped, also when frmSave is cancelled and when the save fails.
-      if (state_.CurrentJobName.empty()) dialogs_.ShowSave();
-      jobFile_.SaveJob();
-    } else if (answer != MessageAnswer::No) {
-      state_.JobActionCancelled = true;
-      return;
-    }
-  }
+  if (OfferToSave()) DropJob();
+}
 
+// False if the user cancels, with JobActionCancelled set.
+bool JobLifecycle::OfferToSave() {
+  if (!HasSomethingToSave()) return true;
+  const MessageAnswer answer = platform_.messageBoxes.Show(
+      {kSaveQuestion, "Save", MessageIcon::Question, MessageButtons::YesNoCancel});
+  if (answer == MessageAnswer::Yes) {
+    // From here on the job may go, also when frmSave is cancelled and when the save fails.
+    if (state_.CurrentJobName.empty()) dialogs_.ShowSave();
+    jobFile_.SaveJob();
+  } else if (answer != MessageAnswer::No) {
+    state_.JobActionCancelled = true;
+    return false;
+  }
+  return true;
+}
+
+void JobLifecycle::DropJob() {
   state_.CurrentJobName = "";
   state_.JobSaved = true;
   state_.LastWiping = "N/A";
@@ -105,6 +112,12 @@ bool JobLifecycle::CloseForExit() {
   state_.JobActionCancelled = false;
   CloseJob();
   return !state_.JobActionCancelled && !state_.QuickBinBusy;
+}
+
+bool JobLifecycle::AllowSessionEnd() {
+  if (state_.QuickBinBusy) return CloseForExit();
+  state_.JobActionCancelled = false;
+  return OfferToSave();
 }
 
 // A named job without rows is offered too; an untitled one whose rows are all gone isn't.

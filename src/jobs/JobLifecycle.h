@@ -47,7 +47,15 @@ class JobLifecycle {
   // the QuickWipe Bin is busy, and the job is closed all the same.
   bool CloseForExit();
 
+  // The session is to end, which may still be called off: asks and saves as CloseForExit does, but leaves the
+  // job as it is. False if the session has to go on, with the job as CloseForExit leaves it then.
+  bool AllowSessionEnd();
+
+  // Leaves the untitled job without rows, asking nothing.
+  void DropJob();
+
  private:
+  bool OfferToSave();
   bool HasSomethingToSave() const;
   void LoadJob(const std::string& name);
   void UpdateTools();

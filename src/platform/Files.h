@@ -16,8 +16,8 @@ inline constexpr std::uint32_t kAttributeDirectory = 0x10;
 inline constexpr std::uint32_t kAttributeArchive = 0x20;
 inline constexpr std::uint32_t kAttributeNormal = 0x80;
 
-// One directory entry as FindFirstFileA gives it. The name is the field's whole text; a caller that
-// may meet padding behind a null cuts it off.
+// One directory entry. The name is the field's whole text; a caller that may meet padding behind a null cuts
+// it off.
 struct FileEntry {
   std::string name;
   std::uint32_t attributes = 0;
@@ -25,7 +25,14 @@ struct FileEntry {
   std::uint32_t sizeLow = 0;
 };
 
-// Paths are in the process code page and end, as with all narrow calls, at 259 bytes.
+// How a listing came to its end.
+enum class ListEnd {
+  NothingFound,  // no entry matches, or the folder isn't there
+  Complete,      // every entry was handed over
+  BrokenOff,     // the system refused, at the start or on the way: there may be more
+};
+
+// Paths are UTF-8 and may be as long as the file system allows.
 class Files {
  public:
   virtual ~Files() = default;
@@ -34,8 +41,8 @@ class Files {
   virtual std::optional<FileEntry> FindEntry(const std::string& pattern) = 0;
 
   // Hands each entry that matches `pattern` to `visit`, "." and ".." too, in the order of the file
-  // system, while the enumeration is open. False if it can't be opened at all.
-  virtual bool List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) = 0;
+  // system, while the enumeration is open.
+  virtual ListEnd List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) = 0;
 
   // The attributes of `path`, or nothing when they can't be read.
   virtual std::optional<std::uint32_t> Attributes(const std::string& path) = 0;
@@ -49,8 +56,13 @@ class Files {
   // PermissionDenied (locked) or PathFileAccessError.
   virtual std::string Read(const std::string& path) = 0;
 
-  // Replaces the content of a file or creates it; closed on return. Raises as Read does, and DiskFull.
+  // Empties a file or creates it, and writes its new content; closed on return. Its attributes stay. Raises
+  // as Read does, and DiskFull.
   virtual void Write(const std::string& path, const std::string& bytes) = 0;
+
+  // The same over the old content, which is cut to the new length at the end: the file is never empty in
+  // between. For records of a fixed length.
+  virtual void WriteRecord(const std::string& path, const std::string& bytes) = 0;
 
   // The process's current directory.
   virtual std::string CurrentFolder() = 0;

@@ -9,7 +9,7 @@ enum class MessageIcon { Information, Question, Exclamation, Critical };
 enum class MessageButtons { Ok, OkCancel, YesNo, YesNoCancel };
 
 // A box closed by Esc or its close box answers Cancel where it has that button, and by the system's
-// rule the only button of an OK box; a caller takes anything but the answer it looks for alike.
+// rule the only button of an OK box. A box of Yes and No answers one of these two and nothing else.
 enum class MessageAnswer { Ok, Cancel, Yes, No };
 
 // The first button is always the default one.

@@ -1,5 +1,7 @@
 #include "platform/Text.h"
 
+#include <algorithm>
+
 #include "platform/Utf8.h"
 
 namespace zq {
@@ -33,6 +35,13 @@ std::size_t CharacterCount(std::string_view text) {
   std::size_t count = 0;
   for (; !text.empty(); ++count) text = WithoutLastCharacters(text, 1);
   return count;
+}
+
+std::size_t Utf16Length(std::string_view text) {
+  // A character of four bytes takes two units.
+  const auto pairs =
+      std::count_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0xF0; });
+  return CharacterCount(text) + static_cast<std::size_t>(pairs);
 }
 
 }  // namespace zq

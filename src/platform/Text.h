@@ -24,6 +24,9 @@ std::string_view WithoutLastCharacters(std::string_view text, int count);
 // The number of such characters.
 std::size_t CharacterCount(std::string_view text);
 
+// The length of `text` in UTF-16 units, which is how the system measures paths.
+std::size_t Utf16Length(std::string_view text);
+
 // A text of exactly `kBytes` bytes, left-justified: a longer one is cut at a character's end when it
 // is assigned, a shorter one is padded with blanks. It starts as all nulls.
 template <std::size_t kBytes>

@@ -9,6 +9,7 @@
 #include "platform/Files.h"
 #include "platform/Like.h"
 #include "platform/MessageBoxes.h"
+#include "platform/PathPlace.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
 #include "platform/RunTimeError.h"
@@ -30,6 +31,8 @@ constexpr const char* kComplete = "The wipe operation is now complete.";
 constexpr const char* kCancelled =
     "The wipe operation was cancelled so all items may not have been completely processed.  You can review "
     "the report for more details.";
+constexpr const char* kNoPlaceToWipe =
+    "It lies neither on a drive with a letter nor in a share of a server, and was not touched.";
 constexpr const char* kReviewReport = "Do you wish to review the report for the current operation?";
 constexpr const char* kCancelLine =
     "User cancelled wipe operation.  Listed items may or may not have finished processing.";
@@ -43,6 +46,13 @@ bool HasSubFoldersText(const JobRow& row) {
 
 bool IncludesSubFolders(const JobRow& row) {
   return row.SubFolders == kYes;
+}
+
+// A row made by hand may name anything. What isn't on a drive or a share isn't touched; a folder has to be
+// named from there on, too: by a current folder it would be whichever folder happens to have that name.
+bool NamesAPlaceToWipe(const JobRow& row) {
+  return HasSubFoldersText(row) ? BeginsOnADriveOrShare(row.NameAndLocation)
+                                : !BeginsInAnotherNameSpace(row.NameAndLocation);
 }
 
 std::string WithQuestion(const char* statement, const char* question) {
@@ -118,15 +128,18 @@ void JobWipe::CountRows() {
   for (int row = 1; row <= end; ++row) {
     const JobRow& item = jobList_.Row(row);
     if (item.Ghosted) continue;
-    std::string path = item.NameAndLocation;
-    if (HasSubFoldersText(item)) {
-      SearchFolder(platform_.files, path, "*", item.FolderMask, IncludesSubFolders(item),
-                   state_.TotalWipeItems);
-    } else {
-      ++state_.TotalWipeItems;
-      ClearAttributes(platform_.files, path);
-    }
+    if (NamesAPlaceToWipe(item)) CountRow(item);
     platform_.process.PumpMessages();
+  }
+}
+
+void JobWipe::CountRow(const JobRow& row) {
+  std::string path = row.NameAndLocation;
+  if (HasSubFoldersText(row)) {
+    SearchFolder(platform_.files, path, "*", row.FolderMask, IncludesSubFolders(row), state_.TotalWipeItems);
+  } else {
+    ++state_.TotalWipeItems;
+    ClearAttributes(platform_.files, path);
   }
 }
 
@@ -150,6 +163,10 @@ void JobWipe::WipeFolderRow(int row) {
   const std::int32_t level = state_.Settings.Passes;
   // Listed before the attempt, so that a folder that fails or is cancelled is in the report, too.
   state_.ReportFolders.Add(item.NameAndLocation);
+  if (!NamesAPlaceToWipe(item)) {
+    AddErrorLine(item.NameAndLocation, kNoPlaceToWipe);
+    return;
+  }
 
   bool wiped = false;
   if (item.FolderMask == kEveryFileMask && IncludesSubFolders(item)) {
@@ -159,22 +176,26 @@ void JobWipe::WipeFolderRow(int row) {
     // The folder stays, and so does the row: it can be wiped again.
     wiped = SFD1->WipeFolderFiles(item.NameAndLocation, item.FolderMask, IncludesSubFolders(item), level);
   }
-  if (!wiped) AddErrorLine(item.NameAndLocation);
+  if (!wiped) AddErrorLine(item.NameAndLocation, SFD1->GetLastErrorText());
 }
 
 void JobWipe::WipeFileRow(int row) {
   const std::string path = jobList_.Row(row).NameAndLocation;
   state_.ReportFiles.Add(path);
+  if (!NamesAPlaceToWipe(jobList_.Row(row))) {
+    AddErrorLine(path, kNoPlaceToWipe);
+    return;
+  }
   if (!SFD1->WipeFile(path, state_.Settings.Passes)) {
-    AddErrorLine(path);
+    AddErrorLine(path, SFD1->GetLastErrorText());
     return;
   }
   jobList_.SetGhosted(row, true);
   jobList_.SetSize(row, "0 Bytes");
 }
 
-void JobWipe::AddErrorLine(const std::string& path) {
-  state_.ReportErrors.Add(path + " - " + SFD1->GetLastErrorText());
+void JobWipe::AddErrorLine(const std::string& path, const std::string& reason) {
+  state_.ReportErrors.Add(path + " - " + reason);
 }
 
 void JobWipe::WriteReport() {

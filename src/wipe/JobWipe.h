@@ -12,6 +12,7 @@
 namespace zq {
 
 struct AppState;
+struct JobRow;
 class JobList;
 class MainWindow;
 class WipeStatusWindow;
@@ -46,10 +47,11 @@ class JobWipe final : public WipeEvents {
  private:
   bool CheckRows();
   void CountRows();
+  void CountRow(const JobRow& row);
   void WipeRows();
   void WipeFolderRow(int row);
   void WipeFileRow(int row);
-  void AddErrorLine(const std::string& path);
+  void AddErrorLine(const std::string& path, const std::string& reason);
   void WriteReport();
   void ClearReportLists();
 

@@ -1,15 +1,26 @@
 #include "wipe/RecursiveSearch.h"
 
+#include <cstddef>
+
 #include "platform/Files.h"
 #include "platform/Like.h"
 #include "platform/Text.h"
 
 namespace zq {
+namespace {
+
+// In UTF-16 units, as the narrow calls count. The walk goes no deeper than these: among other things it is
+// what ends a loop of links.
+constexpr std::size_t kLongestWalkedPath = 259;
+
+}  // namespace
 
 void SearchFolder(Files& files, std::string& path, const std::string& pathPattern, const std::string& mask,
                   bool includeSubFolders, FixedPoint& totalWipeItems) {
   if (!path.ends_with('\\')) path += '\\';
-  files.List(path + "*", [&](const FileEntry& entry) {
+  const std::string pattern = path + "*";
+  if (Utf16Length(pattern) > kLongestWalkedPath) return;
+  files.List(pattern, [&](const FileEntry& entry) {
     const std::string name = TrimAtNull(entry.name);
     if (!(entry.attributes & kAttributeDirectory)) {
       if (Like(path, pathPattern) && Like(name, mask)) {
@@ -23,7 +34,7 @@ void SearchFolder(Files& files, std::string& path, const std::string& pathPatter
         ClearAttributes(files, path);
         ClearAttributes(files, path + name);
       }
-      // Links to folders are followed as well; the limit on a path's length ends a loop of them.
+      // Links to folders are followed as well.
       std::string subFolder = path + name;
       SearchFolder(files, subFolder, pathPattern, mask, includeSubFolders, totalWipeItems);
     }

@@ -13,7 +13,8 @@ class Files;
 // Adds the number of matching files below `path` to `totalWipeItems`. A backslash is appended to the
 // caller's `path` where it has none. Both patterns are matched by `Like`, case-sensitively: "*.*" needs
 // a dot here, though the engine takes every file for it; the count and the wipe are two decisions.
-// What can't be read or changed is passed over.
+// What can't be read or changed is passed over, and so is a folder whose path is longer than the 259
+// characters of the narrow calls.
 void SearchFolder(Files& files, std::string& path, const std::string& pathPattern, const std::string& mask,
                   bool includeSubFolders, FixedPoint& totalWipeItems);
 

@@ -61,6 +61,33 @@ TEST_F(CommandLine, DropsWhatIsListedInAnotherLetterCase) {
   EXPECT_THAT(Paths(main.list), ElementsAre(path));
 }
 
+TEST_F(CommandLine, TakesAPathOfAnyLengthAndItsFileIsWiped) {
+  std::string name = "papers";
+  while (name.size() < 300) name += "\\" + std::string(40, 'p');
+  const std::string path = scratch_.Make(name + "\\letter.txt", Marked("long ", 5000));
+  const Program program(exe_, Quoted(path));
+  const MainWindow main(program);
+  main.list.WaitRows(1);
+  EXPECT_THAT(main.list.Row(0), ElementsAre(path, "4.88 KB", "", ""));
+  main.WaitJobTools(true);
+  main.PressTool("Wipe Now");
+  program.WaitBox("Wipe Operation").Answer("OK");
+  Await("the end of the wipe", [&] { return !PathExists(path) && !program.Boxes().empty(); });
+  program.WaitBox("Wipe Operation").Answer("No");
+  EXPECT_THAT(ReadFileBytes(reportPath_), ::testing::HasSubstr(Quoted(path) + "\r\n\"[ERRORS]\"\r\n"));
+}
+
+TEST_F(CommandLine, OpensAFolderThatIsNamedByTheCurrentOne) {
+  scratch_.Make("Zeroquill\\papers\\a.txt", "x");
+  const Program program(exe_, "papers");
+  const Window dialog = program.WaitWindow("Add Folder", "#32770");
+  dialog.Child("OK").Press();
+  dialog.WaitGone();
+  const MainWindow main(program);
+  main.list.WaitRows(1);
+  EXPECT_EQ(main.list.Text(0), folder_ + "\\papers");
+}
+
 TEST_F(CommandLine, SkipsTheCharacterBehindAClosingQuote) {
   const std::string one = scratch_ / "one.txt";
   const std::string two = scratch_ / "two.txt";
@@ -220,6 +247,29 @@ TEST_F(AddFiles, InADrivesRootHaveOneBackslash) {
   }
   EXPECT_EQ(RememberedFolder(), Padded("C:\\"));
   for (const std::string& path : paths) EXPECT_TRUE(::DeleteFileA(path.c_str()));
+}
+
+// Their names are far more than the dialog's buffer once had room for.
+TEST_F(AddFiles, TakesTwelveHundredAtOnceAndNothingElse) {
+  constexpr int kCount = 1200;
+  const std::string folder = scratch_ / "many";
+  std::string names;
+  std::vector<std::string> paths;
+  for (int i = 0; i < kCount; ++i) {
+    const std::string name = "one of the many files, with a long name " + std::to_string(1000 + i) + ".txt";
+    paths.push_back(scratch_.Make("many\\" + name, "x"));
+    names += "\"" + name + "\" ";
+  }
+  const Program program(exe_);
+  const MainWindow main(program);
+  const FilesDialog dialog(program, main);
+  dialog.GoTo(folder);
+  dialog.Enter(names);
+  dialog.WaitGone();
+  main.list.WaitRows(kCount);
+  std::vector<std::string> listed = Paths(main.list);
+  std::sort(listed.begin(), listed.end());
+  EXPECT_EQ(listed, paths);
 }
 
 TEST_F(AddFiles, ThatAreListedMoveTheFolderAndSelectTheFirstRow) {

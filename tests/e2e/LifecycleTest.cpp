@@ -107,6 +107,39 @@ TEST_F(Lifecycle, ExitAsksNothingWhereTheUserDoesNotWantIt) {
   EXPECT_EQ(program.WaitExit(), 0u);
 }
 
+TEST_F(Lifecycle, SessionEndEmptiesTheJobOnlyIfItComes) {
+  Prepare();
+  const Program program(exe_, argument_);
+  const MainWindow main(program);
+  main.list.WaitRows(1);
+  EXPECT_EQ(main.window.Send(WM_QUERYENDSESSION), TRUE);
+  main.window.Send(WM_ENDSESSION, FALSE);
+  EXPECT_EQ(main.list.Rows(), 1);
+  ASSERT_TRUE(::DeleteFileA(settingsPath_.c_str()));
+  EXPECT_EQ(main.window.Send(WM_QUERYENDSESSION), TRUE);
+  main.window.Post(WM_ENDSESSION, TRUE);
+  EXPECT_EQ(program.WaitExit(), 0u);
+  EXPECT_TRUE(PathExists(settingsPath_)) << "settings are saved as at any exit";
+}
+
+// Neither Esc nor the close box is an answer to a question of Yes and No.
+TEST_F(Lifecycle, EscIsNoAnswerToARemoval) {
+  const Program program(exe_, argument_);
+  const MainWindow main(program);
+  main.list.WaitRows(1);
+  TypeKey(main.window, VK_DELETE);
+  const MessageBoxView box = program.WaitBox("Remove Item");
+  box.window.Post(WM_COMMAND, IDCANCEL);
+  Await("the box to ask again", [&] {
+    const auto boxes = program.Boxes();
+    return boxes.size() == 1 && boxes[0] != box.window;
+  });
+  EXPECT_EQ(main.list.Rows(), 1);
+  program.WaitBox("Remove Item").Answer("No");
+  main.window.WaitEnabled();
+  EXPECT_EQ(main.list.Rows(), 1);
+}
+
 TEST_F(Lifecycle, SaveThatFailsSaysSoAndKeepsTheRowsAndTheName) {
   const Program program(exe_, argument_);
   const MainWindow main(program);

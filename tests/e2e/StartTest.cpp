@@ -42,6 +42,19 @@ void ExpectSameTimes(const Times& before, const Times& now) {
   EXPECT_EQ(::CompareFileTime(&before.written, &now.written), 0);
 }
 
+TEST_F(Start, SplashThatIsClosedEndsTheProgramAndTheNextStartIsTheFirstAgain) {
+  Prepare();
+  {
+    Clock::time_point notYet = Clock::now();
+    const Program program(exe_);
+    WaitSplash(program, notYet).Close();
+    EXPECT_EQ(program.WaitExit(), 0u);
+  }
+  const Program program(exe_);
+  const MainWindow main(program);
+  EXPECT_TRUE(main.window.IsVisible());
+}
+
 TEST_F(Start, ShowsTheSplashForTwoSecondsAndThenTheMainWindow) {
   Prepare();
   Clock::time_point notYet = Clock::now();

@@ -51,6 +51,7 @@ image_make() {
   case $kind in
     ext4 | ext4-journal) mkfs.ext4 -q -F -b 4096 -- "$file" ;;
     ext4-inline) mkfs.ext4 -q -F -b 4096 -O inline_data -- "$file" ;;
+    ext4-bigalloc) mkfs.ext4 -q -F -b 4096 -O bigalloc -C 65536 -- "$file" 2>/dev/null ;;
     vfat) mkfs.vfat -- "$file" >/dev/null ;;
     ntfs) mkfs.ntfs -q -F -f "$file" 2>/dev/null ;;
     # Small ones aren't for use, as it says, but they are the same inside.
@@ -81,7 +82,7 @@ image_mount() {
   case $1 in
     ext4) mount -o loop,data=ordered -- "$2" "$3" ;;
     ext4-journal) mount -t ext4 -o loop,data=journal -- "$2" "$3" ;;
-    ext4-inline) mount -t ext4 -o loop -- "$2" "$3" ;;
+    ext4-inline | ext4-bigalloc) mount -t ext4 -o loop -- "$2" "$3" ;;
     ntfs)
       # On a device, as it is in use: it looks different from here without one. Detached when it is mounted, the
       # device goes with the mount.

@@ -51,7 +51,7 @@ wipe_as() {
   status=0
   timeout 100 "$@" >"$work/output" 2>&1 || status=$?
   output=$(<"$work/output")
-  if grep -qvaE '^(wiped |error [1-9][0-9]* .|failed: .)' "$work/output"; then
+  if grep -qvaE '^(wiped |note: |error [1-9][0-9]* .|failed: .)' "$work/output"; then
     # A name may hold anything, so a name that is told is left out: messages have to be one line.
     case $case in *odd_names*) ;; *) fault "output that isn't one of the tool's lines: $output" ;; esac
   fi
@@ -101,6 +101,8 @@ declare -A kind_of
 source "$(dirname -- "${BASH_SOURCE[0]}")/safety/what_is_there.sh"
 # shellcheck source=tests/forensic/safety/what_happens_meanwhile.sh
 source "$(dirname -- "${BASH_SOURCE[0]}")/safety/what_happens_meanwhile.sh"
+# shellcheck source=tests/forensic/safety/what_surrounds_it.sh
+source "$(dirname -- "${BASH_SOURCE[0]}")/safety/what_surrounds_it.sh"
 
 # --- All of them ----------------------------------------------------------------------------------------
 

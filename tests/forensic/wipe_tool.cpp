@@ -1,5 +1,5 @@
 // Wipes what is named on the command line, for tests of the engine on real file systems.
-//   wipe_tool [--level L] [--at NAME COMMAND] PATH...
+//   wipe_tool [--level L] [--trust] [--at NAME COMMAND] PATH...
 // --at runs COMMAND by the system's shell when the wipe of the item called NAME has just started: once it
 // is open and before its first pass. Exit code 0 if everything named is gone, else 1; every event but
 // progress is a line of the output.
@@ -52,12 +52,16 @@ class PrintedEvents final : public EngineEvents {
 
 int Run(const std::vector<std::string>& arguments) {
   std::int32_t level = 3;
+  DeviceOptions options;
   std::string itemName;
   std::string command;
   std::size_t next = 0;
   while (next < arguments.size() && arguments[next].rfind("--", 0) == 0) {
     const std::string& option = arguments[next];
-    if (option == "--level" && next + 1 < arguments.size()) {
+    if (option == "--trust") {
+      options.trustFileSystem = true;
+      next += 1;
+    } else if (option == "--level" && next + 1 < arguments.size()) {
       level = std::atoi(arguments[next + 1].c_str());
       next += 2;
     } else if (option == "--at" && next + 2 < arguments.size()) {
@@ -76,7 +80,7 @@ int Run(const std::vector<std::string>& arguments) {
 
   SteadyClock clock;
   SystemSeed seeds;
-  const std::unique_ptr<Device> device = MakeSystemDevice();
+  const std::unique_ptr<Device> device = MakeSystemDevice(options);
   PrintedEvents events(itemName, command);
   SecureDelete engine(*device, seeds, clock, events,
                       [](const std::string&, const std::string&) { return false; });
@@ -89,6 +93,7 @@ int Run(const std::vector<std::string>& arguments) {
       std::printf("failed: %s\n", engine.LastErrorText().c_str());
       result = 1;
     }
+    if (!engine.Note().empty()) std::printf("note: %s\n", engine.Note().c_str());
   }
   // A test whose intervention never happened would prove nothing.
   if (events.CommandIsDue()) {

@@ -125,8 +125,8 @@ TEST_F(DockStudioTest, LayoutIsWrittenBehindTheSettingsFiles) {
   Open();
   fake_.files.log.clear();
   Default<frmMain>::Touch().Unload();
-  EXPECT_EQ(fake_.files.log, (std::vector<std::string>{"write C:\\Zeroquill\\Settings.dat",
-                                                       "write C:\\Zeroquill\\Settings2.dat",
+  EXPECT_EQ(fake_.files.log, (std::vector<std::string>{"record C:\\Zeroquill\\Settings.dat",
+                                                       "record C:\\Zeroquill\\Settings2.dat",
                                                        std::string("write ") + kLayoutFile, "end"}));
 }
 

@@ -58,6 +58,11 @@ class FolderTreeviewTest : public testing::Test {
     }
     return names;
   }
+  static std::string CurrentFolder() {
+    std::wstring folder(::GetCurrentDirectoryW(0, nullptr), L'\0');
+    folder.resize(::GetCurrentDirectoryW(static_cast<DWORD>(folder.size()), folder.data()));
+    return FromWide(folder);
+  }
   bool HasButton(HTREEITEM item) const {
     TVITEMW info{};
     info.mask = TVIF_CHILDREN;
@@ -113,6 +118,79 @@ TEST_F(FolderTreeviewTest, IgnoresWhatIsNoFolderOfTheShell) {
     EXPECT_EQ(Selected(), before) << path;
   }
   EXPECT_TRUE(form_->selections.empty());
+}
+
+TEST_F(FolderTreeviewTest, APathThatIsNotFullIsReckonedFromTheCurrentFolder) {
+  scratch_.Make("zq\\papers\\a.txt", "a");
+  const std::string before = CurrentFolder();
+  ASSERT_TRUE(::SetCurrentDirectoryW(zq::ToWide(scratch_ / "zq").c_str()));
+  form_->FT1.SelectPath("papers");
+  form_->FT1.SelectPath("..");
+  form_->FT1.SelectPath("none");
+  ::SetCurrentDirectoryW(zq::ToWide(before).c_str());
+  const std::string papers = scratch_ / "zq\\papers";
+  EXPECT_EQ(form_->selections,
+            (std::vector<Selection>{{papers, papers}, {scratch_.Path(), scratch_.Path()}}));
+}
+
+// Under Wine the desktop holds the whole machine below it.
+TEST_F(FolderTreeviewTest, ShowsNothingOutsideDrivesAndShares) {
+  const HTREEITEM root = TreeView_GetRoot(Tree());
+  for (HTREEITEM child = TreeView_GetChild(Tree(), root); child;
+       child = TreeView_GetNextSibling(Tree(), child)) {
+    EXPECT_NE(NameOf(child), "/");
+  }
+  for (const char* path :
+       {"\\\\?\\unix\\", "\\\\?\\unix\\usr", "\\\\.\\unix\\usr", "/usr", "::", "shell:Desktop"}) {
+    form_->FT1.SelectPath(path);
+    EXPECT_EQ(Selected(), nullptr) << path;
+  }
+  EXPECT_TRUE(form_->selections.empty());
+}
+
+// A folder of the shell's that can't compare its items.
+class NoComparison final : public IShellFolder {
+ public:
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+  ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+  ULONG STDMETHODCALLTYPE Release() override { return 1; }
+  HRESULT STDMETHODCALLTYPE ParseDisplayName(HWND, IBindCtx*, LPWSTR, ULONG*, PIDLIST_RELATIVE*,
+                                             ULONG*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE EnumObjects(HWND, SHCONTF, IEnumIDList**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE BindToObject(PCUIDLIST_RELATIVE, IBindCtx*, REFIID, void**) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE BindToStorage(PCUIDLIST_RELATIVE, IBindCtx*, REFIID, void**) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE CompareIDs(LPARAM, PCUIDLIST_RELATIVE, PCUIDLIST_RELATIVE) override {
+    return compared;
+  }
+  HRESULT STDMETHODCALLTYPE CreateViewObject(HWND, REFIID, void**) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE GetAttributesOf(UINT, PCUITEMID_CHILD_ARRAY, SFGAOF*) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE GetUIObjectOf(HWND, UINT, PCUITEMID_CHILD_ARRAY, REFIID, UINT*, void**) override {
+    return E_NOTIMPL;
+  }
+  HRESULT STDMETHODCALLTYPE GetDisplayNameOf(PCUITEMID_CHILD, SHGDNF, STRRET*) override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE SetNameOf(HWND, PCUITEMID_CHILD, LPCWSTR, SHGDNF, PITEMID_CHILD*) override {
+    return E_NOTIMPL;
+  }
+
+  HRESULT compared = E_FAIL;
+};
+
+TEST(FolderTreeview, FoldersThatCantBeComparedAreNotTheSame) {
+  NoComparison folder;
+  EXPECT_NE(CompareItems(folder, SHCIDS_CANONICALONLY, nullptr, nullptr), 0);
+  EXPECT_EQ(CompareItems(folder, 0, nullptr, nullptr), std::nullopt);
+  folder.compared = S_OK;
+  EXPECT_EQ(CompareItems(folder, 0, nullptr, nullptr), 0);
+  folder.compared = MAKE_HRESULT(SEVERITY_SUCCESS, 0, 0xFFFF);
+  EXPECT_EQ(CompareItems(folder, 0, nullptr, nullptr), -1);
 }
 
 TEST_F(FolderTreeviewTest, ListsFoldersAloneInOrder) {

@@ -108,6 +108,14 @@ TEST_F(frmFolderTest, OkIsForNodesThatCarryAPath) {
   EXPECT_FALSE(IsEnabled(form, IDC_frmFolder_cmdOK));
 }
 
+TEST_F(frmFolderTest, OkIsNotForAPathThatTheTreeCantShow) {
+  for (const std::string& path : {scratch_ / "none", std::string("none"), std::string("\\\\?\\unix\\usr")}) {
+    frmFolder& form = OpenAt(path);
+    EXPECT_FALSE(IsEnabled(form, IDC_frmFolder_cmdOK)) << path;
+    form.Unload();
+  }
+}
+
 TEST_F(frmFolderTest, OkIsForAMaskThatIsNotBlank) {
   frmFolder& form = OpenAt(scratch_.Path());
   Type(form, IDC_frmFolder_txtMask, "   ");

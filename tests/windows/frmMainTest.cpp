@@ -8,6 +8,8 @@
 #include "core/main/frmMain.h"
 #include "core/state/Settings.h"
 #include "platform/RunTimeError.h"
+#include "reports/frmPrintReport.h"
+#include "wipe/frmStatus.h"
 
 namespace zq::test {
 namespace {
@@ -21,6 +23,7 @@ class frmMainTest : public testing::Test {
   void TearDown() override {
     state_.QuickBinBusy = false;
     state_.Settings.PromptToSave = 0;
+    if (Default<frmPrintReport>::IsLoaded()) Default<frmPrintReport>::Touch().Unload();
     if (Default<frmMain>::IsLoaded()) Default<frmMain>::Touch().Unload();
     Form::DestroyClosed();
   }
@@ -83,7 +86,7 @@ TEST_F(frmMainTest, CloseIsRefusedWhileTheBinWipesButTheJobIsGone) {
   EXPECT_EQ(main.Jobs().Count(), 0U);
   EXPECT_TRUE(state_.JobSaved);
   EXPECT_FALSE(Ended());
-  EXPECT_EQ(std::count(fake_.files.log.begin(), fake_.files.log.end(), "write C:\\Zeroquill\\Settings.dat"),
+  EXPECT_EQ(std::count(fake_.files.log.begin(), fake_.files.log.end(), "record C:\\Zeroquill\\Settings.dat"),
             0);
 }
 
@@ -97,10 +100,71 @@ TEST_F(frmMainTest, ShutdownWritesSettingsThenPlacementThenEnds) {
   const auto at = [&](const std::string& line) {
     return std::find(fake_.files.log.begin(), fake_.files.log.end(), line) - fake_.files.log.begin();
   };
-  EXPECT_LT(at("write C:\\Zeroquill\\Settings.dat"), at("write C:\\Zeroquill\\Settings2.dat"));
-  EXPECT_LT(at("write C:\\Zeroquill\\Settings2.dat"), at("end"));
+  EXPECT_LT(at("record C:\\Zeroquill\\Settings.dat"), at("record C:\\Zeroquill\\Settings2.dat"));
+  EXPECT_LT(at("record C:\\Zeroquill\\Settings2.dat"), at("end"));
   EXPECT_TRUE(Ended());
   EXPECT_EQ(Content("Settings.dat"), EncodeSettings(settings));
+}
+
+TEST_F(frmMainTest, SessionEndThatIsCalledOffKeepsTheJob) {
+  fake_.process.commandLine = "C:\\some.txt";
+  frmMain& main = Load();
+  state_.Settings.PromptToSave = 0;
+  fake_.files.log.clear();
+  const HWND window = static_cast<Form&>(main).Handle();
+  EXPECT_EQ(::SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
+  EXPECT_EQ(main.Jobs().Count(), 1U);
+  ::SendMessageW(window, WM_ENDSESSION, FALSE, 0);
+  EXPECT_EQ(main.Jobs().Count(), 1U);
+  EXPECT_FALSE(state_.JobSaved);
+  EXPECT_FALSE(Ended());
+  EXPECT_TRUE(fake_.files.log.empty());
+}
+
+TEST_F(frmMainTest, SessionEndSavesAsAnyExitDoes) {
+  fake_.process.commandLine = "C:\\some.txt";
+  frmMain& main = Load();
+  fake_.files.log.clear();
+  const HWND window = static_cast<Form&>(main).Handle();
+  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  EXPECT_EQ(::SendMessageW(window, WM_QUERYENDSESSION, 0, 0), FALSE);
+  EXPECT_EQ(main.Jobs().Count(), 1U);
+  fake_.messageBoxes.answers = {MessageAnswer::No};
+  EXPECT_EQ(::SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
+  ::SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+  EXPECT_EQ(fake_.files.log,
+            (std::vector<std::string>{"box Save", "box Save", "record C:\\Zeroquill\\Settings.dat",
+                                      "record C:\\Zeroquill\\Settings2.dat",
+                                      "write C:\\Zeroquill\\Zeroquill.dsl", "end"}));
+  EXPECT_EQ(main.Jobs().Count(), 0U);
+}
+
+TEST_F(frmMainTest, SessionEndIsRefusedWhileAWipeRunsAndWhenForcedLeavesItsRowsAlone) {
+  // The file is there for the driver alone: the engine finds none at this path.
+  fake_.files.AddFile("C:\\none of this machine.txt", "x");
+  fake_.process.commandLine = "\"C:\\none of this machine.txt\"";
+  frmMain& main = Load();
+  Default<frmStatus>::SetFactory(
+      [&] { return std::make_unique<frmStatus>(state_, fake_.platform, main.Driver()); });
+  Default<frmPrintReport>::SetFactory(
+      [this] { return std::make_unique<frmPrintReport>(state_, fake_.platform); });
+  state_.Settings.PromptToSave = 0;
+  const HWND window = static_cast<Form&>(main).Handle();
+  int asked = 0;
+  fake_.process.onPump = [&] {
+    if (asked++ > 0) return;
+    EXPECT_EQ(::SendMessageW(window, WM_QUERYENDSESSION, 0, 0), FALSE);
+    EXPECT_EQ(main.Jobs().Count(), 1U);
+    EXPECT_FALSE(Ended());
+    // With the power failing, say, the system doesn't mind the refusal.
+    ::SendMessageW(window, WM_ENDSESSION, TRUE, static_cast<LPARAM>(ENDSESSION_CRITICAL));
+    EXPECT_EQ(main.Jobs().Count(), 1U) << "the wipe still walks them";
+    EXPECT_TRUE(Ended());
+  };
+  fake_.messageBoxes.answers = {MessageAnswer::Ok, MessageAnswer::No};
+  main.DockStudio1.ToolClick("WipeNow");
+  EXPECT_GT(asked, 0);
+  fake_.process.onPump = nullptr;
 }
 
 TEST_F(frmMainTest, PlacementComesBackAsItWasSaved) {

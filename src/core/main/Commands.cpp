@@ -50,6 +50,14 @@ bool Commands::CloseForExit() {
   return !wiping_ && parts_.jobLifecycle.CloseForExit();
 }
 
+bool Commands::AllowSessionEnd() {
+  return !wiping_ && parts_.jobLifecycle.AllowSessionEnd();
+}
+
+void Commands::SessionEnds() {
+  if (!wiping_) parts_.jobLifecycle.DropJob();
+}
+
 void Commands::UpdateTools() {
   UpdateCommandState(parts_.state, parts_.jobList, parts_.tools, parts_.platform.regional);
 }

@@ -71,6 +71,12 @@ class Commands {
   // wiped it stays, and the job with it.
   bool CloseForExit();
 
+  // The session is to end; see JobLifecycle::AllowSessionEnd. False while a job is wiped.
+  bool AllowSessionEnd();
+
+  // The session ends now: leaves no job, but to a wipe the rows that it walks.
+  void SessionEnds();
+
   // Brings the tools and the item count in step with the job.
   void UpdateTools();
 

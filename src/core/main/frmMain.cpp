@@ -8,6 +8,7 @@
 
 #include "ancillary/frmWelcome.h"
 #include "core/main/CommandTable.h"
+#include "core/main/Placement.h"
 #include "core/main/StartUp.h"
 #include "core/state/Settings.h"
 #include "platform/Process.h"
@@ -37,6 +38,23 @@ constexpr ListColumn kColumns[] = {
 // A column takes this part of the list's width, in whole pixels: together some 97.6 per cent, which
 // leaves room for a scroll bar.
 constexpr std::array<int, std::size(kColumns)> kColumnDivisors{2, 7, 6, 6};
+
+ScreenPlace PlaceFrom(const RECT& rect) {
+  return {rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top};
+}
+
+// Where a minimised window comes back to, as the system tells it.
+ScreenPlace RestoredPlace(const RECT& told) {
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof monitor;
+  if (!::GetMonitorInfoW(::MonitorFromRect(&told, MONITOR_DEFAULTTONEAREST), &monitor))
+    return PlaceFrom(told);
+  return FromWorkArea(PlaceFrom(told), PlaceFrom(monitor.rcMonitor), PlaceFrom(monitor.rcWork));
+}
+
+int SystemDpi() {
+  return static_cast<int>(::GetDpiForSystem());
+}
 
 std::string CellOf(const JobRow& row, int column) {
   switch (column) {
@@ -179,26 +197,28 @@ void frmMain::RestoreWindowPlacement() {
     return;
   }
   // Whether this lies on a screen isn't looked at.
-  ::SetWindowPos(Handle(), nullptr, TwipsToPixels(placement.Left, Dpi()), TwipsToPixels(placement.Top, Dpi()),
-                 TwipsToPixels(placement.Width, Dpi()), TwipsToPixels(placement.Height, Dpi()),
-                 SWP_NOZORDER | SWP_NOACTIVATE);
+  const ScreenPlace place = PlaceOf(placement, SystemDpi());
+  // On a monitor of another resolution the first move has the window scaled to it: the second one gives it
+  // its size again.
+  for (int move = 0; move < 2; ++move) {
+    ::SetWindowPos(Handle(), nullptr, place.left, place.top, place.width, place.height,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+  }
 }
 
 WindowPlacement frmMain::CurrentPlacement() const {
   if (::IsZoomed(Handle()) || (maximiseAtShow_ && !shown_)) return {};
-  RECT rect{};
-  ::GetWindowRect(Handle(), &rect);
   if (::IsIconic(Handle())) {
     // A minimised window stands at a place off all screens; what is wanted is where it comes back to.
     WINDOWPLACEMENT system{};
     system.length = sizeof system;
     ::GetWindowPlacement(Handle(), &system);
     if (system.flags & WPF_RESTORETOMAXIMIZED) return {};
-    rect = system.rcNormalPosition;
+    return PlacementOf(RestoredPlace(system.rcNormalPosition), SystemDpi());
   }
-  return PlacementFrom(PixelsToTwips(rect.right - rect.left, Dpi()),
-                       PixelsToTwips(rect.bottom - rect.top, Dpi()), PixelsToTwips(rect.left, Dpi()),
-                       PixelsToTwips(rect.top, Dpi()));
+  RECT rect{};
+  ::GetWindowRect(Handle(), &rect);
+  return PlacementOf(PlaceFrom(rect), SystemDpi());
 }
 
 bool frmMain::QueryUnload(CloseReason) {
@@ -243,9 +263,12 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
                                                        : POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
       return 0;
     case WM_QUERYENDSESSION:
-      return QueryUnload(CloseReason::User) ? TRUE : FALSE;
+      return commands_.AllowSessionEnd() ? TRUE : FALSE;
     case WM_ENDSESSION:
-      if (wParam) Unloaded();
+      // Without a yes to it the session goes on after all, and so does the job.
+      if (!wParam) return 0;
+      commands_.SessionEnds();
+      Unloaded();
       return 0;
     case kShowWelcome:
       if (FirstRun) {

@@ -17,7 +17,8 @@ namespace {
 
 constexpr unsigned kAddFilesFlags = OFN_HIDEREADONLY | OFN_ALLOWMULTISELECT | OFN_FILEMUSTEXIST |
                                     OFN_SHAREAWARE | OFN_EXPLORER | OFN_LONGNAMES;
-constexpr unsigned kAddFilesBufferBytes = 32000;
+// In UTF-16 units: for as many files as a job can have rows, each name at its longest, and their folder.
+constexpr unsigned kAddFilesBuffer = 32767 * (255 + 1) + 32768;
 
 }  // namespace
 
@@ -26,7 +27,7 @@ AddFilesChoice frmMain::ShowAddFiles(const std::string& initialFolder) {
                                                       .filter = "All Files|*.*",
                                                       .initialFolder = initialFolder,
                                                       .flags = kAddFilesFlags,
-                                                      .maxFileSize = kAddFilesBufferBytes});
+                                                      .maxFileSize = kAddFilesBuffer});
   return {.tooMany = result.outcome == OpenDialogOutcome::TooManyFiles, .fileName = result.fileName};
 }
 

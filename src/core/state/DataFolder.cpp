@@ -29,6 +29,10 @@ void DataFolder::Write(const std::string& name, const std::string& bytes) const 
   files_.Write(PathOf(name), bytes);
 }
 
+void DataFolder::WriteRecord(const std::string& name, const std::string& bytes) const {
+  files_.WriteRecord(PathOf(name), bytes);
+}
+
 bool DataFolder::MakeFolder(const std::string& name) const {
   return files_.MakeFolder(PathOf(name));
 }

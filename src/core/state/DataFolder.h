@@ -31,6 +31,7 @@ class DataFolder {
   }
   std::string Read(const std::string& name) const;
   void Write(const std::string& name, const std::string& bytes) const;
+  void WriteRecord(const std::string& name, const std::string& bytes) const;
   bool MakeFolder(const std::string& name) const;
   bool Remove(const std::string& name) const;
 

@@ -165,11 +165,11 @@ LoadedSettings LoadSettings(const DataFolder& folder, Registry& registry) {
 }
 
 void WriteSettings(const DataFolder& folder, const SettingsRecord& settings) {
-  folder.Write(kSettingsFile, EncodeSettings(settings));
+  folder.WriteRecord(kSettingsFile, EncodeSettings(settings));
 }
 
 void WritePlacement(const DataFolder& folder, const WindowPlacement& placement) {
-  folder.Write(kPlacementFile, EncodePlacement(placement));
+  folder.WriteRecord(kPlacementFile, EncodePlacement(placement));
 }
 
 WindowPlacement PlacementFrom(double widthTwips, double heightTwips, double leftTwips, double topTwips) {

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include "platform/win32/Wide.h"
+
 namespace zq {
 namespace {
 
@@ -33,14 +35,8 @@ UINT ButtonsFlag(MessageButtons buttons) {
   return 0;
 }
 
-}  // namespace
-
-MessageAnswer Win32MessageBoxes::Show(const Message& message) {
-  const UINT flags = IconFlag(message.icon) | ButtonsFlag(message.buttons) | MB_DEFBUTTON1;
-  // Without an active window of ours, task-modal keeps the other windows from being used meanwhile.
-  const HWND owner = ::GetActiveWindow();
-  switch (::MessageBoxA(owner, message.text.c_str(), message.title.c_str(),
-                        flags | (owner ? MB_APPLMODAL : MB_TASKMODAL | MB_SETFOREGROUND))) {
+MessageAnswer AnswerOf(int button) {
+  switch (button) {
     case IDYES:
       return MessageAnswer::Yes;
     case IDNO:
@@ -49,6 +45,30 @@ MessageAnswer Win32MessageBoxes::Show(const Message& message) {
       return MessageAnswer::Ok;
     default:
       return MessageAnswer::Cancel;
+  }
+}
+
+// What stands for an answer where the system can't show the box: whatever does nothing.
+MessageAnswer AnswerWithoutABox(MessageButtons buttons) {
+  return buttons == MessageButtons::YesNo ? MessageAnswer::No : MessageAnswer::Cancel;
+}
+
+}  // namespace
+
+MessageAnswer Win32MessageBoxes::Show(const Message& message) {
+  const UINT flags = IconFlag(message.icon) | ButtonsFlag(message.buttons) | MB_DEFBUTTON1;
+  const std::wstring text = ToWide(message.text);
+  const std::wstring title = ToWide(message.title);
+  for (;;) {
+    // Without an active window of ours, task-modal keeps the other windows from being used meanwhile.
+    const HWND owner = ::GetActiveWindow();
+    const int button = ::MessageBoxW(owner, text.c_str(), title.c_str(),
+                                     flags | (owner ? MB_APPLMODAL : MB_TASKMODAL | MB_SETFOREGROUND));
+    if (button == 0) return AnswerWithoutABox(message.buttons);
+    // A box of Yes and No knows neither Esc nor a close box, but not every system keeps to that: what was
+    // no answer is asked for again.
+    if (message.buttons == MessageButtons::YesNo && button != IDYES && button != IDNO) continue;
+    return AnswerOf(button);
   }
 }
 

@@ -17,8 +17,11 @@ namespace fs = std::filesystem;
 
 constexpr std::uint64_t kSmallDriveBytes = 64u << 20;
 
+// A full path; one that is long gets the prefix without which the system doesn't take it.
 fs::path ToPath(std::string_view utf8) {
-  return fs::path(ToWide(utf8));
+  constexpr std::size_t kLong = 240;
+  const std::wstring wide = ToWide(utf8);
+  return wide.size() < kLong ? fs::path(wide) : fs::path(L"\\\\?\\" + wide);
 }
 
 // A drive that a test may fill up.
@@ -66,7 +69,7 @@ void WriteFileBytes(const std::string& path, std::string_view bytes) {
 }
 
 bool PathExists(const std::string& path) {
-  return ::GetFileAttributesW(ToWide(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+  return ::GetFileAttributesW(ToPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
 bool FolderHolds(const std::string& folder, std::string_view bytes) {
@@ -88,10 +91,11 @@ ScratchFolder::ScratchFolder() {
 ScratchFolder::~ScratchFolder() {
   // A program that a failed test left behind may still hold a file: the run's folder goes with the run.
   std::error_code ignored;
-  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(ToPath(path_), ignored)) {
+  const fs::path folder(L"\\\\?\\" + ToWide(path_));
+  for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder, ignored)) {
     RemoveReadOnly(entry.path());
   }
-  fs::remove_all(ToPath(path_), ignored);
+  fs::remove_all(folder, ignored);
 }
 
 std::string ScratchFolder::operator/(std::string_view name) const {
@@ -103,7 +107,7 @@ std::string ScratchFolder::Make(std::string_view name, std::string_view bytes,
   const std::string path = *this / name;
   fs::create_directories(ToPath(path).parent_path());
   WriteFileBytes(path, bytes);
-  if (attributes != 0) ::SetFileAttributesW(ToWide(path).c_str(), attributes);
+  if (attributes != 0) ::SetFileAttributesW(ToPath(path).c_str(), attributes);
   return path;
 }
 

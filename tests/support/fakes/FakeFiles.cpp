@@ -85,10 +85,15 @@ std::optional<FileEntry> FakeFiles::FindEntry(const std::string& pattern) {
   return entries.front();
 }
 
-bool FakeFiles::List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) {
+ListEnd FakeFiles::List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) {
+  if (failEverything) return ListEnd::BrokenOff;
   const std::vector<FileEntry> entries = Matches(pattern);
-  for (const FileEntry& entry : entries) visit(entry);
-  return !entries.empty();
+  int handedOver = 0;
+  for (const FileEntry& entry : entries) {
+    if (handedOver++ == listingBreaksAfter) return ListEnd::BrokenOff;
+    visit(entry);
+  }
+  return entries.empty() ? ListEnd::NothingFound : ListEnd::Complete;
 }
 
 std::optional<std::uint32_t> FakeFiles::Attributes(const std::string& path) {
@@ -128,6 +133,15 @@ std::string FakeFiles::Read(const std::string& path) {
 
 void FakeFiles::Write(const std::string& path, const std::string& bytes) {
   log.push_back("write " + path);
+  Put(path, bytes);
+}
+
+void FakeFiles::WriteRecord(const std::string& path, const std::string& bytes) {
+  log.push_back("record " + path);
+  Put(path, bytes);
+}
+
+void FakeFiles::Put(const std::string& path, const std::string& bytes) {
   if (failEverything || unwritable.contains(path)) throw RunTimeError(ErrorNumber::PathFileAccessError);
   if (!Exists(FolderOf(path))) throw RunTimeError(ErrorNumber::PathNotFound);
   if (Node* node = Find(path)) {

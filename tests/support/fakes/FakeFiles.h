@@ -36,24 +36,28 @@ class FakeFiles final : public Files {
   Node* Find(const std::string& path);
 
   std::string currentFolder = "C:\\Current";
-  std::set<std::string> unreadable;      // Read raises PermissionDenied
-  std::set<std::string> unwritable;      // Write raises PathFileAccessError
-  std::set<std::string> keepAttributes;  // SetAttributes is refused
-  bool failEverything = false;           // each call that can say no says no
-  std::vector<std::string> log;          // "write C:\x", "attributes C:\x 128", "folder ...", "remove ..."
+  std::set<std::string> unreadable;       // Read raises PermissionDenied
+  std::set<std::string> unwritable;       // Write raises PathFileAccessError
+  std::set<std::string> keepAttributes;   // SetAttributes is refused
+  bool failEverything = false;            // each call that can say no says no
+  std::optional<int> listingBreaksAfter;  // so many entries of each listing are handed over
+  // "write C:\x", "record C:\x", "attributes C:\x 128", "folder ...", "remove ..."
+  std::vector<std::string> log;
 
   std::optional<FileEntry> FindEntry(const std::string& pattern) override;
-  bool List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) override;
+  ListEnd List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) override;
   std::optional<std::uint32_t> Attributes(const std::string& path) override;
   bool SetAttributes(const std::string& path, std::uint32_t attributes) override;
   bool MakeFolder(const std::string& path) override;
   bool Remove(const std::string& path) override;
   std::string Read(const std::string& path) override;
   void Write(const std::string& path, const std::string& bytes) override;
+  void WriteRecord(const std::string& path, const std::string& bytes) override;
   std::string CurrentFolder() override { return currentFolder; }
 
  private:
   std::vector<FileEntry> Matches(const std::string& pattern) const;
+  void Put(const std::string& path, const std::string& bytes);
   std::vector<Node> nodes_;
 };
 

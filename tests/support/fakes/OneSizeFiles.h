@@ -18,10 +18,10 @@ class OneSizeFiles final : public Files {
     ++calls;
     return Entry();
   }
-  bool List(const std::string&, const std::function<void(const FileEntry&)>& visit) override {
+  ListEnd List(const std::string&, const std::function<void(const FileEntry&)>& visit) override {
     ++calls;
     visit(Entry());
-    return true;
+    return ListEnd::Complete;
   }
   std::optional<std::uint32_t> Attributes(const std::string&) override {
     ++calls;
@@ -38,6 +38,7 @@ class OneSizeFiles final : public Files {
     ++calls;
     content = bytes;
   }
+  void WriteRecord(const std::string& path, const std::string& bytes) override { Write(path, bytes); }
   std::string CurrentFolder() override { return {}; }
 
  private:

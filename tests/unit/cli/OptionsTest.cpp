@@ -32,7 +32,8 @@ TEST(CommandLine, TakesPathsAndIsCarefulByDefault) {
 
 TEST(CommandLine, TakesEveryOption) {
   const Options options = Accepted({"--level", "7", "--recursive", "--mask", "*.tmp", "--dry-run", "--yes",
-                                    "--report", "r.txt", "--json", "--quiet", "a"});
+                                    "--trust-file-system", "--report", "r.txt", "--json", "--quiet", "a"});
+  EXPECT_TRUE(options.trustFileSystem);
   EXPECT_EQ(options.level, 7);
   EXPECT_EQ(options.mask, "*.tmp");
   EXPECT_EQ(options.report, "r.txt");

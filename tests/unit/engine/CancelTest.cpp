@@ -40,6 +40,25 @@ Clock::Time TimeToStop(EngineRig& rig, Clock::Time clickAt, const Run& run) {
   return rig.clock.Now() - click;
 }
 
+TEST(Cancel, GetsThroughWhileTheDeviceDoesntAnswer) {
+  for (const char* path : {"/top", "/top/x"}) {
+    EngineRig rig;
+    rig.device.queueDepth = 8;
+    rig.device.MakeFile("/top/x", Secret(4'000'000));
+    rig.device.MakeFile("/top/y", Secret(4'000));
+    rig.device.onOp = [&](const Op& op) {
+      if (op.kind == "write" && op.offset > 0) rig.device.answersNoMore = true;
+    };
+    const Clock::Time took = TimeToStop(rig, Clock::Time{1'000'000}, [&] {
+      return std::string(path) == "/top" ? rig.engine.WipeFolder(path, 3) : rig.engine.WipeFile(path, 3);
+    });
+    EXPECT_LE(took, kAtMost);
+    EXPECT_TRUE(rig.device.Exists("/top/x"));
+    EXPECT_EQ(rig.device.openHandles, 0);
+    EXPECT_THAT(rig.device.violations, IsEmpty());
+  }
+}
+
 TEST(Cancel, StopsAFileInTimeOnASlowDevice) {
   for (const bool direct : {true, false}) {
     for (const std::uint64_t speed : {1'000'000u, 5'000'000u, 100'000'000u}) {

@@ -318,6 +318,9 @@ class FakeFolder final : public Folder {
         return Status::Refusal("it is a link");
     }
     if (found->second->readOnly) return {Trouble::Other, 5, "Access is denied."};
+    if (device_.mostOpenFiles > 0 && device_.openHandles >= device_.mostOpenFiles) {
+      return {Trouble::TooManyOpen, 24, "Too many open files"};
+    }
     if (device_.opensForOneAlone && found->second->openCount > 0) {
       return {Trouble::Other, 32, "The file is in use."};
     }
@@ -452,7 +455,18 @@ class FakeQueue final : public TransferQueue {
     Begin(file, tag, [&file, offset, data](std::size_t& done) { return file.Read(offset, data, done); });
   }
 
+  bool WaitFor(std::chrono::milliseconds limit, Ended& ended) override {
+    if (device_.answersNoMore) {
+      device_.clock_.Advance(limit);
+      return false;
+    }
+    ended = Wait();
+    return true;
+  }
+  void GiveUp() override { device_.answersNoMore = false; }
+
   Ended Wait() override {
+    if (device_.answersNoMore) device_.violations.push_back("waited for a device that doesn't answer");
     const Transfer transfer = std::move(transfers_.back());
     transfers_.pop_back();
     if (--device_.underWay_[transfer.file] == 0) device_.underWay_.erase(transfer.file);

@@ -86,6 +86,7 @@ class FakeDevice final : public Device {
   std::size_t queueDepth = 1;  // with more, transfers are carried out at Wait, the latest first
   bool renamesOpenFolders = false;
   bool opensForOneAlone = false;           // a file that is open can't be opened under another name
+  int mostOpenFiles = 0;                   // more than these can't be open at once; 0: no end
   bool mergesEqual = false;                // streams must never be written with a pattern
   std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
   std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end
@@ -96,6 +97,7 @@ class FakeDevice final : public Device {
   bool writesWhatFits = false;          // of a write that the end of the device cuts
   std::size_t recordBytes = 0;          // files up to this length take no clusters
   std::size_t recordSlots = 0;          // and so many of them have room
+  bool answersNoMore = false;           // transfers end only when they are given up; needs a queue
   int passesNeeded = 9;                 // less than these on any byte at a removal is a violation
   std::function<void(const Op&)> onOp;  // before the operation is carried out
 

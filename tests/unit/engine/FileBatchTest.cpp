@@ -347,5 +347,25 @@ TEST(FolderWipe, RenamesFoldersTogetherWhereTheyMayBeOpen) {
   EXPECT_EQ(rig.device.openHandles, 0);
 }
 
+// Its own files are what the system has too many of: it is run before its time.
+TEST(FileBatch, RunsEarlyWhenNoMoreFilesCanBeOpened) {
+  EngineRig rig;
+  rig.device.mostOpenFiles = 7;
+  for (int i = 0; i < 40; ++i) rig.device.MakeFile("/f/" + std::to_string(i), Secret(500));
+  EXPECT_TRUE(rig.engine.WipeFolderFiles("/f", "*.*", false, 3)) << rig.engine.LastErrorText();
+  EXPECT_TRUE(rig.device.Find("/f")->children.empty());
+  EXPECT_THAT(rig.device.violations, ::testing::IsEmpty());
+  EXPECT_EQ(rig.device.openHandles, 0);
+}
+
+TEST(FileBatch, TellsThatNoFileCanBeOpenedAtAll) {
+  EngineRig rig;
+  rig.device.mostOpenFiles = 1;  // the folder
+  rig.device.MakeFile("/f/a", Secret(500));
+  EXPECT_FALSE(rig.engine.WipeFolderFiles("/f", "*.*", false, 3));
+  EXPECT_EQ(rig.engine.LastErrorText(), "Opening /f/a: Too many open files (24)");
+  EXPECT_EQ(rig.device.Find("/f/a")->stored, Secret(500));
+}
+
 }  // namespace
 }  // namespace zq::engine::test

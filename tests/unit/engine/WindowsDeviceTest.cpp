@@ -17,6 +17,7 @@ extern "C" {
 extern void* __imp_CreateFileW;
 extern void* __imp_FlushFileBuffers;
 extern void* __imp_ReadFile;
+extern void* __imp_ReOpenFile;
 extern void* __imp_WriteFile;
 }
 
@@ -90,15 +91,31 @@ TEST(WindowsDevice, DestroysTheContentUnderOtherNamesAndSaysSo) {
   EXPECT_EQ(real.engine.Note(), "1 file has other names, too. Under these it is now empty.");
 }
 
-TEST(WindowsDevice, RefusesAReadOnlyFileAndLeavesItAlone) {
+TEST(WindowsDevice, WipesAReadOnlyFile) {
   Scratch scratch;
   RealEngine real;
   const fs::path path = scratch / "x";
   WriteBytes(path, Secret(100));
   ASSERT_NE(::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY), 0);
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(path), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(fs::is_empty(scratch.Path()));
+}
+
+TEST(WindowsDevice, LeavesAFileReadOnlyThatStays) {
+  Scratch scratch;
+  RealEngine real;
+  const fs::path path = scratch / "x";
+  WriteBytes(path, Secret(300'000));
+  ASSERT_NE(::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN), 0);
+  DWORD meanwhile = 0;
+  real.events.onEvent = [&](const Event&) {
+    meanwhile = ::GetFileAttributesW(path.c_str());
+    real.engine.CancelOperation();
+  };
   EXPECT_FALSE(real.engine.WipeFile(Utf8(path), 3));
-  EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("it is read-only"));
-  EXPECT_EQ(ReadBytes(path), Secret(100));
+  EXPECT_EQ(meanwhile & FILE_ATTRIBUTE_READONLY, 0u);
+  constexpr DWORD kBoth = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN;
+  EXPECT_EQ(::GetFileAttributesW(path.c_str()) & kBoth, kBoth);
   ASSERT_NE(::SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL), 0);
 }
 
@@ -318,12 +335,23 @@ struct Call {
 };
 struct Calls {
   std::wstring name;
+  std::vector<HANDLE> lookedAt{};
   std::vector<DWORD> openFlags{};
   std::vector<DWORD> shareModes{};
   std::vector<HANDLE> handles{};
   std::vector<Call> all{};
   bool anyWithoutOverlapped = false;
 
+  void Opened(HANDLE handle, DWORD access, DWORD share, DWORD flags) {
+    if (handle == INVALID_HANDLE_VALUE) return;
+    if ((access & GENERIC_WRITE) == 0) {
+      lookedAt.push_back(handle);
+      return;
+    }
+    openFlags.push_back(flags);
+    shareModes.push_back(share);
+    handles.push_back(handle);
+  }
   bool Has(HANDLE handle) const { return std::find(handles.begin(), handles.end(), handle) != handles.end(); }
   void Transfer(char kind, const void* memory, DWORD sizeBytes, const OVERLAPPED* at) {
     if (at == nullptr) {
@@ -338,6 +366,7 @@ struct Calls {
 };
 Calls* calls = nullptr;
 Intercept* createFile = nullptr;
+Intercept* reopenFile = nullptr;
 Intercept* writeFile = nullptr;
 Intercept* readFile = nullptr;
 Intercept* flushFile = nullptr;
@@ -347,10 +376,14 @@ HANDLE WINAPI NotedCreateFile(LPCWSTR path, DWORD access, DWORD share, LPSECURIT
   const HANDLE handle = reinterpret_cast<decltype(&::CreateFileW)>(createFile->Before())(
       path, access, share, security, disposition, flags, like);
   const std::wstring text = path;
-  if (handle != INVALID_HANDLE_VALUE && (access & GENERIC_WRITE) != 0 && text.ends_with(calls->name)) {
-    calls->openFlags.push_back(flags);
-    calls->shareModes.push_back(share);
-    calls->handles.push_back(handle);
+  if (text.ends_with(calls->name)) calls->Opened(handle, access, share, flags);
+  return handle;
+}
+HANDLE WINAPI NotedReopenFile(HANDLE file, DWORD access, DWORD share, DWORD flags) {
+  const HANDLE handle =
+      reinterpret_cast<decltype(&::ReOpenFile)>(reopenFile->Before())(file, access, share, flags);
+  if (std::find(calls->lookedAt.begin(), calls->lookedAt.end(), file) != calls->lookedAt.end()) {
+    calls->Opened(handle, access, share, flags);
   }
   return handle;
 }
@@ -383,8 +416,10 @@ TEST(WindowsDevice, KeepsTheFileWhoseFlushFailsAndNoOther) {
   {
     calls = &noted;
     Intercept create(__imp_CreateFileW, reinterpret_cast<void*>(NotedCreateFile));
+    Intercept reopen(__imp_ReOpenFile, reinterpret_cast<void*>(NotedReopenFile));
     Intercept flush(__imp_FlushFileBuffers, reinterpret_cast<void*>(FailingFlush));
     createFile = &create;
+    reopenFile = &reopen;
     flushFile = &flush;
     EXPECT_FALSE(real.engine.WipeFolderFiles(Utf8(scratch.Path()), "*.*", false, 3));
   }
@@ -403,10 +438,12 @@ TEST(WindowsDevice, WritesThroughUnbufferedOverlappedAndFlushesEachPass) {
   {
     calls = &noted;
     Intercept create(__imp_CreateFileW, reinterpret_cast<void*>(NotedCreateFile));
+    Intercept reopen(__imp_ReOpenFile, reinterpret_cast<void*>(NotedReopenFile));
     Intercept write(__imp_WriteFile, reinterpret_cast<void*>(NotedWriteFile));
     Intercept read(__imp_ReadFile, reinterpret_cast<void*>(NotedReadFile));
     Intercept flush(__imp_FlushFileBuffers, reinterpret_cast<void*>(NotedFlush));
     createFile = &create;
+    reopenFile = &reopen;
     writeFile = &write;
     readFile = &read;
     flushFile = &flush;

@@ -446,6 +446,26 @@ TEST_F(JobFileTest, OneSavedJobWithoutAStampFailsTheWholeList) {
   ExpectRaises(ErrorNumber::PermissionDenied, [this] { ListSavedJobs(dataFolder); });
 }
 
+// As an editor leaves it in a file made by hand. With the mark in the stamp, the first line wouldn't begin
+// with a quote, and be saved as a line that can't be read again.
+TEST_F(JobFileTest, AByteOrderMarkIsPassedOver) {
+  const std::string bytes = "\"16.11.2026\"\r\n\"[FOLDERS]\"\r\n\"[FILES]\"\r\n\"C:\\a.txt\"\r\n";
+  files.AddFile(kJob, "\xEF\xBB\xBF" + bytes);
+  EXPECT_THAT(ListSavedJobs(dataFolder), ElementsAre(SavedJob{"Weekly", "16.11.2026"}));
+  jobFile.LoadJob();
+  EXPECT_EQ(state.LastWiping, "16.11.2026");
+  ASSERT_EQ(Rows().size(), 1U);
+  jobFile.SaveJob();
+  EXPECT_EQ(JobOnDisc(), bytes);
+}
+
+TEST_F(JobFileTest, AListOfSavedJobsThatBreaksOffIsAFailure) {
+  files.AddFile("C:\\Zeroquill\\Jobs\\one.zqj", "\"N/A\"");
+  files.AddFile("C:\\Zeroquill\\Jobs\\two.zqj", "\"N/A\"");
+  files.listingBreaksAfter = 1;
+  ExpectRaises(ErrorNumber::DeviceIoError, [this] { ListSavedJobs(dataFolder); });
+}
+
 TEST_F(JobFileTest, AStampLeavesTheDiscAsItIs) {
   const std::string bytes = "\"N/A\"\r\n\"[FOLDERS]\"\r\n\"[FILES]\"\r\n\"C:\\a.txt\"\r\n";
   files.AddFile(kJob, bytes);

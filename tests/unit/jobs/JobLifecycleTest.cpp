@@ -546,6 +546,42 @@ TEST_F(JobLifecycleTest, ABusyBinKeepsTheProgramOpenWithTheJobClosed) {
   ExpectUntitledClean();
 }
 
+TEST_F(JobLifecycleTest, ASessionEndThatIsCalledOffLeavesTheJobAsItWas) {
+  Named(true);
+  const std::vector<std::string> paths = Paths();
+  Answer(MessageAnswer::No);
+  EXPECT_TRUE(jobs.AllowSessionEnd());
+  EXPECT_EQ(Paths(), paths);
+  EXPECT_EQ(state.CurrentJobName, "Weekly");
+  EXPECT_EQ(state.LastWiping, "16.11.2026");
+  EXPECT_FALSE(state.JobSaved);
+  EXPECT_FALSE(Wrote());
+
+  Answer(MessageAnswer::Yes);
+  EXPECT_TRUE(jobs.AllowSessionEnd());
+  EXPECT_EQ(Paths(), paths);
+  EXPECT_TRUE(state.JobSaved);
+  EXPECT_TRUE(Wrote());
+
+  jobs.DropJob();
+  ExpectUntitledClean();
+}
+
+TEST_F(JobLifecycleTest, ASessionEndIsRefusedByCancelAndByABusyBin) {
+  Named(true);
+  const std::vector<std::string> paths = Paths();
+  Answer(MessageAnswer::Cancel);
+  EXPECT_FALSE(jobs.AllowSessionEnd());
+  EXPECT_EQ(Paths(), paths);
+  // The order of a close holds here as well: what the bin refuses, it refuses behind the job's close.
+  state.QuickBinBusy = true;
+  Answer(MessageAnswer::No);
+  EXPECT_FALSE(jobs.AllowSessionEnd());
+  ExpectUntitledClean();
+  state.QuickBinBusy = false;
+  EXPECT_TRUE(jobs.AllowSessionEnd()) << "the earlier cancel is forgotten";
+}
+
 TEST_F(JobLifecycleTest, AnExitForgetsAnEarlierCancel) {
   state.JobActionCancelled = true;
   EXPECT_TRUE(jobs.CloseForExit());

@@ -62,6 +62,8 @@ TEST(Characters, AreCodePointsWhateverTheirLengthInBytes) {
   EXPECT_EQ(CharacterCount("C:\\"), 3U);
   EXPECT_EQ(CharacterCount("a\u00e9\u20ac\U0001F600"), 4U);
   EXPECT_EQ(CharacterCount("\x80\x80\x80\x80\x80\x80"), 6U);  // not UTF-8
+  EXPECT_EQ(Utf16Length(""), 0U);
+  EXPECT_EQ(Utf16Length("a\u00e9\u20ac\U0001F600"), 5U);
   EXPECT_EQ(CharacterCount(std::string(100000, 'x')), 100000U);
   EXPECT_EQ(WithoutLastCharacters("a\u00e9\u20ac\U0001F600", 0), "a\u00e9\u20ac\U0001F600");
   EXPECT_EQ(WithoutLastCharacters("a\u00e9\u20ac\U0001F600", 2), "a\u00e9");

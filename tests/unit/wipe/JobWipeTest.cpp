@@ -103,6 +103,26 @@ TEST_F(JobWipeTest, WithNothingLeftItSaysSoAndStops) {
   EXPECT_TRUE(jobList.Row(2).Ghosted);
 }
 
+// Only a job file made by hand, or a system with other ways to a file than drives, has such rows.
+TEST_F(JobWipeTest, WhatIsOnNoDriveAndNoShareIsNotTouched) {
+  AddFile("\\\\?\\unix\\a.txt", kAttributeReadOnly);
+  files.AddFile("\\\\?\\unix\\etc\\b.txt", "secret", kAttributeReadOnly);
+  files.AddFile("papers\\c.txt", "secret", kAttributeReadOnly);
+  jobList.Add(FolderRow("\\\\?\\unix\\etc", "*.*", "Yes"));
+  jobList.Add(FolderRow("papers", "*.*", "No"));
+  AddFile("C:\\d.txt");
+  AddFile("e.txt");
+  Run();
+  EXPECT_THAT(LogOf("Wipe"), ElementsAre("WipeFile C:\\d.txt 3", "WipeFile e.txt 3"));
+  EXPECT_THAT(LogOf("attributes"), ElementsAre("attributes C:\\d.txt 128", "attributes e.txt 128"));
+  EXPECT_EQ(state.TotalWipeItems.Whole(), 2);
+  const std::string reason =
+      " - It lies neither on a drive with a letter nor in a share of a server, and was not touched.\"\r\n";
+  EXPECT_THAT(Report(), testing::HasSubstr("\"[ERRORS]\"\r\n\"\\\\?\\unix\\a.txt" + reason +
+                                           "\"\\\\?\\unix\\etc" + reason + "\"papers" + reason));
+  EXPECT_FALSE(jobList.Row(1).Ghosted);
+}
+
 TEST_F(JobWipeTest, OnlyOkGoesOn) {
   AddFile("C:\\a.txt");
   jobList.Add(FileRow("C:\\gone.txt"));

@@ -130,6 +130,35 @@ TEST_F(RecursiveSearchTest, AFileWhoseAttributesStayIsCountedAllTheSame) {
   EXPECT_EQ(files.Find("C:\\r\\a.txt")->attributes, kAttributeReadOnly);
 }
 
+TEST_F(RecursiveSearchTest, APathThatTheNarrowCallsDontFindIsPassedOver) {
+  // Counted as the system counts: in UTF-16, the "*" of the listing included.
+  const std::string deepest = "C:\\" + std::string(254, 'a');
+  files.AddFile(deepest + "\\in.txt");
+  EXPECT_EQ(Search(deepest, "*.*", true), 1);
+  files.AddFile(deepest + "\\b\\out.txt");
+  EXPECT_EQ(Search(deepest, "*.*", true), 1);
+  EXPECT_EQ(Search(deepest + "\\b", "*.*", true), 0);
+  files.AddFile("C:\\" + std::string(255, 'a') + "\\out.txt");
+  EXPECT_EQ(Search("C:\\" + std::string(255, 'a'), "*.*", true), 0);
+  std::string cjk = "C:\\";
+  for (int i = 0; i < 254; ++i) cjk += "\u4e2d";
+  files.AddFile(cjk + "\\in.txt");
+  EXPECT_EQ(Search(cjk, "*.*", true), 1);
+  std::string faces = "C:\\";
+  for (int i = 0; i < 128; ++i) faces += "\U0001F600";
+  files.AddFile(faces + "\\out.txt");
+  EXPECT_EQ(Search(faces, "*.*", true), 0);
+}
+
+TEST_F(RecursiveSearchTest, AListingThatBreaksOffEndsThatFolderAlone) {
+  files.AddFolder("C:\\r\\sub");
+  files.AddFile("C:\\r\\sub\\a.txt");
+  files.AddFile("C:\\r\\b.txt");
+  files.AddFile("C:\\r\\c.txt");
+  files.listingBreaksAfter = 4;  // "." and ".." among them
+  EXPECT_EQ(Search("C:\\r", "*", true), 2);
+}
+
 TEST_F(RecursiveSearchTest, NamesBeyondAsciiAreWalkedWhole) {
   files.AddFile("C:\\\u0416\\\u4e2d\\\U0001F600.txt");
   EXPECT_EQ(Search("C:\\\u0416", "?.txt", true), 1);
@@ -141,15 +170,15 @@ class PaddingFiles final : public Files {
  public:
   std::vector<std::string> log;
 
-  bool List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) override {
+  ListEnd List(const std::string& pattern, const std::function<void(const FileEntry&)>& visit) override {
     log.push_back("list " + pattern);
-    if (pattern != "C:\\r\\*") return false;
+    if (pattern != "C:\\r\\*") return ListEnd::NothingFound;
     using namespace std::string_literals;
     visit({".\0junk"s, kAttributeDirectory, 0, 0});
     visit({"..\0.txt"s, kAttributeDirectory, 0, 0});
     visit({"a.txt\0.doc"s, kAttributeArchive, 0, 0});
     visit({"sub\0x"s, kAttributeDirectory, 0, 0});
-    return true;
+    return ListEnd::Complete;
   }
   bool SetAttributes(const std::string& path, std::uint32_t) override {
     log.push_back("attributes " + path);
@@ -162,6 +191,7 @@ class PaddingFiles final : public Files {
   bool Remove(const std::string&) override { return false; }
   std::string Read(const std::string&) override { return {}; }
   void Write(const std::string&, const std::string&) override {}
+  void WriteRecord(const std::string&, const std::string&) override {}
   std::string CurrentFolder() override { return {}; }
 };
 

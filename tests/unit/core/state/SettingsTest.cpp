@@ -308,6 +308,13 @@ TEST_F(LoadSettingsTest, ReadsBackWhatWasWritten) {
   EXPECT_EQ(loaded.placement, (WindowPlacement{1, -2, 3, -4}));
 }
 
+// A file that was emptied first would be a damaged one after a crash, and put the defaults in place.
+TEST_F(LoadSettingsTest, WritesOverTheOldRecordsWithoutEmptyingThem) {
+  WriteSettings(folder, EachFieldDifferent());
+  WritePlacement(folder, {1, 2, 3, 4});
+  EXPECT_EQ(files.log, (std::vector<std::string>{"record " + kSettingsPath, "record " + kPlacementPath}));
+}
+
 TEST_F(LoadSettingsTest, RaisesWhatStopsAWriting) {
   files.unwritable = {kSettingsPath, kPlacementPath};
   ExpectRaises(ErrorNumber::PathFileAccessError, [&] { WriteSettings(folder, {}); });
