@@ -3,6 +3,7 @@
 # five runs of each (BENCH_RUNS), ratios, and how often each asks for a flush. Installs what is missing.
 #   bench.sh          three workloads: a large file, many small ones, some of middle size
 #   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
+#   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows; zqwipe * and by path
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
@@ -16,6 +17,7 @@ need_packages build-native bench
 runs=${BENCH_RUNS:-5}
 dir=${BENCH_DIR:-$PWD/build/bench}
 engine=$PWD/build/native-release/tests/bench/engine_bench
+zqwipe=$PWD/build/native-release/src/cli/zqwipe
 cmake --preset native-release -Wno-dev >/dev/null
 cmake --build --preset native-release --parallel "$(nproc)" --target engine_bench >/dev/null
 
@@ -42,6 +44,7 @@ files() {
 }
 make_large() { files 1 $((256 << 20)) 1; }
 make_small() { files 2000 4096 20; }
+make_flat() { files 2000 4096 1; }
 make_middle() { files 100 $((1 << 20)) 1; }
 make_work() {
   rm -rf -- "$dir/work"
@@ -53,6 +56,9 @@ make_work() {
 # --- The tools: each destroys $dir/work, or as much of it as it can ---
 
 run_engine() { "$engine" folder "$dir/work" 3 --quiet; }
+run_each() { "$engine" each "$dir/work" 3 --quiet; }
+run_by_path() { "$zqwipe" --yes --quiet "$dir/work/folder0/"*; }
+run_within() { (cd -- "$dir/work/folder0" && "$zqwipe" --yes --quiet -- *); }
 run_plain() { "$engine" folder "$dir/work" 3 --quiet --one-at-a-time; }
 run_shred() { find "$dir/work" -type f -exec shred -n 9 -u {} +; }
 # As many passes as ours, nine, for wipe and scrub. srm knows 38 passes, two, and this: a single one.
@@ -74,10 +80,12 @@ run_fio() {
         print decode_json($_)->{jobs}[0]{write}{runtime} / 1000 + 0, "\n"'
   done | awk '{ sum += $1 } END { printf "%.3f\n", sum }' >"$dir/own-seconds"
 }
-run_windows() {
-  ZQ_PREFIX=bench scripts/wine-run.sh build/windows/tests/bench/engine_bench.exe folder 'C:\bench\work' 3 |
+by_wine() {
+  ZQ_PREFIX=bench scripts/wine-run.sh build/windows/tests/bench/engine_bench.exe "$1" 'C:\bench\work' 3 |
     tr -d '\r' | sed 's/ s, .*//' >"$dir/own-seconds"
 }
+run_windows() { by_wine folder; }
+run_rows() { by_wine each; }
 
 # seconds TOOL WORKLOAD: of one run.
 seconds() {
@@ -98,11 +106,11 @@ seconds() {
 # flushes TOOL WORKLOAD: how many calls for a flush.
 flushes() {
   local trace
-  [[ $1 != windows ]] || { echo -; return; }  # it can't be looked into from outside the cage
+  [[ $1 != windows && $1 != rows ]] || { echo -; return; }  # it can't be looked into from outside the cage
   trace=$(mktemp)
   make_work "$2"
   strace -f -qq -c -e trace=fsync,fdatasync,syncfs,sync -o "$trace" "$BASH" -c \
-    "$(declare -f "run_$1"); dir=$(printf %q "$dir") engine=$(printf %q "$engine"); run_$1" || true
+    "$(declare -f "run_$1"); dir=$(printf %q "$dir") engine=$(printf %q "$engine") zqwipe=$(printf %q "$zqwipe"); run_$1" || true
   awk '$NF ~ /^(fsync|fdatasync|syncfs|sync)$/ { sum += $4 } END { print sum + 0 }' "$trace"
   rm -- "$trace"
 }
@@ -148,13 +156,21 @@ compare_windows() {
   mkdir -p -- "$dir"
   compare "One file of 256 MiB" large windows shred
   compare "2,000 files of 4 KiB in 20 folders" small windows shred
+  compare "2,000 files of 4 KiB in one folder, a call for each" flat rows shred
   compare "100 files of 1 MiB" middle windows shred
 }
 
 echo "$(df --output=fstype,source "$dir" | tail -1), $(nproc) processors, load $(cut -d' ' -f1-3 /proc/loadavg)," \
   "medians of $runs; ratio: time against the first"
+compare_each() {
+  cmake --build --preset native-release --parallel "$(nproc)" --target zqwipe >/dev/null
+  compare "2,000 files of 4 KiB in 20 folders, a call for each" small each shred
+  compare "2,000 files of 4 KiB in one folder, by zqwipe" flat by_path within shred
+}
+
 case ${1:-} in
   linear) linear; exit ;;
+  each) compare_each; exit ;;
   windows) compare_windows; exit ;;
 esac
 # wipe takes half a minute and more for each run of the large file and of the middle ones.

@@ -61,11 +61,13 @@ RunResult Runner::Run(Plan& plan) {
     if (plan.items[i].outcome == Outcome::Kept) work_->Item(i, 1);
   }
 
+  engine_.BeginWhole();
   for (const Target& target : plan.targets) {
     if (parts_.interrupted()) break;
     stopped_ = anyFailure_ = false;
     Settle(target, Wipe(target));
   }
+  ClearTraces();
 
   for (Item& item : plan.items) {
     if (item.outcome != Outcome::Pending) continue;
@@ -90,12 +92,22 @@ bool Runner::Wipe(const Target& target) {
   return engine_.WipeFolderFiles(target.path, *options_.mask, options_.recursive, options_.level, meant);
 }
 
-// What the engine has told nothing of it hasn't come upon, or it was stopped before its end.
-void Runner::Settle(const Target& target, bool done) {
+// What names leave in folders and logs, once for the whole command line.
+void Runner::ClearTraces() {
+  if (!engine_.EndWhole()) result_.failures.push_back(engine_.LastErrorText());
+  TakeNote();
+}
+
+void Runner::TakeNote() {
   if (const std::string& note = engine_.Note();
       !note.empty() && std::ranges::find(result_.notes, note) == result_.notes.end()) {
     result_.notes.push_back(note);
   }
+}
+
+// What the engine has told nothing of it hasn't come upon, or it was stopped before its end.
+void Runner::Settle(const Target& target, bool done) {
+  TakeNote();
   const bool stopped = stopped_ && !done;
   if (stopped) result_.cancelled = true;
   if (!done && !stopped && !anyFailure_) result_.failures.push_back(engine_.LastErrorText());

@@ -54,6 +54,8 @@ class Runner final : private engine::EngineEvents {
  private:
   bool Wipe(const Target& target);
   void Settle(const Target& target, bool done);
+  void ClearTraces();
+  void TakeNote();
   void LookForInterrupt();
 
   void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,

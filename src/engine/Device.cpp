@@ -43,10 +43,6 @@ std::unique_ptr<TransferQueue> Device::MakeQueue() {
   return std::make_unique<SerialQueue>();
 }
 
-void Device::EmptyMany(std::span<File* const> files, std::span<Status> outcomes) {
-  for (std::size_t i = 0; i < files.size(); ++i) outcomes[i] = files[i]->SetLength(0);
-}
-
 void Device::FlushMany(std::span<File* const> files, std::span<Status> outcomes) {
   for (std::size_t i = 0; i < files.size(); ++i) outcomes[i] = files[i]->Flush();
 }
@@ -57,6 +53,9 @@ void Device::FlushEntries(std::span<File* const> files, std::span<Status> outcom
 
 void Device::FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes) {
   for (std::size_t i = 0; i < folders.size(); ++i) outcomes[i] = folders[i]->Flush();
+}
+
+void Device::WriteHome(Folder&) {
 }
 
 Status Device::ClearTraces(Folder&, const std::function<bool()>&, std::string&) {

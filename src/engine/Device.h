@@ -166,14 +166,11 @@ struct SpaceInfo {
 // until others come to stand there.
 struct NameRoom {
   enum class Kind {
-    Slots,   // one after the other; the folder grows when it is full, and never shrinks (FAT)
-    Blocks,  // the same, but blocks that aren't needed any more are freed as they are (xfs)
-    Tree,    // sorted, so that nobody knows where the next one goes (NTFS)
+    Slots,  // one after the other; the folder grows when it is full, and never shrinks (FAT)
+    Tree,   // sorted, so that nobody knows where the next one goes (NTFS)
   };
   Kind kind = Kind::Slots;
-  std::uint64_t bytes = 0;  // 0: the names lie in the folder's own record
-
-  bool GrowsWhenFull() const { return kind != Kind::Tree; }
+  std::uint64_t bytes = 0;
 };
 
 // An open folder. While it is open nobody can put another folder, or a link, in its place: everything
@@ -218,6 +215,10 @@ class Folder {
     room = {};
     return false;
   }
+
+  // The log of the file system, which has the names too, for Device::ClearTraces: a number that no other's
+  // has, or 0 where there is none that anything could be done about.
+  virtual std::uint64_t Log() const { return 0; }
 };
 
 // Reads and writes that are under way together. Every one that was begun ends by a Wait; neither its file
@@ -283,10 +284,6 @@ class Device {
   // the other where it has none.
   virtual std::unique_ptr<TransferQueue> MakeQueue();
 
-  // File::SetLength(0) for several, each with its own outcome in the element of `outcomes` with the same
-  // index. A device may do several at once: freed space can take it long.
-  virtual void EmptyMany(std::span<File* const> files, std::span<Status> outcomes);
-
   // File::Flush, File::FlushEntry and Folder::Flush for several, each with its own outcome in the element
   // of `outcomes` with the same index (as many as files or folders). A device for which one flush can serve
   // all of them does just that; so the last one must be the one that was changed last.
@@ -294,10 +291,15 @@ class Device {
   virtual void FlushEntries(std::span<File* const> files, std::span<Status> outcomes);
   virtual void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes);
 
-  // After entries of `folder`, or of folders in it, are gone for good: clears what the file system keeps of
-  // them in places of its own, such as a journal. What can't be done, but puts no content at risk, is told
-  // in `note`, as a sentence, unless it holds one. A failure is that content may be left. `mayGoOn` is asked
-  // several times a second; after a no what is left to be done is left, and told.
+  // Before folders are removed, all of the file system of `folder`, and after what was removed from them is
+  // durable: writes them to their place. Freed while a change is only in a journal, a folder's block would
+  // keep the old names.
+  virtual void WriteHome(Folder& folder);
+
+  // After entries of `folder`, or of other folders with the same log, are gone for good: clears what the log
+  // keeps of them. What can't be done, but puts no content at risk, is told in `note`, as a sentence, unless
+  // it holds one. A failure is that content may be left. `mayGoOn` is asked several times a second; after a
+  // no what is left to be done is left, and told.
   virtual Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note);
 };
 

@@ -4,8 +4,6 @@
 #include <array>
 #include <utility>
 
-#include "engine/NameCover.h"
-
 namespace zq::engine {
 namespace {
 
@@ -13,8 +11,6 @@ constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
 
 // After this much time in replacing names, those that have been replaced are taken to the end first.
 constexpr Clock::Time kLongestHiding{60'000};
-// Where names are covered, too, the gaps take several times as long to fill as the blocks have taken before.
-constexpr Clock::Time kLongestHidingUnderCover{15'000};
 
 }  // namespace
 
@@ -243,9 +239,8 @@ void FileBatch::Shorten() {
     group_ = std::span(items_).subspan(first, count);
     const Clock::Time started = operation_.clock.Now();
     for (const auto& item : group_) {
-      if (item->file) Try(*item, [&] { item->file->RemoveStreams(); });
+      if (item->file) Try(*item, [&] { item->file->Shorten(); });
     }
-    TryTogether("Shortening", &Device::EmptyMany);
     operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
   }
 }
@@ -256,17 +251,13 @@ void FileBatch::Shorten() {
 // look at the cancel flag, so that nothing is left with another name and half its dates.
 void FileBatch::Erase(std::size_t first) {
   const Clock::Time started = operation_.clock.Now();
-  NameCover cover(operation_);
   std::size_t end = first;
   do {
     Item& item = *items_[end++];
-    if (!item.IsOut()) cover.FillBlocks(*item.place->folder, item.place->path);
     Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
-  } while (end < items_.size() && operation_.clock.Now() - started <
-                                      (cover.HasFillers() ? kLongestHidingUnderCover : kLongestHiding));
-  cover.FillGaps();
+  } while (end < items_.size() && operation_.clock.Now() - started < kLongestHiding);
   group_ = std::span(items_).subspan(first, end - first);
-  TryTogether("Flushing the entry of", &Device::FlushEntries);
+  FlushEntries();
   FlushPlaces(true);
   for (const auto& item : group_) {
     Try(*item, [&] {
@@ -276,10 +267,9 @@ void FileBatch::Erase(std::size_t first) {
         Require(item->place->folder->Remove(item->link), "Removing",
                 item->linkItem.path + " (now named " + item->link.name + ')');
       }
-      hasRemoved_ = true;
+      item->place->hasLostEntries = true;
     });
   }
-  cover.Remove();
   FlushPlaces(false);
 }
 
@@ -292,8 +282,7 @@ void FileBatch::HideLink(Item& link) {
            });
 }
 
-void FileBatch::TryTogether(const char* doing,
-                            void (Device::*call)(std::span<File* const>, std::span<Status>)) {
+void FileBatch::FlushEntries() {
   std::vector<File*> files;
   std::vector<Item*> items;
   for (const auto& item : group_) {
@@ -302,9 +291,9 @@ void FileBatch::TryTogether(const char* doing,
     items.push_back(item.get());
   }
   std::vector<Status> outcomes(files.size());
-  if (!files.empty()) (operation_.device.*call)(files, outcomes);
+  if (!files.empty()) operation_.device.FlushEntries(files, outcomes);
   for (std::size_t i = 0; i < items.size(); ++i) {
-    Try(*items[i], [&] { Require(outcomes[i], doing, items[i]->file->HiddenPath()); });
+    Try(*items[i], [&] { Require(outcomes[i], "Flushing the entry of", items[i]->file->HiddenPath()); });
   }
 }
 

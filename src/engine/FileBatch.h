@@ -35,8 +35,6 @@ class FileBatch {
   void Run();
   // Whether a run has ended since the last call: what was in the batch is gone, or has failed.
   bool HasRun() { return std::exchange(hasRun_, false); }
-  // Whether anything has been removed, in all runs.
-  bool HasRemoved() const { return hasRemoved_; }
 
  private:
   struct Item {
@@ -71,8 +69,7 @@ class FileBatch {
   // Erases items from this one on, as many as the time allows: group_ is those.
   void Erase(std::size_t first);
   void HideLink(Item& link);
-  // Calls the device once for all files that are still in the batch, each with its own outcome.
-  void TryTogether(const char* doing, void (Device::*call)(std::span<File* const>, std::span<Status>));
+  void FlushEntries();
   void FlushPlaces(bool ofLinksAlone);
 
   Operation& operation_;
@@ -83,7 +80,6 @@ class FileBatch {
   std::uint64_t cachedBytes_ = 0;  // written, in one way or the other, since the last flush
   std::uint64_t directBytes_ = 0;
   bool hasRun_ = false;
-  bool hasRemoved_ = false;
 };
 
 }  // namespace zq::engine

@@ -170,10 +170,11 @@ void FileWipe::CheckOverwritten() {
     CheckLength(parts_[i - 1], parts_[i - 1].ExtentBytes(), info_);
 }
 
-void FileWipe::RemoveStreams() {
+void FileWipe::Shorten() {
   CheckOverwritten();
   hiddenPath_ = item_.path + " (already overwritten)";
   RemoveOverwritten(parts_, 1);
+  Require(parts_.front().TheFile().SetLength(0), "Shortening", hiddenPath_);
 }
 
 const FileId& FileWipe::Identity() {

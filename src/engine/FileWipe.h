@@ -36,10 +36,20 @@ class FileProgress final : public WorkMeter {
   std::uint64_t workDone_ = 0;
 };
 
-// A folder in which something is wiped.
+// A folder in which something is wiped. In the end it is one for the traces, if it has lost entries and is
+// still there.
 struct Place {
+  explicit Place(Operation& operation) : traces(operation.traces) {}
+  Place(const Place&) = delete;
+  Place& operator=(const Place&) = delete;
+  ~Place() {
+    if (folder && hasLostEntries) traces.Add(std::move(folder), std::move(path));
+  }
+
+  Traces& traces;
   std::unique_ptr<Folder> folder;
   std::string path;
+  bool hasLostEntries = false;
   bool somethingStays = false;          // something in it has failed, so it has to stay too
   std::size_t shortestName = 1;         // that is free in it, as far as known (HideName)
   std::optional<FileId> onlyFile = {};  // if set, no other file may be opened in it
@@ -76,9 +86,8 @@ class FileWipe {
 
   // From here on there is no look at the cancel flag: what is overwritten may as well be gone, and a file
   // with half its names and dates changed is of use to nobody.
-  // Looks once more whether the file is what was overwritten, and removes its streams. The length, which goes
-  // after that, is the batch's part.
-  void RemoveStreams();
+  // Looks once more whether the file is what was overwritten, and removes its streams and its length.
+  void Shorten();
   // Replaces the dates and the name.
   void Hide();
   // Removes the entry, whose new name has to be durable by now, or the device might never see it.

@@ -13,6 +13,7 @@ constexpr std::size_t kMostLeftFolders = 128;
 
 // After this much time in renaming folders, those that have been renamed are removed first.
 constexpr Clock::Time kLongestRenaming{60'000};
+
 ItemKind KindOf(const Entry& entry) {
   switch (entry.kind) {
     case EntryKind::File:
@@ -28,9 +29,6 @@ ItemKind KindOf(const Entry& entry) {
   return ItemKind::Other;
 }
 
-// As with files: there are gaps to be filled after it.
-constexpr Clock::Time kLongestRenamingUnderCover{15'000};
-
 }  // namespace
 
 void FolderWipe::Run(const std::string& path, const EntryId* meant) {
@@ -40,18 +38,9 @@ void FolderWipe::Run(const std::string& path, const EntryId* meant) {
     operation_.TellFailed({path, path, ItemKind::Folder}, failure, Outcome::Kept, path);
     return;
   }
-  const std::shared_ptr<Level> top = levels_.front();
   Walk();
   batch_.Run();
   RemoveLeftFolders();
-  Folder* const left = top->folder ? top->folder.get() : above_.get();
-  if (left == nullptr || !(batch_.HasRemoved() || hasRemovedFolder_)) return;
-  try {
-    CoverNames(operation_, *left, path);
-    operation_.ClearTraces(*left, path);
-  } catch (const Failure& failure) {
-    operation_.TellFailure(failure);
-  }
 }
 
 void FolderWipe::Open(const std::string& path, const EntryId* meant) {
@@ -62,9 +51,10 @@ void FolderWipe::Open(const std::string& path, const EntryId* meant) {
   if (name.empty()) {
     Require(operation_.device.OpenFolder(path, folder), "Opening", path);
   } else {
-    Require(operation_.device.OpenFolder(abovePath, above_), "Opening", abovePath);
+    Require(operation_.device.OpenFolder(abovePath, above_.folder), "Opening", abovePath);
+    above_.path = abovePath;
     // Opened through the folder above it, so that a link in its place is refused.
-    Require(above_->OpenFolder(name, folder), "Opening", path);
+    Require(above_.folder->OpenFolder(name, folder), "Opening", path);
   }
   if (meant != nullptr) {
     EntryId id;
@@ -87,18 +77,18 @@ void FolderWipe::Walk() {
     }
     if (left_.size() >= kMostLeftFolders) batch_.Run();
     if (batch_.HasRun() || left_.size() >= kMostLeftFolders) RemoveLeftFolders();
+    operation_.traces.KeepFew(operation_);
   }
 }
 
 void FolderWipe::Enter(std::unique_ptr<Folder> folder, std::string name, std::string path) {
-  auto level = std::make_shared<Level>();
+  auto level = std::make_shared<Level>(operation_);
   level->folder = std::move(folder);
   level->self = {name, EntryKind::Folder};
   level->name = std::move(name);
   level->path = std::move(path);
   if (!levels_.empty()) level->parent = levels_.back();
   Require(level->folder->List(level->entries), "Listing", level->path);
-  level->hadEntries = !level->entries.empty();
   levels_.push_back(std::move(level));
 }
 
@@ -138,22 +128,17 @@ void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) 
 
 void FolderWipe::RemoveLeftFolders() {
   const std::vector<std::shared_ptr<Level>> left = std::exchange(left_, {});
-  if (selection_.removeFolders) {
-    for (const auto& level : left) {
-      operation_.Tell(level->path);
-      CheckRemovable(*level);
-    }
+  if (!selection_.removeFolders) return;
+  for (const auto& level : left) {
+    operation_.Tell(level->path);
+    CheckRemovable(*level);
   }
   NameRoom room;
   const bool keepsNames = std::any_of(left.begin(), left.end(),
                                       [&](const auto& level) { return level->folder->RoomForNames(room); });
-  if (!selection_.removeFolders) {
-    if (keepsNames) CoverFolders(left);
-    return;
-  }
   // The removals in them go to the device before they do: freed in one go with them, a folder's block would
   // keep the old names.
-  if (!keepsNames) FlushInPieces(left);
+  FlushInPieces(left);
   if (operation_.device.RenamesOpenFolders() && !keepsNames) {
     RemoveFolders(left);
     return;
@@ -168,25 +153,12 @@ void FolderWipe::RemoveLeftFolders() {
     std::vector<std::shared_ptr<Level>> group;
     std::copy_if(left.begin(), left.end(), std::back_inserter(group),
                  [height](const auto& level) { return level->height == height; });
-    if (keepsNames) CoverFolders(group);
+    for (const auto& level : group) {
+      operation_.Tell(level->path);
+      if (level->hasLostEntries && !level->somethingStays)
+        CoverNames(operation_, *level->folder, level->path);
+    }
     RemoveFolders(group);
-  }
-}
-
-// Covers the names that were in the folders themselves, in groups as above.
-void FolderWipe::CoverFolders(std::span<const std::shared_ptr<Level>> levels) {
-  while (!levels.empty()) {
-    operation_.Tell(levels.front()->path);
-    const Clock::Time started = operation_.clock.Now();
-    NameCover cover(operation_);
-    std::size_t count = 0;
-    do {
-      const Level& level = *levels[count++];
-      if (level.hadEntries && level.folder) cover.FillRecord(*level.folder, level.path);
-    } while (count < std::min(operation_.pace.FlushesAtOnce(), levels.size()) &&
-             operation_.clock.Now() - started < kLongestRenaming);
-    FlushFolders(levels.first(count), false);
-    levels = levels.subspan(count);
   }
 }
 
@@ -205,7 +177,7 @@ void FolderWipe::CheckRemovable(Level& level) {
   try {
     if (!level.somethingStays) {
       WipeFolderStreams(operation_, *level.folder, level.path);
-      if (FolderAbove(level) == nullptr) {
+      if (!PlaceOf(level).folder) {
         throw MakeFailure("Removing", level.path, "the root of a drive can't be removed");
       }
     }
@@ -222,38 +194,31 @@ void FolderWipe::RemoveFolders(std::span<const std::shared_ptr<Level>> levels) {
     operation_.Tell(levels.front()->path);
     // A cancel must not leave a folder with the name it has meanwhile.
     holdsFailures_ = true;
-    std::size_t count = 0;
-    {
-      NameCover cover(operation_);
-      count = RenameFolders(levels, cover);
-      cover.FillGaps();
-      RemoveRenamed(levels.first(count), cover);
-    }
+    const std::size_t count = RenameFolders(levels);
+    RemoveRenamed(levels.first(count));
     holdsFailures_ = false;
     TellEnds(levels.first(count));
     levels = levels.subspan(count);
   }
 }
 
-std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> levels, NameCover& cover) {
+std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> levels) {
   const Clock::Time started = operation_.clock.Now();
   std::size_t count = 0;
   for (const auto& level : levels) {
-    const Clock::Time longest = cover.HasFillers() ? kLongestRenamingUnderCover : kLongestRenaming;
-    if (count > 0 && operation_.clock.Now() - started >= longest) break;
+    if (count > 0 && operation_.clock.Now() - started >= kLongestRenaming) break;
     ++count;
     if (!level->somethingStays) {
       try {
         // Where it can't be renamed while it is open; what is in it is removed through it elsewhere.
         if (!operation_.device.RenamesOpenFolders()) level->folder.reset();
-        Folder& above = *FolderAbove(*level);
-        cover.FillBlocks(above, level->path);
-        std::size_t& shortest = level->parent ? level->parent->shortestName : shortestAbove_;
-        HideName(operation_, level->self.name, level->path, shortest, [&](const std::string& newName) {
-          Status status = above.Rename(level->self, newName);
-          if (status.Ok()) level->self.name = newName;
-          return status;
-        });
+        Place& above = PlaceOf(*level);
+        HideName(operation_, level->self.name, level->path, above.shortestName,
+                 [&](const std::string& newName) {
+                   Status status = above.folder->Rename(level->self, newName);
+                   if (status.Ok()) level->self.name = newName;
+                   return status;
+                 });
       } catch (const Failure& failure) {
         Fail(*level, failure);
       }
@@ -263,18 +228,18 @@ std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> le
   return count;
 }
 
-void FolderWipe::RemoveRenamed(std::span<const std::shared_ptr<Level>> levels, NameCover& cover) {
+void FolderWipe::RemoveRenamed(std::span<const std::shared_ptr<Level>> levels) {
   FlushFolders(levels, true);
   for (const auto& level : levels) {
     const std::string path = level->path + " (now named " + level->self.name + ')';
     try {
       if (!level->somethingStays) {
-        Require(FolderAbove(*level)->Remove(level->self), "Removing", path);
-        hasRemovedFolder_ = true;
+        Require(PlaceOf(*level).folder->Remove(level->self), "Removing", path);
+        PlaceOf(*level).hasLostEntries = true;
         level->folder.reset();
       } else if (level->self.name != level->name) {
         // It stays for something in it, so the user has to find it again.
-        Require(FolderAbove(*level)->Rename(level->self, level->name), "Giving back the name of", path);
+        Require(PlaceOf(*level).folder->Rename(level->self, level->name), "Giving back the name of", path);
         level->self.name = level->name;
       }
     } catch (const Failure& failure) {
@@ -282,7 +247,6 @@ void FolderWipe::RemoveRenamed(std::span<const std::shared_ptr<Level>> levels, N
     }
     if (level->somethingStays && level->parent) level->parent->somethingStays = true;
   }
-  cover.Remove();
   FlushFolders(levels, true);
 }
 
@@ -291,7 +255,7 @@ void FolderWipe::FlushFolders(std::span<const std::shared_ptr<Level>> levels, bo
   std::vector<Folder*> folders;
   std::vector<Level*> firsts;
   for (const auto& level : levels) {
-    Folder* const folder = above ? FolderAbove(*level) : level->folder.get();
+    Folder* const folder = above ? PlaceOf(*level).folder.get() : level->folder.get();
     if (level->somethingStays || folder == nullptr) continue;
     if (!folders.empty() && folders.back() == folder) continue;
     folders.push_back(folder);
@@ -300,6 +264,7 @@ void FolderWipe::FlushFolders(std::span<const std::shared_ptr<Level>> levels, bo
   if (folders.empty()) return;
   std::vector<Status> outcomes(folders.size());
   operation_.device.FlushFolders(folders, outcomes);
+  operation_.device.WriteHome(*folders.back());
   for (std::size_t i = 0; i < folders.size(); ++i) {
     if (outcomes[i].Ok()) continue;
     Fail(*firsts[i],

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "engine/FileBatch.h"
-#include "engine/NameCover.h"
 #include "engine/Operation.h"
 
 namespace zq::engine {
@@ -34,12 +33,12 @@ class FolderWipe {
   // A folder on the way from the top to where the walk is. Not a recursion: a tree can be deeper than the
   // stack.
   struct Level : Place {
+    using Place::Place;
     std::shared_ptr<Level> parent;
     Entry self;        // what it is called in the folder above
     std::string name;  // and what the user calls it
     std::vector<Entry> entries;
     std::size_t next = 0;
-    bool hadEntries = false;
     bool isTold = false;     // what became of it
     std::size_t height = 0;  // how many levels of folders to be removed it has beneath it
   };
@@ -52,16 +51,13 @@ class FolderWipe {
   // What the walk has left waits here for its files, which are in the batch, and is removed together.
   void RemoveLeftFolders();
   void CheckRemovable(Level& level);
-  void CoverFolders(std::span<const std::shared_ptr<Level>> levels);
   // Makes the removals in them durable.
   void FlushInPieces(std::span<const std::shared_ptr<Level>> levels);
   void RemoveFolders(std::span<const std::shared_ptr<Level>> levels);
   // Renames as many of them, from the first on, as the time allows. Gives their number.
-  std::size_t RenameFolders(std::span<const std::shared_ptr<Level>> levels, NameCover& cover);
-  void RemoveRenamed(std::span<const std::shared_ptr<Level>> levels, NameCover& cover);
-  Folder* FolderAbove(const Level& level) const {
-    return level.parent ? level.parent->folder.get() : above_.get();
-  }
+  std::size_t RenameFolders(std::span<const std::shared_ptr<Level>> levels);
+  void RemoveRenamed(std::span<const std::shared_ptr<Level>> levels);
+  Place& PlaceOf(const Level& level) { return level.parent ? *level.parent : above_; }
   void FlushFolders(std::span<const std::shared_ptr<Level>> levels, bool above);
   void Fail(Level& level, const Failure& failure);
   void TellFailed(Level& level, const Failure& failure);
@@ -70,12 +66,10 @@ class FolderWipe {
   Operation& operation_;
   Selection selection_;
   FileBatch batch_;
-  std::unique_ptr<Folder> above_;  // the folder that holds the top one; none above a root
-  std::size_t shortestAbove_ = 1;  // as Place::shortestName, in it
+  Place above_{operation_};  // the folder that holds the top one; none above a root
   std::vector<std::shared_ptr<Level>> levels_;
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
-  bool hasRemovedFolder_ = false;
-  bool holdsFailures_ = false;  // they are told later
+  bool holdsFailures_ = false;                // they are told later
   std::vector<std::pair<Level*, Failure>> heldFailures_;
 };
 

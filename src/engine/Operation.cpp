@@ -2,8 +2,22 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace zq::engine {
+
+void Operation::AddNote(const char* text) noexcept {
+  try {
+    if (note.empty()) note = text;
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+bool Operation::MayCover() const {
+  constexpr Clock::Time kAWhile{5'000'000};
+  const Clock::Time now = clock.Now();
+  return now < coveringEnd_ && covering_ < std::max(kAWhile, (now - begun_) / 2);
+}
 
 void Operation::TellWiped(const Item& item) {
   events.ItemEnded(item, {.outcome = Outcome::Wiped});

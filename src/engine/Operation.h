@@ -21,6 +21,7 @@
 #include "engine/Pace.h"
 #include "engine/PassPlan.h"
 #include "engine/Pipeline.h"
+#include "engine/Traces.h"
 
 namespace zq::engine {
 
@@ -46,22 +47,19 @@ class EventTimer {
   Clock::Time last_;
 };
 
+// A job, or a command line, is one operation, whatever the number of calls: what is learned and what is made
+// for one call serves the next.
 class Operation {
  public:
   Operation(Device& theDevice, EngineEvents& theEvents, Clock& theClock, SeedSource& theSeeds,
-            const bool& cancelFlag, std::int32_t level)
-      : device(theDevice),
-        events(theEvents),
-        clock(theClock),
-        seeds(theSeeds),
-        passes(PassesOfLevel(level)),
-        cancelFlag_(cancelFlag) {}
+            const bool& cancelFlag)
+      : device(theDevice), events(theEvents), clock(theClock), seeds(theSeeds), cancelFlag_(cancelFlag) {}
 
   Device& device;
   EngineEvents& events;
   Clock& clock;
   SeedSource& seeds;
-  const std::vector<Pass> passes;
+  std::vector<Pass> passes;  // of the running call
   Pace pace;
   Pipeline pipeline{device, clock, pace};
   AlignedBuffer buffer{Pace::kLargestUnit, 0};  // for what is made and used at once
@@ -82,12 +80,26 @@ class Operation {
   }
   // The files of which a name has gone, and how many names each of them has left.
   std::map<FileId, std::uint32_t> namesLeft;
-  // Clears the file system's traces of what was removed from `folder`. Throws Failure.
-  void ClearTraces(Folder& folder, const std::string& path) {
-    Require(device.ClearTraces(
-                folder, [&] { return MayGoOn(path); }, note),
-            "Clearing the journal after the wipe of", path);
+  // Of names, for the end of the operation.
+  Traces traces;
+
+  // Forgets what belongs to the call before.
+  void BeginCall(std::int32_t level) {
+    passes = PassesOfLevel(level);
+    note.clear();
+    namesLeft.clear();
+    failureCount = 0;
+    firstFailure.reset();
   }
+
+  // The first one is kept. What can't be kept for want of memory is the least of the troubles then.
+  void AddNote(const char* text) noexcept;
+
+  // Covering names may take a while, and no longer than the wipe itself: false once it has, or at the end
+  // that was set.
+  bool MayCover() const;
+  void CoveringTook(Clock::Time time) { covering_ += time; }
+  void EndCoveringAt(Clock::Time end) { coveringEnd_ = end; }
 
   // The failures that were told, and the first: later ones are often its consequences.
   std::size_t failureCount = 0;
@@ -124,6 +136,9 @@ class Operation {
 
  private:
   const bool& cancelFlag_;
+  const Clock::Time begun_ = clock.Now();
+  Clock::Time covering_{};
+  Clock::Time coveringEnd_ = Clock::Time::max();
   KeyStream names_;
   bool namesSeeded_ = false;
   UnitBuffers patternMemory_{1, 1};

@@ -9,7 +9,6 @@
 #include "engine/FileBatch.h"
 #include "engine/FolderWipe.h"
 #include "engine/FreeSpaceWipe.h"
-#include "engine/NameCover.h"
 #include "engine/Operation.h"
 
 namespace zq::engine {
@@ -41,6 +40,11 @@ std::string NoteOf(const Operation& operation) {
   return note;
 }
 
+// The longest that clearing the traces of names takes.
+constexpr Clock::Time kLongest{5'000'000};
+// The same when the user waits for the end of what was cancelled: too short for an event.
+constexpr Clock::Time kLongestAfterCancel{30'000};
+
 constexpr std::string_view kNoMemory = "There is not enough memory for the operation";
 
 }  // namespace
@@ -51,7 +55,11 @@ SecureDelete::SecureDelete(Device& device, SeedSource& seeds, Clock& clock, Engi
   lastErrorText_.reserve(512);  // room for a text when there is no memory left
 }
 
+SecureDelete::~SecureDelete() = default;
+
+// The first one is what the user has to know: it stays.
 void SecureDelete::SetError(std::string_view text) noexcept {
+  if (!lastErrorText_.empty()) return;
   try {
     lastErrorText_.assign(MakeOneLine(text));
   } catch (...) {
@@ -59,9 +67,9 @@ void SecureDelete::SetError(std::string_view text) noexcept {
   }
 }
 
-void SecureDelete::SetNote(const Operation& operation) noexcept {
+void SecureDelete::SetNote() noexcept {
   try {
-    note_ = NoteOf(operation);
+    if (operation_) note_ = NoteOf(*operation_);
   } catch (...) {
     note_.clear();  // without memory there is worse to tell
   }
@@ -77,30 +85,17 @@ void SecureDelete::TellError(std::int32_t code) noexcept {
 
 // Outside the try block nothing may allocate: a member ends with false, not with the process.
 template <typename Work>
-bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Work& work) noexcept {
-  if (running_) return false;
-  running_ = true;
-  cancelled_ = false;
-  lastErrorText_.clear();
-  note_.clear();
-  bool done = false;
-  std::optional<Operation> operation;
+bool SecureDelete::Guard(const Work& work) noexcept {
   try {
-    if (PassesOfLevel(level).empty()) {
-      throw MakeFailure("Wiping", subject, "there is no level " + std::to_string(level));
-    }
-    operation.emplace(device_, events_, clock_, seeds_, cancelled_, level);
-    work(*operation);
-    ThrowIfItemsFailed(*operation);
-    SetNote(*operation);
-    done = true;
+    work();
+    return true;
   } catch (const Failure& failure) {
     SetError(failure.text);
     TellError(failure.code);
   } catch (const ItemsFailed& failed) {
     SetError(failed.text);
-    SetNote(*operation);
   } catch (const Cancelled&) {
+    wasCancelled_ = true;
     SetError(
         "Cancelled by the user. What was not finished is still there, a file in work partly overwritten");
   } catch (const std::bad_alloc&) {
@@ -113,18 +108,78 @@ bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Wor
     SetError("An event handler failed");
     TellError(kEngineErrorCode);
   }
+  return false;
+}
+
+template <typename Work>
+bool SecureDelete::Run(const std::string& subject, std::int32_t level, const Work& work) noexcept {
+  if (running_) return false;
+  running_ = true;
+  cancelled_ = false;
+  lastErrorText_.clear();
+  note_.clear();
+  bool done = Guard([&] {
+    if (PassesOfLevel(level).empty()) {
+      throw MakeFailure("Wiping", subject, "there is no level " + std::to_string(level));
+    }
+    if (!operation_) operation_ = std::make_unique<Operation>(device_, events_, clock_, seeds_, cancelled_);
+    operation_->BeginCall(level);
+    operation_->traces.KeepFew(*operation_);
+    work(*operation_);
+    ThrowIfItemsFailed(*operation_);
+  });
+  SetNote();
+  if (!isWhole_) done = ClearTraces() && done;
   running_ = false;
   return done;
 }
 
+bool SecureDelete::EndWhole() noexcept {
+  if (running_ || !isWhole_) return true;
+  isWhole_ = false;
+  running_ = true;
+  lastErrorText_.clear();
+  note_.clear();
+  if (operation_) operation_->BeginCall(0);
+  const bool done = ClearTraces();
+  running_ = false;
+  return done;
+}
+
+bool SecureDelete::ClearTraces() noexcept {
+  place_.reset();
+  if (!operation_) return true;
+  cancelled_ = false;
+  const Clock::Time longest = std::exchange(wasCancelled_, false) ? kLongestAfterCancel : kLongest;
+  operation_->timer.Raised();
+  const bool done = Guard([&] { operation_->traces.Clear(*operation_, longest); });
+  SetNote();
+  operation_.reset();
+  return done;
+}
+
+// The next row of a job is mostly a file of the same folder. It may stay open between two calls where that
+// keeps anybody from putting another one in its place.
+std::shared_ptr<Place> SecureDelete::PlaceAt(const std::string& path) {
+  if (place_ && place_->path == path) return place_;
+  place_.reset();
+  auto place = std::make_shared<Place>(*operation_);
+  place->path = path;
+  Require(device_.OpenFolder(path, place->folder), "Opening", path);
+  if (isWhole_ && !device_.RenamesOpenFolders()) place_ = place;
+  return place;
+}
+
 bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
-    auto place = std::make_shared<Place>();
+    std::string folderPath;
     std::string name;
+    std::shared_ptr<Place> place;
     try {
-      Require(device_.Split(path, place->path, name), "Opening", path);
+      Require(device_.Split(path, folderPath, name), "Opening", path);
       if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
-      Require(device_.OpenFolder(place->path, place->folder), "Opening", place->path);
+      place = PlaceAt(folderPath);
+      place->onlyFile.reset();
       if (meant != nullptr) {
         // The file has its folder's mount, or it is refused.
         EntryId folder;
@@ -139,21 +194,16 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
     FileBatch batch(operation);
     batch.AddFile(place, name, path);
     batch.Run();
-    if (batch.HasRemoved()) {
-      CoverNames(operation, *place->folder, path);
-      operation.ClearTraces(*place->folder, path);
-    }
   });
 }
 
 bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
                              std::int32_t level) noexcept {
   return Run(folderPath, level, [&](Operation& operation) {
-    auto place = std::make_shared<Place>();
-    place->path = folderPath;
+    std::shared_ptr<Place> place;
     EntryId folder;
     try {
-      Require(device_.OpenFolder(folderPath, place->folder), "Opening", folderPath);
+      place = PlaceAt(folderPath);
       Require(place->folder->Identity(folder), "Opening", folderPath);
     } catch (const Failure& failure) {
       for (const NamedFile& file : files) {
@@ -174,13 +224,11 @@ bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const Name
       batch.AddFile(place, file.name, file.path);
     }
     batch.Run();
-    if (!batch.HasRemoved()) return;
-    CoverNames(operation, *place->folder, folderPath);
-    operation.ClearTraces(*place->folder, folderPath);
   });
 }
 
 bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
+  place_.reset();
   return Run(path, level, [&](Operation& operation) {
     FolderWipe wipe(operation, {[](const std::string&) { return true; }, true, true});
     wipe.Run(path, meant);
@@ -189,6 +237,7 @@ bool SecureDelete::WipeFolder(const std::string& path, std::int32_t level, const
 
 bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& mask, bool includeSubFolders,
                                    std::int32_t level, const EntryId* meant) noexcept {
+  place_.reset();
   return Run(path, level, [&](Operation& operation) {
     const auto takes = [&](const std::string& name) { return mask == "*.*" || matches_(name, mask); };
     FolderWipe wipe(operation, {takes, includeSubFolders, false});
@@ -197,6 +246,7 @@ bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& m
 }
 
 bool SecureDelete::WipeFreeSpace(const std::string& drive, std::int32_t level) noexcept {
+  place_.reset();
   return Run(drive, level, [&](Operation& operation) {
     FreeSpaceWipe wipe(operation);
     wipe.Run(drive);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,6 +17,7 @@
 namespace zq::engine {
 
 class Operation;
+struct Place;
 
 // `level` is 3, 5 or 7 throughout and stands for that many rounds of three data writes per byte: a pattern,
 // its complement, random data. Each write covers a file to the end of its last cluster and is on the device
@@ -34,6 +36,17 @@ class SecureDelete {
   SecureDelete(Device& device, SeedSource& seeds, Clock& clock, EngineEvents& events, MaskMatch matches);
   SecureDelete(const SecureDelete&) = delete;
   SecureDelete& operator=(const SecureDelete&) = delete;
+  ~SecureDelete();
+
+  // Makes one whole of the calls until EndWhole: what has to be done about the traces that names leave, in
+  // folders and in the logs of file systems, is then done at its end, once for each folder and file system. A
+  // call outside is a whole of its own. Not to be called from inside an event.
+  void BeginWhole() noexcept { isWhole_ = true; }
+
+  // Takes some seconds at most, tells its progress, and can be cancelled; after a call that was cancelled it
+  // does what can be done in a moment. False if content may be left in a log, as LastErrorText then tells;
+  // Note has what there is to say beside.
+  bool EndWhole() noexcept;
 
   // `meant`, where it is given, is what the path led to when the user agreed (Device::Identify). If it leads
   // to anything else by now, that isn't touched: a failure.
@@ -68,7 +81,7 @@ class SecureDelete {
   // What there is to say beside the result of the latest wipe member, in sentences for the user: what it
   // could not do though all that it stands for is done, such as that names may be left in a journal that only
   // an administrator may clear; and how many files it has destroyed under names that it wasn't given. Empty
-  // mostly, and after a failure that ended all.
+  // mostly.
   const std::string& Note() const { return note_; }
 
   // Asks the running member to stop; called from inside an event. No file is removed half overwritten.
@@ -79,8 +92,12 @@ class SecureDelete {
  private:
   template <typename Work>
   bool Run(const std::string& subject, std::int32_t level, const Work& work) noexcept;
+  template <typename Work>
+  bool Guard(const Work& work) noexcept;
+  bool ClearTraces() noexcept;
+  std::shared_ptr<Place> PlaceAt(const std::string& path);
   void SetError(std::string_view text) noexcept;
-  void SetNote(const Operation& operation) noexcept;
+  void SetNote() noexcept;
   void TellError(std::int32_t code) noexcept;
 
   Device& device_;
@@ -90,8 +107,12 @@ class SecureDelete {
   MaskMatch matches_;
   std::string lastErrorText_;
   std::string note_;
+  std::unique_ptr<Operation> operation_;  // none before the first call of a whole
+  std::shared_ptr<Place> place_;          // of the last file, if it is kept; goes before operation_
+  bool isWhole_ = false;
   bool running_ = false;
   bool cancelled_ = false;
+  bool wasCancelled_ = false;  // one of the calls of the whole
 };
 
 }  // namespace zq::engine

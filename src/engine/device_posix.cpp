@@ -97,30 +97,6 @@ class PosixDevice final : public Device {
     return Device::MakeQueue();
   }
 
-  // On a disk that is told what is free (mounted with `discard`) each of them waits for the device's answer,
-  // so the ring has several under way.
-  void EmptyMany(std::span<File* const> files, std::span<Status> outcomes) override {
-    constexpr std::size_t kFew = 8;
-    if (!options_.oneTransferAtATime && files.size() >= kFew && !emptyRing_ && !triedEmptyRing_) {
-      triedEmptyRing_ = true;
-      emptyRing_ = Uring::Make(kEmptiedAtOnce);
-    }
-    if (!emptyRing_ || files.size() < kFew) return Device::EmptyMany(files, outcomes);
-    std::vector<std::int32_t> results(files.size());
-    std::size_t begun = 0;
-    for (std::size_t ended = 0; ended < files.size(); ++ended) {
-      for (; begun < files.size() && begun - ended < kEmptiedAtOnce; ++begun) {
-        emptyRing_->BeginEmptying(static_cast<PosixFile&>(*files[begun]).Fd(), begun);
-      }
-      const Uring::Completion completion = emptyRing_->Wait();
-      results[static_cast<std::size_t>(completion.tag)] = completion.result;
-    }
-    // What failed is done again the plain way: kernels before Linux 6.9 have no such operation.
-    for (std::size_t i = 0; i < files.size(); ++i) {
-      outcomes[i] = results[i] == 0 ? Status{} : files[i]->SetLength(0);
-    }
-  }
-
   // Not by syncfs: that would wait for all that other programs have written meanwhile, which can be minutes'
   // worth. Here each file's own pages go to the device, all together, and then one flush of the device
   // serves all of them.
@@ -163,24 +139,18 @@ class PosixDevice final : public Device {
 
   void FlushEntries(std::span<File* const> files, std::span<Status> outcomes) override {
     FlushMetadata<PosixFile>(files, outcomes, [](PosixFile& file) { return file.FlushEntry(); });
-    OnceForEachVolume<PosixFile>(files, outcomes, &Volume::IsXfs, [](PosixFile& file) {
-      XfsWriteHome(file.Fd(), file.OnVolume().device);
-      return Status{};
-    });
   }
 
   void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes) override {
-    FlushMetadata<PosixFolder>(folders, outcomes, [](PosixFolder& folder) {
-      Status status = folder.Flush();
-      // The folder's own block has to be written before it may be freed: once it is free, the journal forgets
-      // the change, and the block keeps the old names.
-      if (status.Ok() && folder.OnVolume().IsJournaledExt()) WriteHome(folder);
-      return status;
-    });
-    OnceForEachVolume<PosixFolder>(folders, outcomes, &Volume::IsXfs, [](PosixFolder& folder) {
-      XfsWriteHome(folder.Fd(), folder.OnVolume().device);
-      return Status{};
-    });
+    FlushMetadata<PosixFolder>(folders, outcomes, [](PosixFolder& folder) { return folder.Flush(); });
+  }
+
+  // Where the checkpoint isn't allowed, the changes of others have to be written too.
+  void WriteHome(Folder& folder) override {
+    auto& posix = static_cast<PosixFolder&>(folder);
+    if (!posix.OnVolume().IsJournaledExt()) return;
+    if (posix.OnVolume().mayClearJournal && Checkpoint(posix.Fd(), 0)) return;
+    if (LittleIsUnwritten()) Retry([&posix] { return ::syncfs(posix.Fd()); });
   }
 
   // The journal holds the names, and with data in it the content too, until it has come round.
@@ -188,9 +158,8 @@ class PosixDevice final : public Device {
     auto& posix = static_cast<PosixFolder&>(folder);
     const Volume& volume = posix.OnVolume();
     if (volume.magic == kXfsMagic) {
-      const bool home = XfsWriteHome(posix.Fd(), volume.device);
-      const bool cycled = XfsCycleLog(posix.Fd(), volume.device, mayGoOn);
-      if ((!home || !cycled) && note.empty()) {
+      XfsFillLog(posix.Fd(), volume.device, mayGoOn);
+      if (note.empty()) {
         note =
             "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
       }
@@ -210,12 +179,6 @@ class PosixDevice final : public Device {
   }
 
  private:
-  // Where the checkpoint isn't allowed, the changes of others have to be written too.
-  static void WriteHome(PosixFolder& folder) {
-    if (folder.OnVolume().mayClearJournal && Checkpoint(folder.Fd(), 0)) return;
-    if (LittleIsUnwritten()) Retry([&folder] { return ::syncfs(folder.Fd()); });
-  }
-
   // What is true of names, lengths and dates for files and folders alike. Without an order among them each
   // has to be flushed, or with many of them the whole file system, which has to write what others have
   // changed too, but does it in one go.
@@ -256,11 +219,7 @@ class PosixDevice final : public Device {
     }
   }
 
-  static constexpr unsigned kEmptiedAtOnce = 16;
-
   DeviceOptions options_;
-  std::unique_ptr<Uring> emptyRing_;
-  bool triedEmptyRing_ = false;
 };
 
 }  // namespace

@@ -156,8 +156,6 @@ bool PosixFolder::RoomForNames(NameRoom& room) {
   if (volume_.namesStay == nullptr || ::fstat(fd_.Get(), &facts) != 0) return false;
   room.kind = volume_.namesStay->kind;
   room.bytes = static_cast<std::uint64_t>(facts.st_size);
-  // A length that is no number of blocks is that of names in the inode.
-  if (volume_.magic == kXfsMagic && facts.st_size < facts.st_blksize && facts.st_blocks == 0) room.bytes = 0;
   return true;
 }
 

@@ -48,6 +48,8 @@ class PosixFolder final : public Folder {
   Status Space(SpaceInfo& space) override;
 
   bool RoomForNames(NameRoom& room) override;
+  // The device's number, which is never 0.
+  std::uint64_t Log() const override { return volume_.isOrdered ? volume_.device : 0; }
 
  private:
   static Status CheckRegular(mode_t mode);

@@ -1,29 +1,22 @@
 #include "engine/journal_posix.h"
 
 #include <fcntl.h>
-#include <linux/fs.h>
 #include <sys/ioctl.h>
-#include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/sysmacros.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
 #include <climits>
-#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <optional>
-#include <span>
 #include <string>
-#include <utility>
 
-#include "engine/SeedSource.h"
+#include "engine/calls_posix.h"
 
 namespace zq::engine {
 namespace {
@@ -79,7 +72,8 @@ constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
 constexpr std::chrono::seconds kMostTime{5};
 
 // Files with an extended attribute of most of a block. Each time it is written anew it goes through the
-// journal, and unlike a file's content it does.
+// journal, and unlike a file's content it does. They have no name, so that nothing is left of them however
+// this process ends.
 class JournalFiller {
  public:
   static constexpr std::size_t kFiles = 256;
@@ -87,26 +81,11 @@ class JournalFiller {
   static constexpr std::size_t kValueBytes = 2500;
   static constexpr std::size_t kRoundBytes = kFiles * kValueBytes;
 
-  explicit JournalFiller(int folderFd) : folderFd_(folderFd) {}
-  JournalFiller(const JournalFiller&) = delete;
-  JournalFiller& operator=(const JournalFiller&) = delete;
-  ~JournalFiller() {
-    for (std::size_t i = 0; i < count_; ++i) {
-      ::unlinkat(folderFd_, names_[i].data(), 0);
-      ::close(fds_[i]);
-    }
-  }
-
-  bool Make() {
-    SystemSeed seeds;
-    while (count_ < kFiles) {
-      std::array<unsigned char, 12> random{};
-      if (!seeds.Fill(std::as_writable_bytes(std::span(random))).Ok()) return false;
-      std::string& name = names_[count_];
-      for (const unsigned char byte : random) name += "0123456789bcdefghijklmpqrsvwxyz_"[byte & 31];
-      fds_[count_] = ::openat(folderFd_, name.data(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
-      if (fds_[count_] < 0) return false;
-      ++count_;
+  // False where the file system has no such files, or there are not so many to be had.
+  bool Make(int folderFd) {
+    for (UniqueFd& file : files_) {
+      file = UniqueFd(::openat(folderFd, ".", O_RDWR | O_TMPFILE | O_CLOEXEC, 0600));
+      if (!file.IsOpen()) return false;
     }
     return true;
   }
@@ -114,21 +93,18 @@ class JournalFiller {
   // Writes one round and makes it durable. False once something fails or the time is over.
   bool Write() {
     if (std::chrono::steady_clock::now() - started_ > kMostTime) return false;
-    for (const int fd : fds_) {
+    for (const UniqueFd& file : files_) {
       // No two are the same, or ext4 would keep them in one block.
       ++number_;
       std::copy_n(reinterpret_cast<const char*>(&number_), sizeof number_, value_.begin());
-      if (::fsetxattr(fd, "user.filler", value_.data(), value_.size(), 0) != 0) return false;
+      if (::fsetxattr(file.Get(), "user.filler", value_.data(), value_.size(), 0) != 0) return false;
     }
-    return ::fsync(fds_.back()) == 0;
+    return ::fsync(files_.back().Get()) == 0;
   }
 
  private:
   const std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
-  int folderFd_;
-  std::size_t count_ = 0;
-  std::array<std::string, kFiles> names_;
-  std::array<int, kFiles> fds_{};
+  std::array<UniqueFd, kFiles> files_;
   std::uint64_t number_ = 0;
   std::array<char, kValueBytes> value_{};
 };
@@ -156,45 +132,15 @@ bool LittleIsUnwritten() {
   return unwritten < kLittleKilobytes;
 }
 
-bool XfsWriteHome(int fd, dev_t device) {
-  struct stat root {};
-  if (::geteuid() != 0 || ::stat("/", &root) != 0 || root.st_dev == device) return false;
-  if (!LittleIsUnwritten()) return false;
-
-  // A file system that stays frozen stops all who write to it. Therefore a process of its own freezes and
-  // thaws it, which no signal reaches that is meant for this one or its terminal, and which makes no other
-  // call between. Should it be killed all the same, this one thaws.
-  sigset_t all;
-  sigset_t before;
-  ::sigfillset(&all);
-  ::sigprocmask(SIG_SETMASK, &all, &before);
-  const pid_t child = ::fork();
-  if (child == 0) {
-    ::setsid();
-    if (::ioctl(fd, FIFREEZE, 0) != 0) ::_exit(1);
-    while (::ioctl(fd, FITHAW, 0) != 0 && errno == EINTR) {
-    }
-    ::_exit(0);
-  }
-  int outcome = -1;
-  if (child > 0) {
-    while (::waitpid(child, &outcome, 0) < 0 && errno == EINTR) {
-    }
-    if (!WIFEXITED(outcome)) ::ioctl(fd, FITHAW, 0);
-  }
-  ::sigprocmask(SIG_SETMASK, &before, nullptr);
-  return child > 0 && WIFEXITED(outcome) && WEXITSTATUS(outcome) == 0;
-}
-
-bool XfsCycleLog(int fd, dev_t device, const std::function<bool()>& mayGoOn) {
+bool XfsFillLog(int fd, dev_t device, const std::function<bool()>& mayGoOn) {
   XfsGeometry geometry{};
   if (::ioctl(fd, kGeometry, &geometry) != 0) return false;
   const std::uint64_t logBytes = std::uint64_t{geometry.logBlocks} * geometry.blockBytes;
   const std::optional<LogHead> start = ReadLogHead(device);
   if (!start || logBytes == 0 || logBytes > kMostBytes) return false;
 
-  JournalFiller filler(fd);
-  if (!filler.Make()) return false;
+  JournalFiller filler;
+  if (!filler.Make(fd)) return false;
   // Each round logs at least the values; twice the log has to be enough, unless others hold it up.
   const std::uint64_t mostRounds = 2 * logBytes / JournalFiller::kRoundBytes + 2;
   for (std::uint64_t i = 0; i < mostRounds; ++i) {
@@ -214,8 +160,8 @@ bool Ext4FillJournal(int fd, const std::function<bool()>& mayGoOn) {
   const std::uint64_t journalBytes = UsualJournalBytes(std::uint64_t{facts.f_blocks} * facts.f_frsize);
   if (journalBytes > kMostBytes) return false;
 
-  JournalFiller filler(fd);
-  if (!filler.Make()) return false;
+  JournalFiller filler;
+  if (!filler.Make(fd)) return false;
   // Each round fills a block for each file, and some more.
   const std::uint64_t rounds = journalBytes / (JournalFiller::kFiles * std::uint64_t{facts.f_frsize}) + 2;
   for (std::uint64_t i = 0; i < rounds; ++i) {

@@ -13,16 +13,11 @@ namespace zq::engine {
 // system waits for all of it, and nobody can cancel meanwhile.
 bool LittleIsUnwritten();
 
-// Writes all that is in the log of the file system of `fd` to its place, by freezing the file system for a
-// moment. False where that isn't allowed (it takes an administrator) or isn't done: never on the file system
-// of the root folder, nor when much is unwritten.
-bool XfsWriteHome(int fd, dev_t device);
-
-// Fills the log with other things, by way of files made in the folder `fd` and removed again, until it has
-// come round. That also writes to its place what was in it. It takes no rights but those to make files, and
-// about as long as writing as much as the log holds; `mayGoOn` is asked before each part. False if the log is
-// too large for that, if it isn't to go on, or something has failed.
-bool XfsCycleLog(int fd, dev_t device, const std::function<bool()>& mayGoOn);
+// Fills the log with other things, by way of files without a name in the file system of the folder `fd`,
+// until it has come round. That also writes to its place what was in it. It takes no rights but those to make
+// files, and about as long as writing as much as the log holds; `mayGoOn` is asked before each part. False if
+// the log is too large for that, if it isn't to go on, or something has failed.
+bool XfsFillLog(int fd, dev_t device, const std::function<bool()>& mayGoOn);
 
 // The same for the journal of ext4, which doesn't tell how large it is, nor where it stands: as much is
 // written as a file system of this size is usually given. False if that is too much, or something has failed.

@@ -64,11 +64,6 @@ void Uring::BeginRead(int fd, std::byte* data, std::size_t size, std::uint64_t o
   Begin(IORING_OP_READ, fd, reinterpret_cast<std::uintptr_t>(data), size, offset, tag);
 }
 
-void Uring::BeginEmptying(int fd, std::uint64_t tag) {
-  constexpr unsigned char kTruncate = 55;  // IORING_OP_FTRUNCATE, which not every system's headers have
-  Begin(kTruncate, fd, 0, 0, 0, tag);
-}
-
 void Uring::Begin(unsigned char operation, int fd, std::uint64_t address, std::size_t size,
                   std::uint64_t offset, std::uint64_t tag) {
   const std::uint32_t tail = *submitTail_;  // ours alone

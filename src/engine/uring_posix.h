@@ -28,9 +28,6 @@ class Uring {
   void BeginWrite(int fd, const std::byte* data, std::size_t size, std::uint64_t offset, std::uint64_t tag);
   void BeginRead(int fd, std::byte* data, std::size_t size, std::uint64_t offset, std::uint64_t tag);
 
-  // Begins an ftruncate to no length at all, which kernels before Linux 6.9 end with EINVAL.
-  void BeginEmptying(int fd, std::uint64_t tag);
-
   // Waits for one to end. One must be under way.
   Completion Wait();
 

@@ -63,10 +63,10 @@ constexpr std::int64_t kOneDeviceFileSystems[] = {
 constexpr std::int64_t kFuseMagic = 0x65735546;
 
 constexpr NamesStay kNamesStay[] = {
-    {kXfsMagic, NameRoom::Kind::Blocks}, {0x4D44, NameRoom::Kind::Slots},  // FAT
-    {0x2011BAB0, NameRoom::Kind::Slots},                                   // exFAT
-    {0x7366746E, NameRoom::Kind::Tree},                                    // NTFS, by the kernel's own driver
-    {kFuseMagic, NameRoom::Kind::Tree},  // on a device: NTFS by ntfs-3g, mostly
+    {0x4D44, NameRoom::Kind::Slots},      // FAT
+    {0x2011BAB0, NameRoom::Kind::Slots},  // exFAT
+    {0x7366746E, NameRoom::Kind::Tree},   // NTFS, by the kernel's own driver
+    {kFuseMagic, NameRoom::Kind::Tree},   // on a device: NTFS by ntfs-3g, mostly
 };
 
 enum class Answer { Yes, No, Unknown };

@@ -43,7 +43,6 @@ struct Volume {
   bool MayNotClearJournal() const { return mayHaveJournal && !mayClearJournal; }
   bool HasOneFlush() const { return oneFlushForAll; }
   bool IsOrdered() const { return isOrdered; }
-  bool IsXfs() const { return magic == kXfsMagic; }
   bool IsJournaledExt() const { return mayHaveJournal; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
 };

@@ -143,7 +143,19 @@ void JobWipe::CountRow(const JobRow& row) {
   }
 }
 
+// The rows of a job are one operation to the engine, however the run ends.
 void JobWipe::WipeRows() {
+  struct Whole {
+    explicit Whole(WholeWipes* wipes) : wipes_(wipes) {
+      if (wipes_) wipes_->BeginWhole();
+    }
+    Whole(const Whole&) = delete;
+    Whole& operator=(const Whole&) = delete;
+    ~Whole() {
+      if (wipes_) wipes_->EndWhole();
+    }
+    WholeWipes* wipes_;
+  } const whole(whole_);
   const std::int16_t end = jobList_.RowLoopEnd();
   for (int row = 1; row <= end; ++row) {
     const JobRow& item = jobList_.Row(row);

@@ -31,7 +31,11 @@ class JobWipe final : public WipeEvents {
         statusWindow_(statusWindow),
         reportViewer_(reportViewer) {}
 
-  void SetEngine(SecureFileDeleteWizard* engine) { SFD1 = engine; }
+  // `whole` may be null.
+  void SetEngine(SecureFileDeleteWizard* engine, WholeWipes* whole = nullptr) {
+    SFD1 = engine;
+    whole_ = whole;
+  }
 
   // Raises what fails on the way: there is no handler here, and the process ends with its report.
   void RunJobWipe();
@@ -62,6 +66,7 @@ class JobWipe final : public WipeEvents {
   WipeStatusWindow& statusWindow_;
   ReportViewer* reportViewer_;
   SecureFileDeleteWizard* SFD1 = nullptr;
+  WholeWipes* whole_ = nullptr;
   FixedPoint ProcessedWipeItems;
 };
 

@@ -26,6 +26,13 @@ bool SFD1::WipeFreeSpace(const std::string& drive, std::int32_t level) {
   return Finish(engine_.WipeFreeSpace(drive, level));
 }
 
+// Whatever becomes of the traces, what was wiped is gone, and what a handler of their progress raises comes
+// too late to end anything.
+void SFD1::EndWhole() noexcept {
+  engine_.EndWhole();
+  raised_ = nullptr;
+}
+
 // The engine takes nothing that is thrown through it: what a handler raises waits here until the member
 // has returned.
 void SFD1::Raise(const std::function<void()>& handler) {

@@ -14,7 +14,7 @@
 namespace zq {
 
 // Each instance has its own engine; they share no state.
-class SFD1 final : public SecureFileDeleteWizard, private engine::EngineEvents {
+class SFD1 final : public SecureFileDeleteWizard, public WholeWipes, private engine::EngineEvents {
  public:
   explicit SFD1(WipeEvents& events);
 
@@ -26,6 +26,9 @@ class SFD1 final : public SecureFileDeleteWizard, private engine::EngineEvents {
   bool WipeFreeSpace(const std::string& drive, std::int32_t level) override;
   std::string GetLastErrorText() override { return engine_.LastErrorText(); }
   void CancelOperation() override { engine_.CancelOperation(); }
+
+  void BeginWhole() override { engine_.BeginWhole(); }
+  void EndWhole() noexcept override;
 
  private:
   void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,

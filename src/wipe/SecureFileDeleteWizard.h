@@ -46,4 +46,13 @@ class SecureFileDeleteWizard {
   virtual void CancelOperation() = 0;
 };
 
+// What an engine can do better for several calls than for each: between the two they are one operation, whose
+// traces are seen to at its end. Each BeginWhole has its EndWhole, which never raises.
+class WholeWipes {
+ public:
+  virtual ~WholeWipes() = default;
+  virtual void BeginWhole() = 0;
+  virtual void EndWhole() noexcept = 0;
+};
+
 }  // namespace zq

@@ -1,5 +1,6 @@
 // Runs one operation of the engine, for bench.sh: prints what it has taken, and how much memory.
-//   engine_bench file|folder|files PATH [LEVEL] [--one-at-a-time] [--quiet]
+//   engine_bench file|folder|files|each PATH [LEVEL] [--one-at-a-time] [--quiet]
+//                                    each: one call for each file beneath, as a job of file rows has it
 //   engine_bench random [MIB]        the speed of the random data alone
 #ifdef _WIN32
 #include <windows.h>
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -72,6 +74,21 @@ int BenchRandom(std::size_t mebibytes) {
   return 0;
 }
 
+std::vector<std::string> FilesBeneath(const std::string& folder) {
+  std::vector<std::string> paths;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) paths.push_back(entry.path().string());
+  }
+  return paths;
+}
+
+bool WipeEach(SecureDelete& engine, const std::vector<std::string>& paths, std::int32_t level) {
+  bool done = true;
+  engine.BeginWhole();
+  for (const std::string& path : paths) done = engine.WipeFile(path, level) && done;
+  return engine.EndWhole() && done;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -91,7 +108,8 @@ int main(int argc, char** argv) {
     return BenchRandom(words.size() > 1 ? std::strtoul(words[1].c_str(), nullptr, 10) : 2048);
   }
   if (words.size() < 2) {
-    std::fputs("usage: engine_bench file|folder|files PATH [LEVEL] [--one-at-a-time] [--quiet]\n", stderr);
+    std::fputs("usage: engine_bench file|folder|files|each PATH [LEVEL] [--one-at-a-time] [--quiet]\n",
+               stderr);
     return 2;
   }
   const std::int32_t level = words.size() > 2 ? static_cast<std::int32_t>(std::atoi(words[2].c_str())) : 3;
@@ -102,11 +120,14 @@ int main(int argc, char** argv) {
   CountedEvents events;
   SecureDelete engine(*device, seeds, clock, events,
                       [](const std::string&, const std::string&) { return true; });
+  std::vector<std::string> paths;
+  if (words[0] == "each") paths = FilesBeneath(words[1]);
   const auto started = std::chrono::steady_clock::now();
   bool done = false;
   if (words[0] == "file") done = engine.WipeFile(words[1], level);
   if (words[0] == "folder") done = engine.WipeFolder(words[1], level);
   if (words[0] == "files") done = engine.WipeFolderFiles(words[1], "*.*", true, level);
+  if (words[0] == "each") done = WipeEach(engine, paths, level);
   const double seconds = Seconds(started);
   if (!done) {
     std::fprintf(stderr, "failed: %s\n", engine.LastErrorText().c_str());

@@ -131,16 +131,20 @@ TEST_F(frmStatusTest, PathsWithAmpersandsAreShownAsTheyAre) {
   EXPECT_TRUE(style & SS_NOPREFIX);
 }
 
-TEST_F(frmStatusTest, PlainBarsFollowTheSetting) {
-  state_.Settings.ProgressBars = 0;
-  frmStatus& form = Default<frmStatus>::Touch();
-  form.Show();
-  for (ProgressBarEx* bar : {&form.pbCurrent, &form.pbOverall}) {
-    bar->SetValue(100);
-    ::UpdateWindow(bar->Handle());
-    const HDC context = ::GetDC(bar->Handle());
-    EXPECT_EQ(::GetPixel(context, 5, 5), kProgressColourPlain);
-    ::ReleaseDC(bar->Handle(), context);
+TEST_F(frmStatusTest, BarsArePlainForEverySettingButOne) {
+  for (const int value : {-1, 0, 1, 2}) {
+    state_.Settings.ProgressBars = static_cast<std::int16_t>(value);
+    frmStatus& form = Default<frmStatus>::Touch();
+    form.Show();
+    for (ProgressBarEx* bar : {&form.pbCurrent, &form.pbOverall}) {
+      bar->SetValue(100);
+      ::UpdateWindow(bar->Handle());
+      const HDC context = ::GetDC(bar->Handle());
+      EXPECT_EQ(::GetPixel(context, 5, 5) == kProgressColourPlain, value != 1) << value;
+      ::ReleaseDC(bar->Handle(), context);
+    }
+    form.Unload();
+    Form::DestroyClosed();
   }
 }
 

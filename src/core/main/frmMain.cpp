@@ -95,7 +95,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .folderDialog = *this,
                  .windows = *this,
                  .reportViewer = &reportWindow_}) {
-  jobWipe_.SetEngine(&SFD1);
+  jobWipe_.SetEngine(&SFD1, &SFD1);
   jobList_.SetView(this);
 
   DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };

@@ -207,3 +207,40 @@ case_killed() {
     [[ ! -e $top/f$i ]] || lost "$top/f$i"
   done
 }
+
+# killed_while_the_log_is_filled: the wipe is killed with all its processes at the first of its fillers' writes.
+killed_while_the_log_is_filled() {
+  local user=("$@") tool
+  mkdir -m 777 "$top"
+  put "$top/file"
+  chown -R 65534:65534 "$top"
+  sync -f "$mnt"
+  "${user[@]}" "$work/wipe_tool" "$top/file" >/dev/null 2>&1 &
+  tool=$!
+  # A file without a name that is open: it says so of itself.
+  until [[ -n $(find "/proc/$tool/fd" -lname '*(deleted)' 2>/dev/null) ]]; do
+    [[ -e /proc/$tool/exe ]] || { fault "the log was not filled, or too quickly to be seen"; break; }
+  done
+  kill -9 "$tool" 2>/dev/null || true
+  wait "$tool" 2>/dev/null || true
+  [[ -z $(find "$top" -mindepth 1) ]] || fault "it has left $(find "$top" -mindepth 1 | wc -l) files"
+  # It would wait for good on a frozen file system.
+  timeout 20 touch "$mnt/after" || fault "nobody can write to the file system any more"
+}
+case_killed_while_the_journal_is_filled() {
+  killed_while_the_log_is_filled setpriv --reuid=65534 --regid=65534 --clear-groups --no-new-privs
+}
+kind_of[killed_while_the_log_of_xfs_is_filled]=xfs
+case_killed_while_the_log_of_xfs_is_filled() { killed_while_the_log_is_filled env; }
+
+# Nothing that was made in such a folder could be removed again.
+case_append_only_folder() {
+  mkdir "$top"
+  put "$top/file"
+  chattr +a "$top"
+  wipe "$top/file"
+  chattr -a "$top"
+  ((status == 1)) || fault "success is reported in a folder from which nothing can be removed"
+  [[ $(find "$top" -mindepth 1 | wc -l) == 1 ]] || fault "there are other files than there were: $(ls "$top")"
+  lost "$top/file"
+}

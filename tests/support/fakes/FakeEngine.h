@@ -19,6 +19,8 @@ class FakeEngine final : public SecureFileDeleteWizard {
   // Runs inside each wipe member, to raise events. Without it a file that is wiped raises ItemWiped.
   std::function<void(const std::string& path, WipeEvents& events)> work;
 
+  std::function<void()> onCancel;  // runs inside CancelOperation
+
   bool WipeFile(const std::string& path, std::int32_t level) override {
     log_.push_back("WipeFile " + path + " " + std::to_string(level));
     const bool wiped = Run(path);
@@ -40,7 +42,10 @@ class FakeEngine final : public SecureFileDeleteWizard {
     return Run(drive);
   }
   std::string GetLastErrorText() override { return lastErrorText_; }
-  void CancelOperation() override { log_.push_back("CancelOperation"); }
+  void CancelOperation() override {
+    log_.push_back("CancelOperation");
+    if (onCancel) onCancel();
+  }
 
  private:
   bool Run(const std::string& path) {

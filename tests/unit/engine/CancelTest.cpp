@@ -193,9 +193,39 @@ TEST(Cancel, StopsTheRemovalOfABatchInTimeOnADeviceThatIsSlowWithEntries) {
 }
 
 // The fillers that have been made go first.
+TEST(Cancel, StopsARemovalInTimeWhereNamesAreCoveredAfterIt) {
+  for (const auto kind : {NameRoom::Kind::Slots, NameRoom::Kind::Tree}) {
+    StopRemovalsAtAnyTime(kind, Clock::Time{47'000}, Clock::Time{400'000});
+  }
+}
+
+// Then all files are gone already, and the call is a success.
 TEST(Cancel, StopsTheCoveringOfNamesInTime) {
-  for (const auto kind : {NameRoom::Kind::Slots, NameRoom::Kind::Blocks}) {
-    StopRemovalsAtAnyTime(kind, Clock::Time{471'000}, Clock::Time{1'000'000});
+  for (const auto kind : {NameRoom::Kind::Slots, NameRoom::Kind::Tree}) {
+    std::size_t shorter = 0;
+    std::size_t fillersOfAll = 0;
+    for (std::size_t clickAtFiller : {1000u, 1u, 3u, 9u}) {
+      EngineRig rig;
+      rig.device.nameRoom = kind;
+      rig.device.MakeFile("/f/x", Secret(3'000));
+      rig.device.entryLatency = rig.device.flushLatency = Clock::Time{5'000};
+      Clock::Time click{};
+      rig.device.onOp = [&](const Op& op) {
+        if (op.kind != "add" || rig.device.Count("add") != clickAtFiller) return;
+        click = rig.clock.Now();
+        rig.engine.CancelOperation();
+      };
+      EXPECT_TRUE(rig.engine.WipeFile("/f/x", 3));
+      const std::size_t fillers = rig.device.Count("add");
+      if (clickAtFiller == 1000) fillersOfAll = fillers;
+      if (click != Clock::Time{}) {
+        EXPECT_LE(rig.clock.Now() - click, kAtMost);
+        EXPECT_THAT(rig.engine.Note(), HasSubstr("could not be covered"));
+        shorter += fillers < fillersOfAll;
+      }
+      EXPECT_THAT(rig.device.Find("/f")->children, IsEmpty());
+    }
+    EXPECT_EQ(shorter, 3u);
   }
 }
 

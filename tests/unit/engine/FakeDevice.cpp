@@ -341,6 +341,8 @@ class FakeFolder final : public Folder {
     return {};
   }
 
+  std::uint64_t Log() const override { return device_.log; }
+
   // As much as the names take, in whole blocks.
   bool RoomForNames(NameRoom& room) override {
     room = {};
@@ -496,6 +498,10 @@ class FakeQueue final : public TransferQueue {
 std::unique_ptr<TransferQueue> FakeDevice::MakeQueue() {
   if (queueDepth == 1) return Device::MakeQueue();
   return std::make_unique<FakeQueue>(*this);
+}
+
+Status FakeDevice::ClearTraces(Folder&, const std::function<bool()>&, std::string&) {
+  return Begin("clear traces", "the log");
 }
 
 FakeDevice::FakeDevice(FakeClock& clock)

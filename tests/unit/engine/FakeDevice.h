@@ -89,6 +89,7 @@ class FakeDevice final : public Device {
   int mostOpenFiles = 0;                   // more than these can't be open at once; 0: no end
   bool mergesEqual = false;                // streams must never be written with a pattern
   std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
+  std::uint64_t log = 0;                   // of all folders; 0: there is none
   std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end
   std::uint64_t bytesPerSecond = 0;        // 0: no time passes
   Clock::Time flushLatency{0};
@@ -125,6 +126,7 @@ class FakeDevice final : public Device {
   std::size_t NameLength(const std::string& name) const override { return name.size(); }
   bool RenamesOpenFolders() const override { return renamesOpenFolders; }
   std::unique_ptr<TransferQueue> MakeQueue() override;
+  Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note) override;
 
  private:
   friend class FakeQueue;

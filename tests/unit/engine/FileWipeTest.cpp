@@ -376,7 +376,7 @@ TEST(FileWipe, TellsProgressOnceFromZeroToTheLength) {
 TEST(FileProgress, ScalesLengthsThatDontFitIntoThirtyTwoBits) {
   EngineRig rig;
   const bool cancelled = false;
-  Operation operation(rig.device, rig.events, rig.clock, rig.seeds, cancelled, 3);
+  Operation operation(rig.device, rig.events, rig.clock, rig.seeds, cancelled);
   for (const std::uint64_t length :
        {std::uint64_t{0x7FFFFFFF}, std::uint64_t{0x80000000}, std::uint64_t{5} << 40,
         std::numeric_limits<std::uint64_t>::max() / 16}) {

@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "unit/engine/EngineRig.h"
 #include "unit/engine/RealEngine.h"
 #include "unit/engine/Scratch.h"
 
@@ -185,45 +186,15 @@ TEST(PosixJournal, OfDataMakesTheWipeARefusalWithoutPrivileges) {
   EXPECT_EQ(ReadBytes(mount / kName), Secret(5'000));
 }
 
-// The engine leaves the log alone, and tells so, while much that others have written waits for the device, or
-// where filling it takes too long. What others do here ends: of several tries one has to be whole.
-TEST(PosixXfs, IsClearedOfNamesAndThawedAgain) {
-  constexpr int kTries = 5;
-  for (int i = 1; i <= kTries; ++i) {
-    Scratch scratch;
-    const ImageMount mount(scratch, "mkfs.xfs -q -f --unsupported", "noatime");
-    if (!mount.IsMounted()) GTEST_SKIP() << "no xfs to test on: " << mount.WhyNot();
-    RealEngine real;
-    for (const char* number : {"1", "2", "3", "4", "5", "6", "7", "8", "9"}) {
-      WriteBytes(mount / (kName + std::string(number)), Secret(5'000));
-    }
-    WriteBytes(mount / "neighbour", "keep");
-    ::sync();
-    ASSERT_TRUE(mount.Holds(kName));
-    ASSERT_TRUE(real.engine.WipeFolderFiles(Utf8(mount / ""), std::string(kName) + "*", false, 3))
-        << real.engine.LastErrorText();
-    // Would wait for good on a frozen file system.
-    WriteBytes(mount / "neighbour", "changed");
-    mount.Sync();
-    EXPECT_EQ(std::distance(fs::directory_iterator(mount / ""), fs::directory_iterator()), 1);
-    if (!real.engine.Note().empty() && i < kTries) continue;
-    EXPECT_EQ(real.engine.Note(), "");
-    EXPECT_FALSE(mount.Holds(kName));
-    return;
-  }
-}
-
-TEST(PosixXfs, KeepsNamesForAWhileWithoutPrivilegesWhichIsTold) {
+TEST(PosixXfs, MayKeepNamesForAWhileWhichIsTold) {
   Scratch scratch;
   const ImageMount mount(scratch, "mkfs.xfs -q -f --unsupported", "noatime");
   if (!mount.IsMounted()) GTEST_SKIP() << "no xfs to test on: " << mount.WhyNot();
-  fs::permissions(scratch.Path(), fs::perms::all);
   RealEngine real;
-  const WithoutPrivileges user;
   WriteBytes(mount / kName, Secret(5'000));
   ASSERT_TRUE(real.engine.WipeFile(Utf8(mount / kName), 3)) << real.engine.LastErrorText();
   EXPECT_THAT(real.engine.Note(), HasSubstr("may stay"));
-  EXPECT_TRUE(fs::is_empty(mount / ""));
+  EXPECT_TRUE(fs::is_empty(mount / "")) << "nothing that was made for it stays";
 }
 
 TEST(PosixDevice, RefusesALinkNamedByItself) {
@@ -367,6 +338,71 @@ TEST(PosixDevice, DoesNotRemoveAFileThatHasContentAgain) {
   EXPECT_EQ(ReadBytes(scratch / "x"), "new");
   ASSERT_TRUE(file->SetLength(0).Ok());
   EXPECT_TRUE(file->Remove().Ok());
+}
+
+// Looks on while files are wiped by the system's device.
+class WatchedDevice final : public Device {
+ public:
+  std::function<void()> whenEmptied;  // before their entries are made durable, and removed
+
+  Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override {
+    return real_->OpenFolder(path, folder);
+  }
+  Status Split(const std::string& path, std::string& folderPath, std::string& name) const override {
+    return real_->Split(path, folderPath, name);
+  }
+  std::string Join(const std::string& folderPath, const std::string& name) const override {
+    return real_->Join(folderPath, name);
+  }
+  std::size_t NameLength(const std::string& name) const override { return real_->NameLength(name); }
+  bool RenamesOpenFolders() const override { return real_->RenamesOpenFolders(); }
+  std::unique_ptr<TransferQueue> MakeQueue() override { return real_->MakeQueue(); }
+  void FlushMany(std::span<File* const> files, std::span<Status> outcomes) override {
+    real_->FlushMany(files, outcomes);
+  }
+  void FlushEntries(std::span<File* const> files, std::span<Status> outcomes) override {
+    whenEmptied();
+    real_->FlushEntries(files, outcomes);
+  }
+  void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes) override {
+    real_->FlushFolders(folders, outcomes);
+  }
+  Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note) override {
+    return real_->ClearTraces(folder, mayGoOn, note);
+  }
+
+ private:
+  const std::unique_ptr<Device> real_ = MakeSystemDevice();
+};
+
+TEST(PosixDevice, RemovesNoneOfManyFilesThatAreWrittenToOnceTheyAreEmpty) {
+  constexpr int kFiles = 20;
+  Scratch scratch;
+  fs::create_directory(scratch / "top");
+  std::vector<std::ofstream> writers;
+  for (int i = 0; i < kFiles; ++i) {
+    const fs::path path = scratch / "top" / std::to_string(i);
+    WriteBytes(path, Secret(9'000));
+    writers.emplace_back(path, std::ios::binary | std::ios::app);
+  }
+  FakeClock clock;
+  SystemSeed seeds;
+  RecordedEvents events(clock);
+  WatchedDevice device;
+  device.whenEmptied = [&] {
+    for (std::ofstream& writer : writers) writer << Secret(4'000) << std::flush;
+  };
+  SecureDelete engine(device, seeds, clock, events,
+                      [](const std::string&, const std::string&) { return true; });
+  EXPECT_FALSE(engine.WipeFolder(Utf8(scratch / "top"), 3));
+  EXPECT_THAT(engine.LastErrorText(), HasSubstr("another program has written to it again"));
+  EXPECT_THAT(events.Of("wiped"), IsEmpty());
+  int left = 0;
+  for (const auto& entry : fs::directory_iterator(scratch / "top")) {
+    EXPECT_EQ(ReadBytes(entry.path()), Secret(4'000));
+    ++left;
+  }
+  EXPECT_EQ(left, kFiles);
 }
 
 TEST(PosixDevice, FailsOnAFileThatVanishesMeanwhile) {

@@ -219,35 +219,6 @@ TEST(RealFolder, KeepsItsFoldersWhenOnlyFilesAreAskedFor) {
   EXPECT_FALSE(fs::exists(scratch / "top/b.doc"));
 }
 
-TEST(RealDevice, EmptiesSeveralFilesTogether) {
-  for (const bool oneTransferAtATime : {false, true}) {
-    Scratch scratch;
-    const std::unique_ptr<Device> device = MakeSystemDevice({oneTransferAtATime});
-    std::unique_ptr<Folder> folder;
-    ASSERT_TRUE(device->OpenFolder(Utf8(scratch.Path()), folder).Ok());
-    std::vector<std::unique_ptr<File>> opened(50);
-    std::vector<File*> files;
-    for (std::size_t i = 0; i < opened.size(); ++i) {
-      const std::string name = "file" + std::to_string(i);
-      WriteBytes(scratch / name, Secret(100 * (i + 1)));
-      ASSERT_TRUE(folder->OpenFile(name, Access::Direct, opened[i]).Ok());
-      files.push_back(opened[i].get());
-    }
-    for (const std::size_t count : {std::size_t{3}, files.size()}) {
-      std::vector<Status> outcomes(count, Status::Refusal("not told"));
-      device->EmptyMany(std::span(files).first(count), outcomes);
-      for (std::size_t i = 0; i < files.size(); ++i) {
-        if (i < count) {
-          EXPECT_TRUE(outcomes[i].Ok()) << i << outcomes[i].text;
-        }
-        FileInfo info;
-        ASSERT_TRUE(files[i]->Info(info).Ok());
-        EXPECT_EQ(info.lengthBytes, i < count ? 0u : 100 * (i + 1)) << i;
-      }
-    }
-  }
-}
-
 TEST(RealDevice, TakesTheLastPartOfAPathAsTheName) {
   const std::unique_ptr<Device> device = MakeSystemDevice();
   Scratch scratch;

@@ -27,6 +27,9 @@ TEST(JobData, HasFilesOnlyBehindTheirMark) {
   EXPECT_EQ(DecodeJob("a\r\nany mark\r\n"), (JobData{"a", {}, {}}));
   EXPECT_EQ(DecodeJob("a\r\nany mark\r\n[FILES]\r\none\r\n[FILES]\r\n[FOLDERS]\r\n"),
             (JobData{"a", {}, {"one", "[FOLDERS]"}}));
+  EXPECT_EQ(DecodeJob("a\r\nb\r\n[files]\r\n[FILES]\r\n[FILES]\r\n"),
+            (JobData{"a", {{"[files]", "[FILES]", "[FILES]"}}, {}}))
+      << "neither in another case nor inside a folder";
 }
 
 TEST(JobData, EndsInsideAFolderOrBeforeItsMarkOnlyByRaising) {

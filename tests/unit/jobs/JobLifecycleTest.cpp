@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 #include "core/state/AppState.h"
@@ -363,6 +364,15 @@ TEST_F(JobLifecycleTest, NewShowsItsNoteUnlessItIsSwitchedOff) {
   jobs.NewJob();
   EXPECT_THAT(log, testing::Not(testing::Contains("frmNew")));
   ExpectUntitledClean();
+}
+
+TEST_F(JobLifecycleTest, NewShowsItsNoteForZeroAlone) {
+  for (const int value : {-32768, -1, 0, 1, 2, 32767}) {
+    state.Settings.SkipNewJobNote = static_cast<std::int16_t>(value);
+    log.clear();
+    jobs.NewJob();
+    EXPECT_EQ(std::count(log.begin(), log.end(), "frmNew"), value == 0 ? 1 : 0) << value;
+  }
 }
 
 TEST_F(JobLifecycleTest, NewForgetsAnEarlierCancel) {

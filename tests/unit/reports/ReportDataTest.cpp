@@ -71,6 +71,14 @@ TEST(ReportData, KnowsMarksByTheirExactTextAlone) {
   EXPECT_EQ(report.errors, std::vector<std::string>{"e"});
 }
 
+TEST(ReportData, TakesALaterMarkOfTheSameSectionForAMarkToo) {
+  const ReportData report = DecodeReport(
+      "\"a\"\r\n\"b\"\r\n\"[FOLDERS]\"\r\n\"[FILES]\"\r\n\"f\"\r\n\"[FILES]\"\r\n\"g\"\r\n"
+      "\"[ERRORS]\"\r\n\"one\"\r\n\"[ERRORS]\"\r\n\"two\"\r\n");
+  EXPECT_EQ(report.files, (std::vector<std::string>{"f", "g"}));
+  EXPECT_EQ(report.errors, (std::vector<std::string>{"one", "two"}));
+}
+
 TEST(ReportData, BreaksAFieldAtAQuoteInsideIt) {
   ReportData report = kExample;
   report.errors = {"C:\\x - he said \"no\""};

@@ -112,6 +112,8 @@ TEST_F(JobWipeCancelTest, AReportListHolds32767Entries) {
 }
 
 TEST_F(JobWipeCancelTest, ACancelIsToldToTheEngineAndTheDriver) {
+  // The engine first: what it raises on the way must not find a driver that has stopped already.
+  engine.onCancel = [this] { EXPECT_FALSE(state.CancelRequested); };
   wipe.CancelOperation();
   EXPECT_THAT(log, ElementsAre("CancelOperation"));
   EXPECT_TRUE(state.CancelRequested);

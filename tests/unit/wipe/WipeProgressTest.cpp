@@ -67,6 +67,7 @@ TEST_F(WipeProgressTest, TheCurrentItemGoesFromNothingToAHundred) {
       {5, 200, 2},  // 2.5
       {7, 200, 4},  // 3.5
       {199, 200, 100},
+      {115, 200, 57},  // the share is a little below 0.575 in double precision, so this is no half
       {1, 3, 33},
       {2, 3, 67},
       {-1, 100, -1},

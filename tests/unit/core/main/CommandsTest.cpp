@@ -163,6 +163,7 @@ TEST_F(CommandsTest, MoreFilesThanTheDialogCanGiveAreToldAndNoneIsAdded) {
   ASSERT_EQ(boxes.shown.size(), 1U);
   EXPECT_EQ(boxes.shown[0].title, "Add Files");
   EXPECT_EQ(boxes.shown[0].icon, MessageIcon::Exclamation);
+  EXPECT_TRUE(ToolsUpdated());
 }
 
 TEST_F(CommandsTest, AddFolderStartsAtTheFolderOfTheLastTimeWithoutItsPadding) {
@@ -233,9 +234,11 @@ TEST_F(CommandsTest, RemoveKeepsTheRowOnAnyOtherAnswer) {
     jobList.Clear();
     List(2, 1);
     Answer(answer);
+    log.clear();
     commands.RemoveSelectedItem();
     EXPECT_EQ(jobList.Count(), 2U);
     EXPECT_TRUE(state.JobSaved);
+    EXPECT_TRUE(ToolsUpdated());
   }
 }
 
@@ -244,6 +247,8 @@ TEST_F(CommandsTest, RemoveWithoutASelectedRowAsksNothing) {
   commands.RemoveSelectedItem();
   EXPECT_THAT(boxes.shown, IsEmpty());
   EXPECT_EQ(jobList.Count(), 2U);
+  EXPECT_TRUE(state.JobSaved);
+  EXPECT_TRUE(ToolsUpdated());
 }
 
 TEST_F(CommandsTest, ReportIsShownIfThereIsOne) {
@@ -275,6 +280,20 @@ TEST_F(CommandsTest, ReportThatFailsToShowIsToldAsNone) {
   Answer(MessageAnswer::Ok);
   failingCommands.ViewReport();
   EXPECT_THAT(boxes.shown, ElementsAre(kNoReport));
+}
+
+TEST_F(CommandsTest, ReportWithoutAWindowForItIsNotToldAsNone) {
+  CommandParts others = parts;
+  others.reportViewer = nullptr;
+  Commands windowless{others};
+  files.AddFile(kReport, "");
+  windowless.ViewReport();
+  EXPECT_THAT(boxes.shown, IsEmpty());
+}
+
+TEST_F(CommandsTest, IdleBinTellsNothing) {
+  commands.Run("mnuFileQuickWipeBin");
+  EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
 TEST_F(CommandsTest, BusyBinIsNotToggledAndSaysSo) {

@@ -2,6 +2,7 @@
 
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
+#include "support/ExpectRaises.h"
 #include "support/fakes/FakeFiles.h"
 
 namespace zq {
@@ -38,6 +39,21 @@ TEST(DataFolder, TellsFilesFromFolders) {
   EXPECT_EQ(listed, "a.zqj");
   EXPECT_TRUE(folder.Remove("Jobs\\a.zqj"));
   EXPECT_FALSE(folder.HasFile("Jobs\\a.zqj"));
+}
+
+TEST(DataFolder, FailsAsTheFilesDo) {
+  test::FakeFiles files;
+  AppState state;
+  state.AppFolder = "C:\\Zeroquill\\";
+  const DataFolder folder(files, state);
+  EXPECT_TRUE(folder.MakeFolder("Jobs"));
+  EXPECT_FALSE(folder.MakeFolder("Jobs")) << "it is there";
+  EXPECT_FALSE(folder.Remove("Jobs\\a.zqj"));
+  EXPECT_FALSE(folder.FindEntry("Jobs\\a.zqj").has_value());
+  EXPECT_EQ(folder.List("Jobs\\*.zqj", [](const FileEntry&) {}), ListEnd::NothingFound);
+  files.AddFile("C:\\Zeroquill\\Jobs\\a.zqj", "");
+  EXPECT_EQ(folder.List("Jobs\\*.zqj", [](const FileEntry&) {}), ListEnd::Complete);
+  test::ExpectRaises(ErrorNumber::FileNotFound, [&] { folder.Read("Jobs\\b.zqj"); });
 }
 
 }  // namespace

@@ -61,6 +61,8 @@ TEST(ItemExists, MatchesWildcards) {
   EXPECT_TRUE(ItemExists(files, kItemIsFile, "C:\\a.*"));
   EXPECT_TRUE(ItemExists(files, kItemIsFile, "C:\\?.txt"));
   EXPECT_FALSE(ItemExists(files, kItemIsFile, "C:\\b*"));
+  files.AddFolder("C:\\a.zip");  // behind the file in turn
+  EXPECT_TRUE(ItemExists(files, kItemIsFile, "C:\\a.*"));
 }
 
 TEST(ItemExists, GivesFalseForNoPathAndForAnyFailure) {

@@ -1,0 +1,228 @@
+// The menus as the system holds them: captions, separators, pictures, what is greyed, what a choice runs.
+#include <gmock/gmock.h>
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "Drawing.h"
+#include "MainFormTest.h"
+
+namespace zq::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+struct Item {
+  const char* tool;     // "" for a separator
+  const char* text;     // caption and shortcut, as the menu shows them
+  const char* picture;  // "" for none
+};
+
+struct NamedMenu {
+  const char* caption;
+  std::vector<Item> items;
+};
+
+constexpr Item kSeparator{"", "", ""};
+
+// clang-format off
+const std::vector<NamedMenu> kMenus{
+    {"&File",
+     {{"mnuFileNew",              "&New Wiping Job\tCtrl+N",        "newsmall"},
+      {"mnuFileOpen",             "&Open Wiping Job...\tCtrl+O",    "opensmall"},
+      {"mnuFileSave",             "&Save Wiping Job\tCtrl+S",       "savesmall"},
+      kSeparator,
+      {"mnuFileClose",            "&Close Wiping Job\tCtrl+W",      ""},
+      {"mnuFileDelete",           "&Delete Open Job\tCtrl+D",       ""},
+      kSeparator,
+      {"mnuFileView",             "&View Last Report...",           "report"},
+      {"mnuFilePreferences",      "&Preferences...",                ""},
+      kSeparator,
+      {"mnuFileLaunch",           "&Launch Explorer Manager",       ""},
+      kSeparator,
+      {"mnuFileQuickWipeBin",     "&QuickWipe Bin\tCtrl+Q",         "MainSmall"},
+      kSeparator,
+      {"mnuFileExit",             "E&xit Zeroquill",                ""}}},
+    {"&Actions",
+     {{"mnuActionsAddFiles",      "Add F&iles...",                  "addfilessmall"},
+      {"mnuActionsAddFolder",     "Add F&older...",                 "addfoldersmall"},
+      kSeparator,
+      {"mnuActionsRemove",        "&Remove Selected Item\tDelete",  "delete"},
+      {"mnuActionsEdit",          "&Edit Folder Item...",           ""},
+      kSeparator,
+      {"mnuActionsWipeFreeSpace", "Wipe &Free Space...",            "wipspacesmall"},
+      kSeparator,
+      {"mnuActionsWipeNow",       "&Wipe Now\tF10",                 "MainSmall"}}},
+    {"&Help",
+     {{"mnuHelpContents",         "&Contents\tF1",                  "help"},
+      kSeparator,
+      {"mnuHelpWebPage",          "Zeroquill &Web Page",            ""},
+      kSeparator,
+      {"mnuHelpAbout",            "&About Zeroquill",               ""}}},
+};
+// clang-format on
+
+// An item of a menu, as the system tells it.
+struct Seen {
+  std::string text;
+  bool separator = false;
+  bool greyed = false;
+  UINT id = 0;
+  HMENU popup = nullptr;
+  HBITMAP picture = nullptr;
+};
+
+Seen Read(HMENU menu, int place) {
+  char text[200] = "";
+  MENUITEMINFOA info{};
+  info.cbSize = sizeof info;
+  info.fMask = MIIM_FTYPE | MIIM_STATE | MIIM_ID | MIIM_SUBMENU | MIIM_STRING | MIIM_BITMAP;
+  info.dwTypeData = text;
+  info.cch = sizeof text;
+  EXPECT_TRUE(::GetMenuItemInfoA(menu, static_cast<UINT>(place), TRUE, &info));
+  return {.text = text,
+          .separator = (info.fType & MFT_SEPARATOR) != 0,
+          .greyed = (info.fState & MFS_GRAYED) != 0,
+          .id = info.wID,
+          .popup = info.hSubMenu,
+          .picture = info.hbmpItem};
+}
+
+class MenusTest : public MainFormTest {
+ protected:
+  static HMENU Popup(frmMain& main, int place) { return ::GetSubMenu(::GetMenu(WindowOf(main)), place); }
+
+  // Calls `look` with each item of the table and what the system has at its place.
+  template <typename Look>
+  static void ForEach(frmMain& main, const Look& look) {
+    for (std::size_t m = 0; m < kMenus.size(); ++m) {
+      const HMENU popup = Popup(main, static_cast<int>(m));
+      for (std::size_t i = 0; i < kMenus[m].items.size(); ++i) {
+        const Item& item = kMenus[m].items[i];
+        SCOPED_TRACE(std::string(kMenus[m].caption) + " " + std::to_string(i) + " " + item.tool);
+        look(item, Read(popup, static_cast<int>(i)));
+      }
+    }
+  }
+
+  // The greyed tools, in the order of the menus, once each menu has opened.
+  static std::vector<std::string> Greyed(frmMain& main) {
+    for (std::size_t m = 0; m < kMenus.size(); ++m) {
+      const HMENU popup = Popup(main, static_cast<int>(m));
+      ::SendMessageA(WindowOf(main), WM_INITMENUPOPUP, reinterpret_cast<WPARAM>(popup),
+                     static_cast<LPARAM>(m));
+    }
+    std::vector<std::string> tools;
+    ForEach(main, [&](const Item& item, const Seen& seen) {
+      if (seen.greyed && !seen.separator) tools.push_back(item.tool);
+    });
+    return tools;
+  }
+
+  void OpenByCommandLine(const std::string& jobBytes) {
+    fake_.files.AddFolder("C:\\Zeroquill\\Jobs");
+    fake_.files.AddFile("C:\\Zeroquill\\Jobs\\Papers.zqj", jobBytes);
+    fake_.process.commandLine = "\"C:\\Zeroquill\\Jobs\\Papers.zqj\"";
+  }
+};
+
+TEST_F(MenusTest, HaveTheirCaptionsAndSeparatorsInOrder) {
+  frmMain& main = Open();
+  const HMENU bar = ::GetMenu(WindowOf(main));
+  ASSERT_EQ(::GetMenuItemCount(bar), static_cast<int>(kMenus.size()));
+  for (std::size_t m = 0; m < kMenus.size(); ++m) {
+    const Seen menu = Read(bar, static_cast<int>(m));
+    EXPECT_EQ(menu.text, kMenus[m].caption);
+    EXPECT_FALSE(menu.greyed);
+    ASSERT_NE(menu.popup, nullptr);
+    ASSERT_EQ(::GetMenuItemCount(menu.popup), static_cast<int>(kMenus[m].items.size()));
+  }
+  ForEach(main, [](const Item& item, const Seen& seen) {
+    EXPECT_EQ(seen.separator, *item.tool == '\0');
+    EXPECT_EQ(seen.text, item.text);
+    EXPECT_EQ(seen.popup, nullptr);
+  });
+}
+
+TEST_F(MenusTest, ShowThePicturesThatBelongToTheirTools) {
+  frmMain& main = Open();
+  const int pixels = ::MulDiv(16, static_cast<int>(::GetDpiForWindow(WindowOf(main))), 96);
+  const COLORREF ground = ::GetSysColor(COLOR_MENU);
+  std::set<std::string> names;
+  std::set<std::vector<std::uint32_t>> looks;
+  ForEach(main, [&](const Item& item, const Seen& seen) {
+    if (*item.picture == '\0') {
+      EXPECT_EQ(seen.picture, nullptr);
+      return;
+    }
+    BITMAP bitmap{};
+    ASSERT_EQ(::GetObjectA(seen.picture, sizeof bitmap, &bitmap), static_cast<int>(sizeof bitmap));
+    EXPECT_EQ(bitmap.bmWidth, pixels);
+    EXPECT_EQ(bitmap.bmHeight, pixels);
+    const Picture shown = DrawBitmap(seen.picture, pixels);
+    EXPECT_TRUE(ShowsSomething(shown));
+    EXPECT_TRUE(shown == DrawIcon(LoadResourceIcon(item.picture, pixels).Get(), ground, pixels))
+        << "it isn't the picture " << item.picture;
+    names.insert(item.picture);
+    looks.insert(shown.pixels);
+  });
+  EXPECT_EQ(names.size(), 10U);
+  EXPECT_EQ(looks.size(), names.size()) << "pictures of different names look the same";
+}
+
+TEST_F(MenusTest, RunTheToolThatStandsAtTheirPlace) {
+  frmMain& main = Open();
+  std::vector<std::string> ran;
+  main.DockStudio1.ToolClick = [&](std::string_view tool) { ran.emplace_back(tool); };
+  std::vector<std::string> wanted;
+  ForEach(main, [&](const Item& item, const Seen& seen) {
+    if (seen.separator) return;
+    wanted.emplace_back(item.tool);
+    ::SendMessageA(WindowOf(main), WM_COMMAND, seen.id, 0);
+  });
+  EXPECT_EQ(ran, wanted);
+}
+
+TEST_F(MenusTest, TellWhichMenuOpens) {
+  frmMain& main = Open();
+  std::vector<std::string> opened;
+  main.DockStudio1.MenuOpening = [&](std::string_view menu) { opened.emplace_back(menu); };
+  Greyed(main);
+  EXPECT_THAT(opened, ElementsAre("mnuFile", "mnuActions", "mnuHelp"));
+}
+
+TEST_F(MenusTest, GreyWhatNeedsRowsOrAJobAtAnEmptyList) {
+  EXPECT_THAT(Greyed(Open()), ElementsAre("mnuFileSave", "mnuFileClose", "mnuFileDelete", "mnuActionsRemove",
+                                          "mnuActionsEdit", "mnuActionsWipeNow"));
+}
+
+TEST_F(MenusTest, GreyDeleteAndEditForAFileOfNoJob) {
+  fake_.files.AddFile("C:\\paper.txt", "a paper");
+  fake_.process.commandLine = "C:\\paper.txt";
+  EXPECT_THAT(Greyed(Open()), ElementsAre("mnuFileDelete", "mnuActionsEdit"));
+}
+
+TEST_F(MenusTest, GreyWhatNeedsRowsForAJobWithoutAny) {
+  OpenByCommandLine("\"N/A\"\r\n\"[FOLDERS]\"\r\n\"[FILES]\"\r\n");
+  EXPECT_THAT(Greyed(Open()), ElementsAre("mnuFileSave", "mnuFileClose", "mnuActionsRemove", "mnuActionsEdit",
+                                          "mnuActionsWipeNow"));
+}
+
+TEST_F(MenusTest, GreyEditByTheRowThatIsSelected) {
+  OpenByCommandLine(
+      "\"N/A\"\r\n\"[FOLDERS]\"\r\n\"C:\\papers\"\r\n\"*.*\"\r\n\"Yes\"\r\n\"[FILES]\"\r\n\"C:\\a.txt\"\r\n");
+  frmMain& main = Open();
+  main.Jobs().Select(1);
+  EXPECT_THAT(Greyed(main), IsEmpty());
+  main.Jobs().Select(2);
+  EXPECT_THAT(Greyed(main), ElementsAre("mnuActionsEdit"));
+  main.Jobs().Select(1);
+  EXPECT_THAT(Greyed(main), IsEmpty());
+  main.Jobs().Select(0);
+  EXPECT_THAT(Greyed(main), ElementsAre("mnuActionsEdit"));
+}
+
+}  // namespace
+}  // namespace zq::test
