@@ -173,10 +173,59 @@ TEST_F(SFD1Test, WhatAHandlerRaisesStopsTheEngineAndIsRaisedByTheMember) {
   EXPECT_TRUE(device.Exists("/papers/a"));
   EXPECT_TRUE(device.Exists("/papers/b"));
   EXPECT_THAT(device.Find("/drive")->children, IsEmpty()) << "a filler was left behind";
-
-  ExpectRaisedOnce("wiped", [&] { control.WipeFolder("/papers", 3); });
-  EXPECT_TRUE(device.Exists("/papers")) << "nothing goes on after it";
   EXPECT_EQ(device.openHandles, 0);
+}
+
+// Files of one batch are gone together before the first of them is told; those of the next are not begun.
+TEST_F(SFD1Test, WhatTheFirstWipedFileRaisesSparesWhatIsNotInItsBatch) {
+  for (const char* path : {"/papers/a", "/papers/b"}) device.MakeFile(path, Secret(5000));
+  device.mostOpenFiles = 3;  // one and two folders: each file is a batch of its own
+  ExpectRaisedOnce("wiped", [&] { control.WipeFolder("/papers", 3); });
+  EXPECT_FALSE(device.Exists("/papers/a"));
+  ASSERT_TRUE(device.Exists("/papers/b")) << "nothing goes on after it";
+  EXPECT_EQ(device.Find("/papers/b")->stored, Secret(5000));
+  EXPECT_EQ(device.openHandles, 0);
+
+  device.MakeFile("/papers/c", Secret(5000));
+  device.mostOpenFiles = 0;
+  ExpectRaisedOnce("wiped", [&] { control.WipeFolder("/papers", 3); });
+  ASSERT_TRUE(device.Exists("/papers"));
+  EXPECT_THAT(device.Find("/papers")->children, IsEmpty());
+  EXPECT_EQ(device.openHandles, 0);
+}
+
+TEST_F(SFD1Test, AWholeSeesToItsTracesOnceAtItsEnd) {
+  device.log = 7;
+  control.BeginWhole();
+  for (const char* path : {"/papers/a", "/papers/b"}) {
+    device.MakeFile(path, Secret(10));
+    EXPECT_TRUE(control.WipeFile(path, 3)) << control.GetLastErrorText();
+  }
+  EXPECT_EQ(device.Count("clear traces"), 0U);
+  control.EndWhole();
+  EXPECT_EQ(device.Count("clear traces"), 1U);
+}
+
+TEST_F(SFD1Test, WhatIsRaisedAtTheEndOfAWholeIsNotRaisedByTheNextMember) {
+  device.log = 7;
+  device.MakeFile("/papers/a", Secret(10));
+  device.onOp = [this](const engine::test::Op& op) {
+    if (op.kind != "clear traces") return;
+    device.fault = FakeDevice::Fault::FailOnce;
+    device.faultAt = device.ops.size();
+  };
+  handlers.onEvent = [](const Raised& event) {
+    if (event.kind == "error") throw RunTimeError(ErrorNumber::SubscriptOutOfRange);
+  };
+  control.BeginWhole();
+  EXPECT_TRUE(control.WipeFile("/papers/a", 3)) << control.GetLastErrorText();
+  EXPECT_THAT(handlers.Of("error"), IsEmpty());
+  control.EndWhole();
+  EXPECT_EQ(handlers.Of("error").size(), 1U);
+
+  device.onOp = nullptr;
+  device.MakeFile("/papers/b", Secret(10));
+  EXPECT_TRUE(control.WipeFile("/papers/b", 3)) << control.GetLastErrorText();
 }
 
 TEST_F(SFD1Test, WhatWasRaisedIsForgottenWithTheMemberThatRaisedIt) {
