@@ -43,7 +43,8 @@ std::FILE* CreateNewFile(const std::string& path, std::string& trouble);
 // has come.
 std::optional<std::string> ReadAnswer();
 
-// Readies the process's streams: text in UTF-8, no end by a reader that has gone.
+// Readies the process's streams: text in UTF-8, no end by a reader that has gone. The console has its code
+// page back when the process ends.
 void PrepareStreams();
 
 // From now on a request to stop (Ctrl+C, a closed terminal, the system's shut-down) is only noted. One that

@@ -14,6 +14,8 @@
 #include <utility>
 
 #include "cli/System.h"
+#include "platform/win32/UniqueHandle.h"
+#include "platform/win32/Wide.h"
 
 namespace zq::cli {
 namespace {
@@ -40,49 +42,18 @@ bool StartsWith(const std::wstring& text, const wchar_t* start) {
   return text.compare(0, std::wcslen(start), start) == 0;
 }
 
-std::wstring Wide(const std::string& text) {
-  const int size = static_cast<int>(text.size());
-  const int count = ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, nullptr, 0);
-  std::wstring wide(static_cast<std::size_t>(count), L'\0');
-  ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), size, wide.data(), count);
-  return wide;
-}
-
-std::string Narrow(const std::wstring& text) {
-  const int size = static_cast<int>(text.size());
-  const int count = ::WideCharToMultiByte(CP_UTF8, 0, text.data(), size, nullptr, 0, nullptr, nullptr);
-  std::string narrow(static_cast<std::size_t>(count), '\0');
-  ::WideCharToMultiByte(CP_UTF8, 0, text.data(), size, narrow.data(), count, nullptr, nullptr);
-  return narrow;
-}
-
 std::string ErrorText(DWORD code) {
   wchar_t text[512] = L"";
   DWORD length = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code,
                                   0, text, static_cast<DWORD>(std::size(text)), nullptr);
   while (length > 0 && std::wcschr(L"\r\n. ", text[length - 1]) != nullptr) --length;
   if (length == 0) return "error " + std::to_string(code);
-  return Narrow({text, length});
+  return FromWide({text, length});
 }
-
-class UniqueHandle {
- public:
-  explicit UniqueHandle(HANDLE handle) : handle_(handle) {}
-  UniqueHandle(const UniqueHandle&) = delete;
-  UniqueHandle& operator=(const UniqueHandle&) = delete;
-  ~UniqueHandle() {
-    if (IsOpen()) ::CloseHandle(handle_);
-  }
-  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
-  HANDLE Get() const { return handle_; }
-
- private:
-  HANDLE handle_;
-};
 
 // The full path with the prefix that lifts the limit on its length. Empty with `trouble` if there is none.
 std::wstring LongPath(const std::string& path, std::string& trouble) {
-  const std::wstring wide = Wide(path);
+  const std::wstring wide = ToWideIfValid(path);
   const DWORD room = wide.empty() ? 0 : ::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
   std::wstring full(room, L'\0');
   if (room > 0) full.resize(::GetFullPathNameW(wide.c_str(), room, full.data(), nullptr));
@@ -106,16 +77,16 @@ std::string FinalPath(HANDLE handle) {
     const DWORD length = ::GetFinalPathNameByHandleW(handle, path.data(), room, form);
     if (length == 0 || length >= room) continue;
     path.resize(length);
-    if (StartsWith(path, kLongNetworkPrefix)) return "\\\\" + Narrow(path.substr(8));
+    if (StartsWith(path, kLongNetworkPrefix)) return "\\\\" + FromWide(path.substr(8));
     const bool hasLetter = StartsWith(path, kLongPrefix) && path.size() > 5 && path[5] == L':';
-    return Narrow(hasLetter ? path.substr(4) : path);
+    return FromWide(hasLetter ? path.substr(4) : path);
   }
   return {};
 }
 
-UniqueHandle OpenEntry(const std::wstring& longPath) {
+UniqueFile OpenEntry(const std::wstring& longPath) {
   // Without any right to its content: the entry itself, be it in use or a link.
-  return UniqueHandle(::CreateFileW(
+  return UniqueFile(::CreateFileW(
       longPath.c_str(), FILE_READ_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
 }
@@ -159,7 +130,7 @@ void AddHomes(const std::string& home, std::vector<Guarded>& homes) {
   do {
     const std::wstring name = data.cFileName;
     if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0 || name == L"." || name == L"..") continue;
-    homes.push_back(Guard(all[1] + '\\' + Narrow(name)));
+    homes.push_back(Guard(all[1] + '\\' + FromWide(name)));
   } while (::FindNextFileW(search, &data) != 0);
   ::FindClose(search);
 }
@@ -202,13 +173,13 @@ Located Locate(const std::string& path) {
   if (longPath.empty()) return located;
   const bool endsInSeparator = IsSeparator(path.back(), PathStyle::Windows);
   // A separator at the end would follow a link; a root keeps its own.
-  if (!IsRoot(Narrow(longPath), PathStyle::Windows)) {
+  if (!IsRoot(FromWide(longPath), PathStyle::Windows)) {
     while (longPath.back() == L'\\') longPath.pop_back();
   }
 
-  const UniqueHandle handle = OpenEntry(longPath);
+  const UniqueFile handle = OpenEntry(longPath);
   BY_HANDLE_FILE_INFORMATION info{};
-  if (!handle.IsOpen() || ::GetFileInformationByHandle(handle.Get(), &info) == 0) {
+  if (!handle || ::GetFileInformationByHandle(handle.Get(), &info) == 0) {
     located.trouble = ErrorText(::GetLastError());
     return located;
   }
@@ -251,7 +222,7 @@ Surroundings FindSurroundings() {
   surroundings.currentFolder = Guard(".");
   std::wstring program(32'768, L'\0');
   program.resize(::GetModuleFileNameW(nullptr, program.data(), static_cast<DWORD>(program.size())));
-  surroundings.program = Guard(Narrow(program));
+  surroundings.program = Guard(FromWide(program));
   if (const auto profile = Variable("USERPROFILE")) AddHomes(*profile, surroundings.homes);
   for (const char* name : {"HOME", "PUBLIC"}) {
     if (const auto home = Variable(name)) surroundings.homes.push_back(Guard(*home));
@@ -297,7 +268,11 @@ std::optional<std::string> ReadAnswer() {
 }
 
 void PrepareStreams() {
-  ::SetConsoleOutputCP(CP_UTF8);
+  // The console is the user's, and other programs go on in it.
+  static const UINT codePageBefore = ::GetConsoleOutputCP();
+  if (codePageBefore != 0 && ::SetConsoleOutputCP(CP_UTF8)) {
+    std::atexit([] { ::SetConsoleOutputCP(codePageBefore); });
+  }
   // The same bytes on every system: a line break is one character there, and none of the text is changed.
   ::_setmode(::_fileno(stdout), _O_BINARY);
 }

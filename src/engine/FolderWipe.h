@@ -57,7 +57,10 @@ class FolderWipe {
   // Renames as many of them, from the first on, as the time allows. Gives their number.
   std::size_t RenameFolders(std::span<const std::shared_ptr<Level>> levels);
   void RemoveRenamed(std::span<const std::shared_ptr<Level>> levels);
-  Place& PlaceOf(const Level& level) { return level.parent ? *level.parent : above_; }
+  Place& PlaceOf(const Level& level) {
+    if (level.parent) return *level.parent;
+    return above_;
+  }
   void FlushFolders(std::span<const std::shared_ptr<Level>> levels, bool above);
   void Fail(Level& level, const Failure& failure);
   void TellFailed(Level& level, const Failure& failure);

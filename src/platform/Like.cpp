@@ -9,10 +9,11 @@ namespace zq {
 namespace {
 
 // Takes one character off the front of `text`: a code point, or a single byte that isn't valid UTF-8
-// (told apart from code points by a value above them all).
+// (told apart from code points by a value above them all). `text` isn't empty.
 std::uint32_t TakeCharacter(std::string_view& text) {
   constexpr std::uint32_t kInvalidByte = 0x110000;
   const Character character = FirstCharacter(text);
+  // cppcheck-suppress containerOutOfBounds
   const auto first = static_cast<unsigned char>(text.front());
   text.remove_prefix(character.sizeBytes);
   return character.isValid ? character.value : kInvalidByte + first;

@@ -58,8 +58,8 @@ class Zqwipe {
   DWORD Id() const { return id_; }
   HANDLE Handle() const { return process_; }
 
-  unsigned WaitExit() const {
-    if (::WaitForSingleObject(process_, static_cast<DWORD>(kPatience.count())) != WAIT_OBJECT_0) {
+  unsigned WaitExit(Limit limit = kPatience) const {
+    if (::WaitForSingleObject(process_, static_cast<DWORD>(limit.count())) != WAIT_OBJECT_0) {
       throw DriverError("zqwipe did not end");
     }
     DWORD code = 0;
@@ -263,6 +263,20 @@ TEST_F(ConsoleTest, TakesCtrlCForANo) {
   EXPECT_EQ(ReadFileBytes(path), "1234");
 }
 
+TEST_F(ConsoleTest, GivesTheConsoleItsCodePageBack) {
+  for (const char* keys : {"no\r", "yes\r"}) {
+    scratch_.Make("a.dat", "1234");
+    const Zqwipe zqwipe("a.dat", scratch_, Output::OnTheConsole);
+    const Attached console(zqwipe);
+    Await("the question",
+          [&] { return console.Text().find("Type yes to destroy them:") != std::string::npos; });
+    EXPECT_EQ(::GetConsoleOutputCP(), UINT{CP_UTF8});
+    console.Type(keys);
+    zqwipe.WaitExit();
+    EXPECT_NE(::GetConsoleOutputCP(), UINT{CP_UTF8}) << "what a new console has";
+  }
+}
+
 TEST_F(ConsoleTest, ShowsProgressOnAConsoleAlone) {
   scratch_.Make("big.dat", std::string(kLargeBytes, '\0'));
   {
@@ -272,7 +286,8 @@ TEST_F(ConsoleTest, ShowsProgressOnAConsoleAlone) {
       const std::string text = console.Text();
       return text.find("%  ") != std::string::npos && text.find("  big.dat") != std::string::npos;
     });
-    EXPECT_EQ(zqwipe.WaitExit(), 0u);
+    // Twenty-one passes over the file take as long as the disk has for them.
+    EXPECT_EQ(zqwipe.WaitExit(std::chrono::minutes(5)), 0u);
     EXPECT_THAT(console.Text(), Not(HasSubstr("%"))) << "the line is taken away at the end";
     EXPECT_THAT(console.Text(), HasSubstr("Wiped: 1 file (256.0 MiB). Kept: nothing."));
   }

@@ -60,7 +60,6 @@ TEST_F(Start, ShowsTheSplashForTwoSecondsAndThenTheMainWindow) {
   Clock::time_point notYet = Clock::now();
   const Program program(exe_);
   const Window splash = WaitSplash(program, notYet);
-  const Clock::time_point seen = Clock::now();
   EXPECT_EQ(splash.Text(), "");
   EXPECT_EQ(splash.Style() & (WS_CAPTION | WS_THICKFRAME), 0);
   const RECT window = splash.ScreenRect();
@@ -75,7 +74,6 @@ TEST_F(Start, ShowsTheSplashForTwoSecondsAndThenTheMainWindow) {
   const Clock::time_point mainSeen = Clock::now();
   // However late a loaded machine lets this test look, the splash came after `notYet`.
   EXPECT_GT(mainSeen - notYet, std::chrono::milliseconds(1700));
-  EXPECT_LT(mainSeen - seen, std::chrono::milliseconds(6000));
   splash.WaitGone();
   EXPECT_EQ(program.Windows().size(), 1u) << program.Describe();
   TakePicture(main.window, "start-main");

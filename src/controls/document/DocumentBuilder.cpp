@@ -176,7 +176,7 @@ DocumentBuilder::CellInWork& DocumentBuilder::CellAt(int row, int column) {
   return table_.cells[static_cast<std::size_t>((row - 1) * table_.columns + column - 1)];
 }
 
-void DocumentBuilder::SetTableCell(TableSetting setting, int row, int column, TableValue value) {
+void DocumentBuilder::SetTableCell(TableSetting setting, int row, int column, const TableValue& value) {
   if (!inTable_) throw RunTimeError(ErrorNumber::InvalidProcedureCall);
   switch (setting) {
     case TableSetting::Rows:

@@ -74,12 +74,12 @@ class DocumentBuilder {
   void SetTableBorder(std::int32_t border);
   // Rows and columns count from 1; 0 where the setting has no such index. Raises TypeMismatch for a value of
   // another kind than the setting's, SubscriptOutOfRange for a cell that isn't there.
-  void TableCell(TableSetting setting, TableValue value) { SetTableCell(setting, 0, 0, std::move(value)); }
-  void TableCell(TableSetting setting, int column, TableValue value) {
-    SetTableCell(setting, 0, column, std::move(value));
+  void TableCell(TableSetting setting, const TableValue& value) { SetTableCell(setting, 0, 0, value); }
+  void TableCell(TableSetting setting, int column, const TableValue& value) {
+    SetTableCell(setting, 0, column, value);
   }
-  void TableCell(TableSetting setting, int row, int column, TableValue value) {
-    SetTableCell(setting, row, column, std::move(value));
+  void TableCell(TableSetting setting, int row, int column, const TableValue& value) {
+    SetTableCell(setting, row, column, value);
   }
 
   const Document& Content() const { return document_; }
@@ -103,7 +103,7 @@ class DocumentBuilder {
     std::vector<CellInWork> cells;
   };
 
-  void SetTableCell(TableSetting setting, int row, int column, TableValue value);
+  void SetTableCell(TableSetting setting, int row, int column, const TableValue& value);
   CellInWork& CellAt(int row, int column);
   void ResizeTable(int rows, int columns);
   void UseStyle(const TextStyle& style);

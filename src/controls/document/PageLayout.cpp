@@ -22,9 +22,8 @@ FontChoice FontOf(const Document& document, const TextStyle& style) {
 class LayoutInWork {
  public:
   LayoutInWork(const Document& document, const PageSetup& setup, TextMeasure& measure)
-      : document_(document), measure_(measure) {
+      : document_(document), measure_(measure), top_(setup.top) {
     layout_.setup = setup;
-    top_ = setup.top;
     layout_.pages.emplace_back();
   }
 
@@ -220,7 +219,7 @@ std::vector<HeaderText> LayOutHeader(const Document& document, const PageSetup& 
     widthOf(left);
     std::size_t end = left.size();
     while (end > 0 && setup.left + edges[end - 1] + ellipsisWidth > limit) end = PreviousCharacter(left, end);
-    left = left.substr(0, end) + kEllipsis;
+    left.replace(end, std::string::npos, kEllipsis);
   }
 
   std::vector<HeaderText> texts;

@@ -26,7 +26,7 @@ std::string TextOf(const std::exception_ptr& exception) {
 
 }  // namespace
 
-void ReportAndEnd(std::exception_ptr exception) {
+void ReportAndEnd(const std::exception_ptr& exception) {
   const std::string text = TextOf(exception);
   // Task-modal, so that no window of ours takes a command while the report is up.
   ::MessageBoxA(nullptr, text.c_str(), "Zeroquill", MB_ICONERROR | MB_OK | MB_TASKMODAL | MB_SETFOREGROUND);

@@ -17,13 +17,9 @@ std::string LocaleText(LCTYPE type) {
 }  // namespace
 
 std::string Win32Regional::UpperCase(std::string_view text) {
-  const int length = static_cast<int>(text.size());
-  if (length == 0) return {};
   // A text that isn't valid UTF-8 can't name a file here; it stays as it is.
-  const int wideLength =
-      ::MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, text.data(), length, nullptr, 0);
-  if (wideLength == 0) return std::string(text);
-  std::wstring wide = ToWide(text);
+  const std::wstring wide = ToWideIfValid(text);
+  if (wide.empty()) return std::string(text);
   std::wstring upper(wide.size(), L'\0');
   const int upperLength =
       ::LCMapStringEx(LOCALE_NAME_USER_DEFAULT, LCMAP_UPPERCASE, wide.data(), static_cast<int>(wide.size()),
