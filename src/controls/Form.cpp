@@ -24,7 +24,7 @@ std::vector<Form*>& OpenForms() {
 }
 
 // Dialogs stand in the middle of their owner, kept on its monitor; of the monitor, where the owner isn't
-// to be seen.
+// to be seen. One that the user can size is no larger than the monitor's work area.
 void CentreOver(HWND window, HWND owner) {
   RECT ownerRect{};
   RECT rect{};
@@ -34,14 +34,20 @@ void CentreOver(HWND window, HWND owner) {
   monitor.cbSize = sizeof monitor;
   ::GetMonitorInfoA(::MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
   if (::IsIconic(owner) || !::IsWindowVisible(owner)) ownerRect = monitor.rcWork;
-  const LONG width = rect.right - rect.left;
-  const LONG height = rect.bottom - rect.top;
   const RECT& work = monitor.rcWork;
+  LONG width = rect.right - rect.left;
+  LONG height = rect.bottom - rect.top;
+  UINT keepSize = SWP_NOSIZE;
+  if ((::GetWindowLongA(window, GWL_STYLE) & WS_THICKFRAME) != 0) {
+    width = std::min(width, work.right - work.left);
+    height = std::min(height, work.bottom - work.top);
+    keepSize = 0;
+  }
   const LONG left = (ownerRect.left + ownerRect.right - width) / 2;
   const LONG top = (ownerRect.top + ownerRect.bottom - height) / 2;
   ::SetWindowPos(window, nullptr, std::max(work.left, std::min(left, work.right - width)),
-                 std::max(work.top, std::min(top, work.bottom - height)), 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+                 std::max(work.top, std::min(top, work.bottom - height)), width, height,
+                 keepSize | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 class DepthGuard {

@@ -55,6 +55,17 @@ void SetTextIfOther(HWND window, const std::wstring& text) {
   if (text != before) ::SetWindowTextW(window, text.c_str());
 }
 
+// The height of a line in the font, in pixels.
+int LineHeight(HWND window, HFONT font) {
+  const HDC dc = ::GetDC(window);
+  const HGDIOBJ before = ::SelectObject(dc, font);
+  TEXTMETRICW metrics{};
+  ::GetTextMetricsW(dc, &metrics);
+  ::SelectObject(dc, before);
+  ::ReleaseDC(window, dc);
+  return static_cast<int>(metrics.tmHeight);
+}
+
 }  // namespace
 
 HWND PreviewBar::Add(PreviewBarId id, const wchar_t* windowClass, const wchar_t* caption, DWORD style,
@@ -124,13 +135,17 @@ int PreviewBar::Arrange() {
   icons_ = std::move(icons);  // the ones before are in use until here
 
   const int height = ScaleForDpi(kBarHeight, dpi);
+  // A box of one line puts its text at its top, so that it is only as high as the text needs.
+  const int editHeight = LineHeight(parent_, font_) +
+                         2 * ::GetSystemMetricsForDpi(SM_CYEDGE, static_cast<UINT>(dpi)) +
+                         ScaleForDpi(3, dpi);
   int left = 0;
   for (const BarItem& item : kItems) {
     left += ScaleForDpi(item.gap, dpi);
     int itemHeight = kItemHeight;
     if (IsLabel(item.id)) itemHeight = kTextHeight;
-    if (IsEdit(item.id)) itemHeight = kItemHeight - 4;
     itemHeight = ScaleForDpi(itemHeight, dpi);
+    if (IsEdit(item.id)) itemHeight = editHeight;
     const int width = ScaleForDpi(item.width, dpi);
     ::SetWindowPos(Item(item.id), nullptr, left, (height - itemHeight) / 2, width, itemHeight,
                    SWP_NOZORDER | SWP_NOACTIVATE);

@@ -3,6 +3,7 @@
 #include "controls/ToolStates.h"
 #include "core/state/AppState.h"
 #include "jobs/JobList.h"
+#include "jobs/ToolNames.h"
 #include "platform/NumberFormat.h"
 #include "platform/RunTimeError.h"
 
@@ -28,7 +29,7 @@ void UpdateCommandState(const AppState& state, const JobList& jobList, ToolState
   jobList.BringViewUpToDate();
   tools.SetEnabled("mnuFileDelete", !state.CurrentJobName.empty());
   for (std::string_view tool : kToolsForRows) tools.SetEnabled(tool, jobList.Count() > 0);
-  tools.SetPanelText("Static3", ItemCountText(jobList.Count(), regional));
+  tools.SetPanelText(kItemCountPanel, ItemCountText(jobList.Count(), regional));
   UpdateActionsMenu(jobList, tools);
 }
 

@@ -10,6 +10,7 @@
 #include "jobs/JobList.h"
 #include "jobs/JobName.h"
 #include "jobs/JobRow.h"
+#include "jobs/ToolNames.h"
 #include "jobs/mdlSize.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
@@ -145,7 +146,7 @@ void JobFile::AddFileRow(const std::string& path) {
 }
 
 void JobFile::ShowName() {
-  tools_.SetPanelText("Static2", "Job: " + state_.CurrentJobName);
+  tools_.SetPanelText(kJobPanel, "Job: " + state_.CurrentJobName);
 }
 
 }  // namespace zq

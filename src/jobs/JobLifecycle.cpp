@@ -8,6 +8,7 @@
 #include "jobs/CommandState.h"
 #include "jobs/JobList.h"
 #include "jobs/JobName.h"
+#include "jobs/ToolNames.h"
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Platform.h"
@@ -81,8 +82,8 @@ void JobLifecycle::DropJob() {
   state_.CurrentJobName = "";
   state_.JobSaved = true;
   state_.LastWiping = "N/A";
-  tools_.SetPanelText("Static2", "");
-  tools_.SetPanelText("Static3", "");
+  tools_.SetPanelText(kJobPanel, "");
+  tools_.SetPanelText(kItemCountPanel, "");
   jobList_.Clear();
   UpdateTools();
 }

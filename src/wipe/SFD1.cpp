@@ -6,7 +6,8 @@
 
 namespace zq {
 
-SFD1::SFD1(WipeEvents& events) : events_(events), engine_(*device_, seeds_, clock_, *this, &Like) {
+SFD1::SFD1(WipeEvents& events, std::unique_ptr<engine::Device> device)
+    : events_(events), device_(std::move(device)), engine_(*device_, seeds_, clock_, *this, &Like) {
 }
 
 bool SFD1::WipeFile(const std::string& path, std::int32_t level) {

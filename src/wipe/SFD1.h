@@ -16,7 +16,8 @@ namespace zq {
 // Each instance has its own engine; they share no state.
 class SFD1 final : public SecureFileDeleteWizard, public WholeWipes, private engine::EngineEvents {
  public:
-  explicit SFD1(WipeEvents& events);
+  // `device`: what it destroys on; tests give one in memory.
+  explicit SFD1(WipeEvents& events, std::unique_ptr<engine::Device> device = engine::MakeSystemDevice());
 
   // A failure that a handler raises stops the engine and is raised again from the member.
   bool WipeFile(const std::string& path, std::int32_t level) override;
@@ -42,7 +43,7 @@ class SFD1 final : public SecureFileDeleteWizard, public WholeWipes, private eng
   bool Finish(bool result);
 
   WipeEvents& events_;
-  std::unique_ptr<engine::Device> device_ = engine::MakeSystemDevice();
+  std::unique_ptr<engine::Device> device_;
   engine::SystemSeed seeds_;
   engine::SteadyClock clock_;
   engine::SecureDelete engine_;

@@ -52,6 +52,28 @@ TEST_F(VSPrinterTest, OpensAtHundredPerCentOnTheFirstPage) {
   Take("report-100");
 }
 
+// Text of one row stands on one line, by the middle of what holds it.
+TEST_F(VSPrinterTest, BoxesOfTheBarAreAsHighAsTheirText) {
+  VSPrinter& printer = Show(Example());
+  for (const PreviewBarId id : {kBarPage, kBarFind}) {
+    const HWND box = printer.Bar().Item(id);
+    RECT text{};
+    RECT client{};
+    ::SendMessageW(box, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&text));
+    ::GetClientRect(box, &client);
+    const HDC dc = ::GetDC(box);
+    const HGDIOBJ before = ::SelectObject(dc, reinterpret_cast<HFONT>(::SendMessageW(box, WM_GETFONT, 0, 0)));
+    TEXTMETRICW metrics{};
+    ::GetTextMetricsW(dc, &metrics);
+    ::SelectObject(dc, before);
+    ::ReleaseDC(box, dc);
+    const LONG above = text.top;
+    const LONG below = client.bottom - text.top - metrics.tmHeight;
+    EXPECT_GE(below, 0) << id << ": the text is cut off";
+    EXPECT_LE(below - above, 4) << id << ": the text stands too high";
+  }
+}
+
 TEST_F(VSPrinterTest, ButtonsGoThroughThePages) {
   VSPrinter& printer = Show(Long(400));
   const std::string count = printer.Bar().Text(kBarPageCount);

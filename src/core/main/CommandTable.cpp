@@ -3,6 +3,7 @@
 #include <span>
 
 #include "core/main/Commands.h"
+#include "jobs/ToolNames.h"
 
 namespace zq {
 namespace {
@@ -77,14 +78,14 @@ struct MenuCommands {
 
 constexpr MenuCommands kMenus[] = {
     {"mnuFile",    "&File",    kFileCommands},
-    {"mnuActions", "&Actions", kActionsCommands},
+    {kActionsMenu, "&Actions", kActionsCommands},
     {"mnuHelp",    "&Help",    kHelpCommands},
 };
 
 constexpr Panel kPanels[] = {
-    {"Static1", "Press F1 for Help", 150},
-    {"Static2", "",                  0},
-    {"Static3", "0 Items",           130},
+    {"Static1",       "Press F1 for Help", 150},
+    {kJobPanel,       "",                  0},
+    {kItemCountPanel, "0 Items",           130},
 };
 // clang-format on
 

@@ -9,6 +9,7 @@
 #include "jobs/CommandState.h"
 #include "jobs/JobLifecycle.h"
 #include "jobs/JobList.h"
+#include "jobs/ToolNames.h"
 #include "platform/MessageBoxes.h"
 #include "platform/Platform.h"
 #include "platform/RunTimeError.h"
@@ -32,7 +33,7 @@ void Commands::Run(std::string_view toolName) {
 }
 
 void Commands::MenuOpening(std::string_view menuName) {
-  if (menuName == "mnuActions") UpdateActionsMenu(parts_.jobList, parts_.tools);
+  if (menuName == kActionsMenu) UpdateActionsMenu(parts_.jobList, parts_.tools);
 }
 
 void Commands::ListDoubleClicked() {

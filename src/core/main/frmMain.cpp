@@ -11,6 +11,7 @@
 #include "core/main/Placement.h"
 #include "core/main/StartUp.h"
 #include "core/state/Settings.h"
+#include "jobs/ToolNames.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
 #include "platform/Twips.h"
@@ -259,7 +260,7 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
       return std::nullopt;
     case WM_CONTEXTMENU:
       if (reinterpret_cast<HWND>(wParam) != ListView1.Handle()) return std::nullopt;
-      DockStudio1.PopupMenu("mnuActions", lParam == -1 ? ListView1.MenuPlace()
+      DockStudio1.PopupMenu(kActionsMenu, lParam == -1 ? ListView1.MenuPlace()
                                                        : POINT{GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
       return 0;
     case WM_QUERYENDSESSION:

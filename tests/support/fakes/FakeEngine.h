@@ -61,4 +61,15 @@ class FakeEngine final : public SecureFileDeleteWizard {
   std::string lastErrorText_;
 };
 
+// Records where a whole begins and ends.
+class FakeWholeWipes final : public WholeWipes {
+ public:
+  explicit FakeWholeWipes(EventLog& log) : log_(log) {}
+  void BeginWhole() override { log_.push_back("BeginWhole"); }
+  void EndWhole() noexcept override { log_.push_back("EndWhole"); }
+
+ private:
+  EventLog& log_;
+};
+
 }  // namespace zq::test
