@@ -4,7 +4,10 @@
 #include <winioctl.h>
 #include <winternl.h>
 
+#include <cstddef>
 #include <cstring>
+#include <string_view>
+#include <vector>
 
 #include "engine/system_win32.h"
 
@@ -56,6 +59,24 @@ void ShowPlaceholders() {
   setMode(kExpose);
 }
 
+// Where GetFinalPathNameByHandle ends at MAX_PATH, as that of Wine 8 does, the object's name is the path by
+// its drive letter. On Windows it begins with a device, and is not taken: false.
+bool NameOfObject(HANDLE handle, std::wstring& path) {
+  constexpr auto kObjectName = static_cast<OBJECT_INFORMATION_CLASS>(1);  // ObjectNameInformation of the DDK
+  constexpr std::wstring_view kDosDevices = L"\\??\\";
+  std::vector<std::byte> buffer(sizeof(UNICODE_STRING) + 0x10000);
+  ULONG size = 0;
+  if (::NtQueryObject(handle, kObjectName, buffer.data(), static_cast<ULONG>(buffer.size()), &size) < 0) {
+    return false;
+  }
+  const auto* const name = reinterpret_cast<const UNICODE_STRING*>(buffer.data());
+  const std::wstring_view text(name->Buffer, name->Length / sizeof(wchar_t));
+  if (!text.starts_with(kDosDevices)) return false;
+  path = L"\\\\?\\";
+  path += text.substr(kDosDevices.size());
+  return true;
+}
+
 class SystemCalls final : public WindowsCalls {
  public:
   SystemCalls() { ShowPlaceholders(); }
@@ -82,7 +103,10 @@ class SystemCalls final : public WindowsCalls {
     for (;;) {
       const DWORD length =
           ::GetFinalPathNameByHandleW(handle, path.data(), static_cast<DWORD>(path.size()), form);
-      if (length == 0) return ::GetLastError();
+      if (length == 0) {
+        const Code code = ::GetLastError();
+        return form == VOLUME_NAME_DOS && NameOfObject(handle, path) ? kSuccess : code;
+      }
       const bool fits = length < path.size();
       path.resize(length);
       if (fits) return kSuccess;
