@@ -20,7 +20,8 @@ std::string Without(std::string text, char c) {
   return text;
 }
 
-void CheckLayout(const Document& document, const PageSetup& setup) {
+// A row of a table that is higher than the page is cut at its foot: `rowsFit` if none can be.
+void CheckLayout(const Document& document, const PageSetup& setup, bool rowsFit) {
   FakeMeasure measure;
   const PageLayout layout = LayOut(document, setup, measure);
   Require(!layout.pages.empty());
@@ -39,7 +40,8 @@ void CheckLayout(const Document& document, const PageSetup& setup) {
     }
   }
   Require(nextLine == layout.lines.size());
-  Require(text == Without(document.text, '\n'));
+  const std::string whole = Without(document.text, '\n');
+  Require(rowsFit ? text == whole : text.size() <= whole.size());
   for (int page = 1; page <= 3; ++page) LayOutHeader(document, setup, page, measure);
 }
 
@@ -56,8 +58,10 @@ void CheckReport(std::string_view bytes, std::int16_t fontSize) {
   DocumentBuilder VS1;
   BuildReportDocument(VS1, report, fontSize, "C:\\", logo);
   const Document& document = VS1.Content();
-  CheckLayout(document, SetupFor(12240, 15840));
-  CheckLayout(document, SetupFor(static_cast<Twips>(bytes.size()) * 31, 5000));
+  const auto size = static_cast<Twips>(bytes.size());
+  CheckLayout(document, SetupFor(12240, 15840), true);
+  CheckLayout(document, SetupFor(6000 + size % 500 * 12, 31680), true);
+  CheckLayout(document, SetupFor(size * 31, 5000), false);
   // The logo stands in a paragraph of its own, in front of all.
   Require(Without(RtfText(ToRtf(document, SetupFor(12240, 15840))).Text(), '\t') == '\n' + document.text);
   const auto found =
