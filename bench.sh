@@ -57,8 +57,8 @@ make_work() {
 
 run_engine() { "$engine" folder "$dir/work" 3 --quiet; }
 run_each() { "$engine" each "$dir/work" 3 --quiet; }
-run_by_path() { "$zqwipe" --yes --quiet "$dir/work/folder0/"*; }
-run_within() { (cd -- "$dir/work/folder0" && "$zqwipe" --yes --quiet -- *); }
+run_by_path() { local work=$dir/work; "$zqwipe" --yes --quiet "$work/folder0/"*; }
+run_within() { local work=$dir/work; (cd -- "$work/folder0" && "$zqwipe" --yes --quiet -- *); }
 run_plain() { "$engine" folder "$dir/work" 3 --quiet --one-at-a-time; }
 run_shred() { find "$dir/work" -type f -exec shred -n 9 -u {} +; }
 # As many passes as ours, nine, for wipe and scrub. srm knows 38 passes, two, and this: a single one.
