@@ -111,7 +111,7 @@ std::string WhyNotBehind(WindowsCalls& calls, SystemHandle handle, Volume& volum
       return Coded("whether it is compressed can't be found out", code);
     }
   }
-  if (volume.HasExtendedAttributes() && !volume.isTrusted) {
+  if (volume.HasExtendedAttributes()) {
     std::uint32_t size = 0;
     const Code code = calls.ExtendedAttributes(handle, size);
     if (code != kSuccess && !IsUnknownToSystem(code)) {

@@ -199,6 +199,9 @@ TEST(WindowsOpening, AsksForExtendedAttributesInsteadOfGuessing) {
   OpeningRig other;
   other.calls.extendedAttributeBytes = 60;
   EXPECT_THAT(other.Open().text, HasSubstr("extended attributes"));
+  // Insisting is for what isn't known, and what is in them is known to stay.
+  other.volume.isTrusted = true;
+  EXPECT_THAT(other.Open().text, HasSubstr("extended attributes"));
   other.ExpectUntouched();
 }
 
