@@ -120,12 +120,11 @@ TEST_F(Jobs, TypedCharactersOfThreeBytesAreStoredWhole) {
   scratch_.Make("papers\\a.txt", "a");
   const std::string folder = scratch_ / "papers";
   const Program program(exe_, "\"" + folder + "\"");
-  const MainWindow main(program);
-
   const Window adding = program.WaitWindow("Add Folder");
   TypeInto(adding, adding.ChildOfClass("Edit"), "*.ไ€");
   adding.Child("OK").Press();
   adding.WaitGone();
+  const MainWindow main(program);
   main.list.WaitRows(1);
   EXPECT_THAT(main.list.Row(0), ElementsAre(folder, "N/A", "*.ไ€", "No"));
 

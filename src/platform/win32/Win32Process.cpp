@@ -41,6 +41,17 @@ std::string Win32Process::CommandLine() {
   return FromWide(text.substr(first, text.find_last_not_of(L" \t") - first + 1));
 }
 
+// Windows takes a program that hasn't looked for five seconds for a dead one. What other threads send is
+// answered meanwhile; what is in the queue, such as keys and clicks, waits for the next pump.
+void Win32Process::LookAtMessages() {
+  constexpr ULONGLONG kMilliseconds = 250;
+  const ULONGLONG now = ::GetTickCount64();
+  if (lastLook_ != 0 && now - lastLook_ < kMilliseconds) return;
+  lastLook_ = now;
+  MSG message{};
+  ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
+}
+
 void Win32Process::End() {
   ::ExitProcess(0);
 }
