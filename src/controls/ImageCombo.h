@@ -21,12 +21,30 @@ class ImageCombo : public Control {
   void Add(const std::string& text, int image);
   int Count() const { return static_cast<int>(::SendMessageW(Handle(), CB_GETCOUNT, 0, 0)); }
 
+  // Makes the list that drops down as high as its items, up to a dozen of them.
+  void FitList();
+
   // Raises ElementNotFound if there is no such item.
   void Select(int item);
   int Selected() const { return static_cast<int>(::SendMessageW(Handle(), CB_GETCURSEL, 0, 0)) + 1; }
 
   // Raises ElementNotFound if there is no such item.
   std::string ItemText(int item) const;
+
+ protected:
+  // The system's control draws its items itself, so that typing doesn't find them: we do that.
+  void Attached() override;
+
+ private:
+  static LRESULT CALLBACK SubclassProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
+                                            UINT_PTR id, DWORD_PTR self);
+  // The system's combo box inside.
+  HWND DropDown() const {
+    return reinterpret_cast<HWND>(::SendMessageW(Handle(), CBEM_GETCOMBOCONTROL, 0, 0));
+  }
+  // Selects the next item, once round, whose text begins with the letter in whatever case.
+  void SelectByLetter(wchar_t letter);
+  std::wstring WideText(int item) const;
 };
 
 }  // namespace zq

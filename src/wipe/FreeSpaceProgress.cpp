@@ -25,8 +25,8 @@ FreeSpaceUpdate ComputeFreeSpaceProgress(std::int32_t percent, std::int32_t kbDo
     return update;
   }
   if (kbDone != 0) {
-    update.status = "Wiped " + FormatGrouped(kbDone, regional) + " KB of " +
-                    FormatGrouped(kbTotal, regional) + " KB...";
+    update.status =
+        "Wiped " + FormatGrouped(kbDone, regional) + " KB of " + FormatGrouped(kbTotal, regional) + " KB...";
   }
   update.current = percent;
   update.caption = Caption(percent, drive);

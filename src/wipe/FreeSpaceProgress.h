@@ -30,8 +30,8 @@ struct FreeSpaceUpdate {
   bool operator==(const FreeSpaceUpdate&) const = default;
 };
 
-// `percent` comes whole from the engine. Above 100 it isn't a share: the free space has grown during the wipe,
-// and the engine takes the new space in.
+// `percent` comes whole from the engine. Above 100 it isn't a share: the free space has grown during the
+// wipe, and the engine takes the new space in.
 FreeSpaceUpdate ComputeFreeSpaceProgress(std::int32_t percent, std::int32_t kbDone, std::int32_t kbTotal,
                                          const std::string& drive, Regional& regional);
 

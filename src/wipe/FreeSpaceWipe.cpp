@@ -56,11 +56,11 @@ Message FreeSpaceWipe::Outcome() const {
                     "Error Details: " + state_.FreeSpaceError,
             .title = "Error"};
   }
-  return {.text = "Drive " + drive + " has been successfully wiped." + kTwoLineBreaks + "Details:" +
-                  kTwoLineBreaks + "Wipe Started:  " + WipeStartedAt + kLineBreak + "Wipe Ended:  " +
-                  WipeEndedAt + kLineBreak + "Security Level:  " + std::to_string(state_.FreeSpacePasses) +
-                  kLineBreak + "Free Space Wiped:  " +
-                  FormatGrouped(FreeSpaceWipedKB, platform_.regional) + " KB",
+  return {.text = "Drive " + drive + " has been successfully wiped." + kTwoLineBreaks +
+                  "Details:" + kTwoLineBreaks + "Wipe Started:  " + WipeStartedAt + kLineBreak +
+                  "Wipe Ended:  " + WipeEndedAt + kLineBreak +
+                  "Security Level:  " + std::to_string(state_.FreeSpacePasses) + kLineBreak +
+                  "Free Space Wiped:  " + FormatGrouped(FreeSpaceWipedKB, platform_.regional) + " KB",
           .title = "Free Space Wipe Complete"};
 }
 

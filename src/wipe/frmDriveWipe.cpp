@@ -37,6 +37,7 @@ std::vector<std::string> frmDriveWipe::GetDriveNames() {
 void frmDriveWipe::FillDriveList() {
   const DriveList list = ListDrives(GetDriveNames(), drives_, platform_.regional);
   for (const DriveItem& item : list.items) ICDrives.Add(item.text, item.image);
+  ICDrives.FitList();
   ICDrives.Select(list.preselection);
 }
 

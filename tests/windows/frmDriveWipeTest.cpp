@@ -1,5 +1,3 @@
-#include "wipe/frmDriveWipe.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -13,6 +11,7 @@
 #include "support/driver/Driver.h"
 #include "support/fakes/FakeDrives.h"
 #include "wipe/DriveList.h"
+#include "wipe/frmDriveWipe.h"
 
 namespace zq::test {
 namespace {
@@ -86,17 +85,16 @@ TEST_F(frmDriveWipeTest, OpensWithItsTexts) {
 }
 
 TEST_F(frmDriveWipeTest, OffersTheDrivesWithTheirPictures) {
-  drives_.types = {{"A:\\", kDriveRemovable}, {"C:\\", kDriveFixed},  {"D:\\", kDriveCdRom},
-                   {"E:\\", kDriveUnknown},   {"F:\\", kDriveRemote}, {"G:\\", kDriveUnknown},
+  drives_.types = {{"A:\\", kDriveRemovable}, {"C:\\", kDriveFixed},    {"D:\\", kDriveCdRom},
+                   {"E:\\", kDriveUnknown},   {"F:\\", kDriveRemote},   {"G:\\", kDriveUnknown},
                    {"H:\\", kDriveRamDisk},   {"I:\\", kDriveRemovable}};
-  EXPECT_THAT(Offered(),
-              ElementsAre("A:\\ - Floppy Drive", "C:\\ - Hard Drive", "F:\\ - Remote Drive",
-                          "G:\\ - Remote Drive", "I:\\ - Removable Drive"));
+  EXPECT_THAT(Offered(), ElementsAre("A:\\ - Floppy Drive", "C:\\ - Hard Drive", "F:\\ - Remote Drive",
+                                     "G:\\ - Remote Drive", "I:\\ - Removable Drive"));
   const int images[] = {kFloppyDriveImage, kHardDriveImage, kRemoteDriveImage, kRemoteDriveImage,
                         kRemovableDriveImage};
   for (int item = 1; item <= 5; ++item) EXPECT_EQ(ImageOf(item), images[item - 1]) << item;
-  const auto list = reinterpret_cast<HIMAGELIST>(
-      ::SendMessageW(Open().ICDrives.Handle(), CBEM_GETIMAGELIST, 0, 0));
+  const auto list =
+      reinterpret_cast<HIMAGELIST>(::SendMessageW(Open().ICDrives.Handle(), CBEM_GETIMAGELIST, 0, 0));
   EXPECT_EQ(::ImageList_GetImageCount(list), 4);
   EXPECT_EQ(Open().ICDrives.Selected(), 2) << "drive C";
 }
@@ -207,8 +205,11 @@ TEST_F(frmDriveWipeTest, LettersChooseTheirDrive) {
 }
 
 TEST_F(frmDriveWipeTest, DropDownShowsAllItems) {
-  drives_.types = {{"A:\\", kDriveRemovable}, {"C:\\", kDriveFixed},     {"D:\\", kDriveRemote},
-                   {"E:\\", kDriveRemovable}, {"F:\\", kDriveUnknown}};
+  drives_.types = {{"A:\\", kDriveRemovable},
+                   {"C:\\", kDriveFixed},
+                   {"D:\\", kDriveRemote},
+                   {"E:\\", kDriveRemovable},
+                   {"F:\\", kDriveUnknown}};
   Open().Show();
   ::SendMessageW(Open().ICDrives.Handle(), CB_SHOWDROPDOWN, TRUE, 0);
   PumpMessages();
@@ -220,6 +221,9 @@ TEST_F(frmDriveWipeTest, DropDownShowsAllItems) {
   ::GetClientRect(info.hwndList, &list);
   const auto height = ::SendMessageW(info.hwndList, LB_GETITEMHEIGHT, 0, 0);
   EXPECT_GE(list.bottom, height * 5);
+  EXPECT_LT(list.bottom, height * 6);
+  const RECT place = Window(Open().ICDrives.Handle()).ScreenRect();
+  EXPECT_LT(place.bottom - place.top, height * 2) << "closed it is one line high";
   TakePicture(Window(Open().Handle()), "frmDriveWipe-open");
 }
 

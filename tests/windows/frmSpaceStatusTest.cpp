@@ -1,15 +1,15 @@
-#include "wipe/frmSpaceStatus.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Driving.h"
 #include "FakePlatform.h"
 #include "jobs/JobList.h"
+#include "support/driver/Driver.h"
 #include "support/fakes/FakeEngine.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/WipeHandlers.h"
+#include "wipe/frmSpaceStatus.h"
 
 namespace zq::test {
 namespace {
@@ -80,6 +80,7 @@ TEST_F(frmSpaceStatusTest, ShowsTheProgress) {
             "Please wait...103%...");
   EXPECT_EQ(Open().pbCurrent.Value(), 100);
   EXPECT_EQ(CaptionOf(Open()), "100% - Wipe Drive Free Space (D:\\)");
+  TakePicture(Window(Open().Handle()), "frmSpaceStatus-growth");
 }
 
 TEST_F(frmSpaceStatusTest, CancelButtonAsksAndOnNoTheWipeGoesOn) {

@@ -1,10 +1,9 @@
-#include "wipe/DriveList.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "support/fakes/FakeDrives.h"
 #include "support/fakes/FakeRegional.h"
+#include "wipe/DriveList.h"
 
 namespace zq {
 namespace {

@@ -1,10 +1,9 @@
-#include "wipe/FreeSpaceProgress.h"
-
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "support/fakes/FakeRegional.h"
+#include "wipe/FreeSpaceProgress.h"
 
 namespace zq {
 namespace {
@@ -26,9 +25,9 @@ TEST_F(FreeSpaceProgressTest, TellsTheAmountTheShareAndTheDrive) {
 }
 
 TEST_F(FreeSpaceProgressTest, LeavesTheLabelWhileNothingIsDone) {
-  EXPECT_EQ(Compute(0, 0, 2939445), (FreeSpaceUpdate{.status = std::nullopt,
-                                                     .current = 0,
-                                                     .caption = "0% - Wipe Drive Free Space (C:\\)"}));
+  EXPECT_EQ(Compute(0, 0, 2939445),
+            (FreeSpaceUpdate{
+                .status = std::nullopt, .current = 0, .caption = "0% - Wipe Drive Free Space (C:\\)"}));
   EXPECT_FALSE(Compute(7, 0, 10).status);
 }
 

@@ -1,5 +1,3 @@
-#include "wipe/FreeSpaceWipe.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,6 +14,7 @@
 #include "support/fakes/FakeRegional.h"
 #include "support/fakes/FakeRegistry.h"
 #include "support/fakes/FakeWindows.h"
+#include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
 #include "wipe/WipeHandlers.h"
 
@@ -108,14 +107,13 @@ TEST_F(FreeSpaceWipeTest, RunsStepAfterStepAndTellsTheSuccess) {
     regional.now = "11/22/2026 4:05:06 AM";
   });
   Run();
-  EXPECT_THAT(log,
-              ElementsAre("box Wipe Operation", "main: hide", "space: show", "WipeFreeSpace D:\\ 5",
-                          "space: text Wiped 617,283 KB of 1,234,567 KB...", "space: current 50",
-                          "space: caption 50% - Wipe Drive Free Space (D:\\)", "pump", "space: unload",
-                          "main: show", "box Free Space Wipe Complete"));
+  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "main: hide", "space: show", "WipeFreeSpace D:\\ 5",
+                               "space: text Wiped 617,283 KB of 1,234,567 KB...", "space: current 50",
+                               "space: caption 50% - Wipe Drive Free Space (D:\\)", "pump", "space: unload",
+                               "main: show", "box Free Space Wipe Complete"));
   EXPECT_THAT(boxes.shown,
-              ElementsAre(kConfirmation, CompleteBox("11/22/2026 1:02:03 AM", "11/22/2026 4:05:06 AM", "5",
-                                                     "1,234,567")));
+              ElementsAre(kConfirmation,
+                          CompleteBox("11/22/2026 1:02:03 AM", "11/22/2026 4:05:06 AM", "5", "1,234,567")));
   EXPECT_TRUE(state.FreeSpaceActive) << "until the next job wipe";
   EXPECT_EQ(state.Settings.Passes, 3) << "the level is this operation's alone";
 }
@@ -123,10 +121,11 @@ TEST_F(FreeSpaceWipeTest, RunsStepAfterStepAndTellsTheSuccess) {
 TEST_F(FreeSpaceWipeTest, GrowthOfTheFreeSpaceIsShownAsAFullBar) {
   Work([](WipeEvents& events) { events.SFD1_FreeSpaceProgress("x", 117, 5, 20); });
   Run();
-  EXPECT_THAT(std::vector<std::string>(log.begin() + 4, log.begin() + 8),
-              ElementsAre("space: text Drive contents changed.  Now including any additional free space in "
-                          "the wipe operation.  Please wait...117%...",
-                          "space: current 100", "space: caption 100% - Wipe Drive Free Space (D:\\)", "pump"));
+  EXPECT_THAT(
+      std::vector<std::string>(log.begin() + 4, log.begin() + 8),
+      ElementsAre("space: text Drive contents changed.  Now including any additional free space in "
+                  "the wipe operation.  Please wait...117%...",
+                  "space: current 100", "space: caption 100% - Wipe Drive Free Space (D:\\)", "pump"));
   EXPECT_EQ(boxes.shown[1], CompleteBox(regional.now, regional.now, "5", "20"));
 }
 
