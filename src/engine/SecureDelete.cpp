@@ -209,7 +209,7 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
 }
 
 bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
-                             std::int32_t level) noexcept {
+                             std::int32_t level, const EntryId* meantFolder) noexcept {
   return Run(folderPath, level, [&](Operation& operation) {
     operation.flushesNamesLater = isWhole_;
     std::shared_ptr<Place> place;
@@ -217,6 +217,8 @@ bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const Name
     try {
       place = PlaceAt(folderPath);
       Require(place->folder->Identity(folder), "Opening", folderPath);
+      // A file can have a name in another folder, too, and that one wasn't named.
+      if (meantFolder != nullptr && folder != *meantFolder) ThrowNotMeant(folderPath);
     } catch (const Failure& failure) {
       for (const NamedFile& file : files) {
         operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);

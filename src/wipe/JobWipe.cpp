@@ -138,7 +138,8 @@ void JobWipe::CountRows() {
 void JobWipe::CountRow(const JobRow& row) {
   std::string path = row.NameAndLocation;
   if (HasSubFoldersText(row)) {
-    SearchFolder(platform_.files, path, "*", row.FolderMask, IncludesSubFolders(row), state_.TotalWipeItems);
+    SearchFolder(platform_.files, platform_.process, path, "*", row.FolderMask, IncludesSubFolders(row),
+                 state_.TotalWipeItems);
   } else {
     ++state_.TotalWipeItems;
     ClearAttributes(platform_.files, path);
@@ -256,11 +257,6 @@ void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal,
   statusWindow_.SetCaption(update.caption);
   // While a file is in work, a click on Cancel gets through here alone.
   platform_.process.PumpMessages();
-}
-
-void JobWipe::SFD1_WipeError(std::int32_t errorCode, const std::string& errorText) {
-  // A job wipe asks for the text when a member has failed; a free-space wipe has this event alone.
-  if (state_.FreeSpaceActive && errorCode != 0) state_.FreeSpaceError = errorText;
 }
 
 void JobWipe::SFD1_ItemWiped(const std::string& /*itemName*/) {

@@ -96,6 +96,15 @@ const Scene kScenes[] = {
      },
      [](EngineRig& rig) { return rig.engine.WipeFolder("/f/top", 3); },
      [](EngineRig& rig) { return rig.device.Find("/f")->children.empty(); }},
+    {"tree deeper than folders can be open",
+     [](EngineRig& rig) {
+       rig.device.renamesOpenFolders = true;
+       rig.device.openAtOnce = {4, 3, 4};
+       rig.device.MakeFile("/f/top/1/2/3/4/5/6/x", Secret(100));
+       rig.device.MakeFile("/f/top/1/x", Secret(100));
+     },
+     [](EngineRig& rig) { return rig.engine.WipeFolder("/f/top", 3); },
+     [](EngineRig& rig) { return rig.device.Find("/f")->children.empty(); }},
 };
 
 class EveryFault : public ::testing::TestWithParam<std::tuple<std::size_t, Fault>> {};
@@ -131,8 +140,10 @@ TEST_P(EveryFault, IsToldAndRemovesNothingUnfinished) {
       ++survived;
       EXPECT_TRUE(scene.done(rig)) << "success was told for an unfinished wipe";
       // Dates that can't be set are the one thing that keeps nothing from being wiped: content and name go
-      // all the same, and a file that stayed for its dates would tell more. The note has it.
-      if (fault == Fault::FailOnce) {
+      // all the same, and a file that stayed for its dates would tell more. The note has it. A folder that
+      // can't be opened from inside is by its name.
+      const bool hasOtherWay = rig.device.faultKind == "open above" || rig.device.faultKind == "identity";
+      if (fault == Fault::FailOnce && !hasOtherWay) {
         EXPECT_EQ(rig.device.faultKind, "set dates");
         EXPECT_THAT(rig.engine.Note(), HasSubstr("The dates of what was wiped"));
       }
