@@ -483,3 +483,21 @@ case_shared_blocks() {
   kept "$top/file" "$mnt/copy"
   gone "$top/other"
 }
+
+# After a write to what was shared xfs keeps room for the next ones near to it, and puts them there.
+kind_of[room_for_copies_on_write]=xfs
+case_room_for_copies_on_write() {
+  mkdir "$top"
+  put "$top/file" 1000000
+  put "$top/other"
+  cp --reflink=always -- "$top/file" "$mnt/copy"
+  sync -f "$mnt"
+  text 4096 | dd of="$top/file" bs=4096 seek=20 conv=notrunc status=none
+  sync -f "$mnt"
+  rm "$mnt/copy"
+  sync -f "$mnt"
+  wipe "$top"
+  gone "$top/other"
+  refused 'xfs has put it there, as it does after a copy by reflink'
+  lost "$top/file"
+}
