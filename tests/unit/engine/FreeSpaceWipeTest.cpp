@@ -18,7 +18,7 @@ constexpr std::uint64_t kMiB = 1 << 20;
 
 struct FreeSpaceRig : EngineRig {
   FreeSpaceRig() {
-    device.capacityBytes = 8 * kMiB;
+    device.capacityBytes = 4 * kMiB;
     device.MakeFile("/drive/mine", Secret(100'000));
   }
   void ExpectCleanedUp() {
@@ -286,7 +286,7 @@ TEST(FreeSpaceWipe, LeavesAloneWhatOnlyLooksLikeItsOwn) {
 TEST(FreeSpaceWipe, MovesAtLeastEachSecondWhileSmallFilesAreFilled) {
   FreeSpaceRig rig;
   rig.device.recordBytes = 700;
-  rig.device.recordSlots = 3'000;
+  rig.device.recordSlots = 1'000;
   rig.device.flushLatency = Clock::Time{2'000};
   rig.device.entryLatency = Clock::Time{1'000};
   EXPECT_TRUE(rig.engine.WipeFreeSpace("/drive", 3)) << rig.engine.LastErrorText();
@@ -384,7 +384,7 @@ TEST(FreeSpaceWipe, TellsEveryFaultAndRemovesItsFillersAllTheSame) {
   for (const Fault fault : {Fault::FailOnce, Fault::FailFromThenOn}) {
     for (std::size_t n = 1;; ++n) {
       FreeSpaceRig rig;
-      rig.device.capacityBytes = kMiB / 4;
+      rig.device.capacityBytes = kMiB / 8;
       rig.device.recordBytes = 700;
       rig.device.recordSlots = 2;
       rig.device.trims = true;
