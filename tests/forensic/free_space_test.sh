@@ -29,8 +29,8 @@ mount_image() {
 
 # sectors MARK: how often it stands in the image, in UTF-8 or as a name in UTF-16.
 sectors() {
-  local wide
-  wide=$(sed 's/./&\\x00/g' <<<"$1")
+  local wide='' i
+  for ((i = 0; i < ${#1}; i++)); do wide+="${1:i:1}\\x00"; done
   { LC_ALL=C grep -aoP -e "$1|$wide" -- "$work/image" || true; } | wc -l
 }
 
