@@ -1,5 +1,7 @@
 #include "engine/Device.h"
 
+#include "engine/Storage.h"
+
 namespace zq::engine {
 namespace {
 
@@ -29,6 +31,10 @@ class SerialQueue final : public TransferQueue {
 
 Status File::Identity(FileId&) {
   return Status::Refusal("it is no file of its own");
+}
+
+void Folder::Storage(StorageInfo& storage) {
+  storage = {};
 }
 
 Status Folder::Identity(EntryId&) {

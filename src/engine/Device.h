@@ -21,6 +21,8 @@
 
 namespace zq::engine {
 
+struct StorageInfo;
+
 // What the engine has to tell apart among the failures of a system call.
 enum class Trouble {
   None,
@@ -147,6 +149,10 @@ class File {
   // Removes the entry (or the stream) and closes the file, which is of no use after. Ok only if the entry
   // is gone. The same identity rule as for Rename.
   virtual Status Remove() = 0;
+
+  // Tells the device that it may forget the content, which can't be read after that. Refused where the system
+  // has no such call for a file.
+  virtual Status Trim() { return Status::Refusal("a file can't be trimmed here"); }
 };
 
 enum class EntryKind {
@@ -164,6 +170,9 @@ struct Entry {
 
 struct SpaceInfo {
   std::uint64_t freeBytes = 0;  // what this user may still write
+  // What is free beside that and kept for others: for the administrator, or by a quota.
+  std::uint64_t keptBytes = 0;
+  bool keptByQuota = false;
   std::uint32_t clusterBytes = 0;
 };
 
@@ -222,6 +231,40 @@ class Folder {
   virtual Status Flush() = 0;
 
   virtual Status Space(SpaceInfo& space) = 0;
+
+  // --- For filling free space ---
+
+  // Makes a file without a name, of which nothing is left once it is closed, however the process ends.
+  // Refused where there is no such thing.
+  virtual Status AddNameless(Access, std::unique_ptr<File>&) {
+    return Status::Refusal("there are no files without names");
+  }
+  // Makes a file that goes with its last handle where the system can promise that, and else stays until
+  // Remove. Nobody else may open it meanwhile.
+  virtual Status AddFiller(const std::string& name, Access access, std::unique_ptr<File>& file) {
+    return AddFile(name, access, file);
+  }
+  // True if a filler has to stay open: its name goes, or has gone, with that.
+  virtual bool FillersGoWhenClosed() const { return false; }
+  // Has files that are added from now on stored as they are, neither compressed nor sparse, whatever those of
+  // the folder above are. What can't be had shows in the files' FileInfo.
+  virtual void StoreAsIs() {}
+  // Keeps other runs of the engine from taking the folder for one that nobody uses. False if another has it.
+  virtual bool Lock() { return true; }
+  // Has the file system give out what it keeps back for its own needs, until the answer goes. Null where it
+  // keeps nothing, or that isn't allowed.
+  virtual std::shared_ptr<void> GiveOutReserve() { return nullptr; }
+  // The length of the table of records in which the file system keeps small contents, names and places of all
+  // files, and which never shrinks; false if it has none, or it isn't told.
+  virtual bool RecordTable(std::uint64_t&) { return false; }
+  // Tells the device which space is free, of the whole file system. `mayGoOn` is asked several times a
+  // second; after a no the rest is left. Refused where it isn't allowed, or the device takes no such call.
+  virtual Status TrimFreeSpace(const std::function<bool()>&) {
+    return Status::Refusal("free space can't be trimmed here");
+  }
+
+  // What the folder lies on; what can't be found out is unknown.
+  virtual void Storage(StorageInfo& storage);
 
   // False where the file system clears a name when its entry goes, or it isn't known.
   virtual bool RoomForNames(NameRoom& room) {

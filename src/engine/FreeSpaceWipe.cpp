@@ -3,23 +3,35 @@
 #include <algorithm>
 #include <exception>
 #include <limits>
-#include <optional>
+#include <utility>
+
+#include "engine/RecordFill.h"
 
 namespace zq::engine {
 namespace {
 
-// Below the 4 GiB at which a file on FAT ends.
-constexpr std::uint64_t kFillerBytes = std::uint64_t{1} << 30;
+// What a stage leaves, at most, and which part of the free space at most.
+struct Leave {
+  std::uint64_t bytes;
+  std::uint64_t part;
+};
+constexpr Leave kStages[] = {
+    {std::uint64_t{256} << 20, 8},
+    {std::uint64_t{16} << 20, 64},
+    {0, 1},
+};
+// Below the length at which a file ends on the file systems with the least (FAT).
+constexpr std::uint64_t kFillerBytes = std::uint64_t{2} << 30;
 // How often space that was freed meanwhile is taken in. A drive in use never comes to rest.
 constexpr int kMostRounds = 4;
 // Less growth than this is the file system's own coming and going.
 constexpr std::uint64_t kGrowthBytes = std::uint64_t{1} << 20;
-// The longest content that an NTFS record of 1 KiB can hold, about, and the steps down from it.
-constexpr std::size_t kRecordBytes = 720;
-constexpr std::size_t kRecordStep = 64;
-// A file system that keeps tiny files without taking clusters for them might never be full of them.
-constexpr std::size_t kMostRecordFillers = 200'000;
-constexpr std::size_t kNameLength = 12;
+// So much is written before the drive is asked again how much is free.
+constexpr std::uint64_t kAskAgainBytes = std::uint64_t{256} << 20;
+// How much of a file is given back between two events.
+constexpr std::uint64_t kGivenBackAtOnce = std::uint64_t{1} << 30;
+// The records' share of what is told, where there are any.
+constexpr double kRecordShare = 0.03;
 
 std::int32_t ToKb(double bytes) {
   const double kb = bytes / 1024.0;
@@ -27,129 +39,207 @@ std::int32_t ToKb(double bytes) {
   return kb >= static_cast<double>(kMost) ? kMost : static_cast<std::int32_t>(kb);
 }
 
+std::string InMiB(std::uint64_t bytes) {
+  return std::to_string((bytes + (std::uint64_t{1} << 20) - 1) >> 20) + " MiB";
+}
+
 }  // namespace
 
 class FreeSpaceWipe::PassMeter final : public WorkMeter {
  public:
-  PassMeter(FreeSpaceWipe& wipe, std::size_t passIndex, std::uint64_t passBytes)
-      : wipe_(wipe), passIndex_(passIndex), passBytes_(std::max<std::uint64_t>(passBytes, 1)) {}
+  explicit PassMeter(FreeSpaceWipe& wipe) : wipe_(wipe) {}
 
   void Worked(std::uint64_t bytes) override {
-    doneBytes_ += bytes;
-    const double part = std::min(1.0, static_cast<double>(doneBytes_) / static_cast<double>(passBytes_));
-    // The read-back counts as one pass more.
-    const auto all = static_cast<double>(wipe_.operation_.passes.size() + 1);
-    wipe_.TellIfDue((static_cast<double>(passIndex_) + part) / all);
+    wipe_.workedBytes_ += static_cast<double>(bytes);
+    wipe_.TellIfDue(wipe_.ShareOfWork());
   }
 
  private:
   FreeSpaceWipe& wipe_;
-  std::size_t passIndex_;
-  std::uint64_t passBytes_;
-  std::uint64_t doneBytes_ = 0;
 };
 
 void FreeSpaceWipe::Run(const std::string& drive) {
   std::optional<Failure> failure;
   bool cancelled = false;
+  path_ = drive;
+  Require(operation_.device.OpenFolder(drive, root_), "Opening", drive);
+  place_.emplace(operation_, *root_, drive);
   try {
-    MakeFolder(drive);
-    for (round_ = 0; round_ < kMostRounds; ++round_) {
-      WipeRound();
-      const std::uint64_t freed = FreeBytes();
-      if (freed < leftoverBytes_ + kGrowthBytes) break;
-      bytesBefore_ += bytesOfRound_;
-      bytesOfRound_ = freed;
-    }
+    Work();
   } catch (const Failure& caught) {
     failure = caught;
   } catch (const Cancelled&) {
     cancelled = true;
   } catch (...) {
     // Out of memory, most likely: the drive must not stay full all the same.
-    const std::exception_ptr first = std::current_exception();
-    try {
-      RemoveFillers();
-    } catch (...) {
-    }
-    std::rethrow_exception(first);
+    ReleaseAll();
+    throw;
   }
+  ReleaseAll();
   try {
-    RemoveFillers();
+    place_->Close();
   } catch (const Failure& left) {
     // A drive that stays full is what the user has to know first.
     throw failure ? Failure{failure->code, failure->text + "; and " + left.text} : left;
   }
-  if (failure) throw *failure;
+  if (failure) throw Failure(*failure);
   if (cancelled) throw Cancelled{};
+  Trim();
   round_ = 0;
   growing_ = false;
   share_ = 1;
   bytesOfRound_ += bytesBefore_;
   bytesBefore_ = 0;
   Tell();
+  place_.reset();
+  operation_.traces.Add(std::move(root_), path_);
 }
 
-void FreeSpaceWipe::MakeFolder(const std::string& drive) {
-  path_ = drive;
-  Require(operation_.device.OpenFolder(drive, root_), "Opening", drive);
+void FreeSpaceWipe::Work() {
+  LookAtSpace();
+  Tell();
+  const std::size_t left = RemoveLeftFillers(*root_, [this] {
+    TellIfDue(0);
+    return true;
+  });
+  if (left > 0) LookAtSpace();
+  if (keptBytes_ > kGrowthBytes) {
+    operation_.AddNote("Of the free space " + InMiB(keptBytes_) +
+                       " are kept for the administrator and were not overwritten.");
+  }
+  {
+    RecordFill records(
+        operation_, *place_, *root_,
+        [this](double share) {
+          if (share > 0) recordShare_ = kRecordShare;
+          TellIfDue(recordShare_ * share);
+        },
+        [this](double share) {
+          share_ = std::max(share_, recordShare_ * share);
+          StillAlive();
+        });
+    records.Run();
+  }
+  for (round_ = 0; round_ < kMostRounds; ++round_) {
+    share_ = round_ == 0 ? share_ : 0;
+    recordShare_ = round_ == 0 ? recordShare_ : 0;
+    WipeRound();
+    // All is given back by now but what the first stage holds.
+    const std::uint64_t expected = filledBytes_ - held_.back().filledBytes;
+    const std::uint64_t free = FreeBytes();
+    if (free < expected + kGrowthBytes || round_ + 1 == kMostRounds) break;
+    bytesBefore_ += bytesOfRound_ - std::min(bytesOfRound_, expected);
+    bytesOfRound_ = free;
+  }
+}
+
+// With what the file system keeps back for itself, where it can be had later.
+void FreeSpaceWipe::LookAtSpace() {
+  const std::shared_ptr<void> reserve = root_->GiveOutReserve();
   SpaceInfo space;
-  Require(root_->Space(space), "Asking for the free space of", drive);
+  Require(root_->Space(space), "Asking for the free space of", path_);
+  if (space.keptByQuota && space.keptBytes > kGrowthBytes) {
+    throw MakeFailure("Overwriting the free space of", path_,
+                      "by a quota this user may fill only " + InMiB(space.freeBytes) + " of the " +
+                          InMiB(space.freeBytes + space.keptBytes) + " that are free");
+  }
+  keptBytes_ = space.keptBytes;
   bytesOfRound_ = space.freeBytes;
   clusterBytes_ = std::max<std::uint32_t>(space.clusterBytes, 1);
-  Tell();
-
-  // The folder's name isn't a secret. It is one that a user can make sense of, should the power fail.
-  folderName_ = "ZQFILL-" + operation_.RandomName(kNameLength);
-  Require(root_->AddFolder(folderName_, folder_), "Making a folder on", drive);
-  path_ = operation_.device.Join(drive, folderName_);
+  root_->Storage(storage_);
 }
 
 void FreeSpaceWipe::WipeRound() {
-  const std::size_t first = fillers_.size();
-  share_ = 0;
   filledBytes_ = 0;
-  while (FillOneFile()) {
+  workedBytes_ = 0;
+  const std::uint64_t free = FreeBytes();
+  std::shared_ptr<void> reserve;
+  for (const Leave& leave : kStages) {
+    stages_.emplace_back();
+    if (leave.bytes == 0) reserve = root_->GiveOutReserve();
+    FillStage(stages_.back(), leave.bytes == 0 ? 0 : std::min(leave.bytes, free / leave.part));
   }
-  growing_ = false;
-  if (round_ == 0) FillRecords();
-  leftoverBytes_ = FreeBytes();
-  OverwriteFillers(first);
+  Settle(FreeBytes());
+  while (!stages_.empty()) {
+    OverwriteStage(stages_.back());
+    // The lists of the files' pieces lie in blocks, too, which a journal would write to their place only
+    // later: never, once they are free again, and what stood there before would stay.
+    operation_.device.WriteHome(*root_);
+    if (stages_.size() == 1) {
+      held_.push_back(std::move(stages_.back()));
+    } else {
+      ReleaseStage(stages_.back());
+    }
+    stages_.pop_back();
+    // Not before there is room again from which it could be made.
+    reserve.reset();
+  }
 }
 
-bool FreeSpaceWipe::FillOneFile() {
-  std::string name;
-  std::unique_ptr<File> file;
-  if (!AddFile(Access::Direct, name, file)) return false;
-  const std::size_t smallest = std::clamp<std::size_t>(
-      std::max<std::size_t>(clusterBytes_, file->Alignment()), 1, std::size_t{64} << 10);
-  fillers_.push_back({name, Overwriter(operation_, std::move(file), PathOf(name))});
-  Overwriter& filler = fillers_.back().writer;
+void FreeSpaceWipe::FillStage(Stage& stage, std::uint64_t leaveBytes) {
+  while (FillOneFile(stage, leaveBytes, Access::Direct)) {
+  }
+  // What has less than a cluster, on file systems that keep several ends of files in one.
+  if (leaveBytes == 0) FillOneFile(stage, 0, Access::Cached);
+}
 
+bool FreeSpaceWipe::FillOneFile(Stage& stage, std::uint64_t leaveBytes, Access access) {
+  if (FreeBytes() <= leaveBytes && leaveBytes > 0) return false;
+  Filler made;
+  if (!place_->Add(access, made)) return false;
+  try {
+    stage.fillers.push_back({made.name, Overwriter(operation_, nullptr, made.path)});
+  } catch (...) {
+    place_->Remove(made);
+    throw;
+  }
+  Overwriter& filler = stage.fillers.back().writer;
+  filler.Reopen(std::move(made.file));
+  const std::uint64_t taken = FillFile(filler, leaveBytes, access);
+  stage.filledBytes += taken;
+  return taken >= kFillerBytes / 2 || (taken > 0 && leaveBytes == 0);
+}
+
+std::uint64_t FreeSpaceWipe::FillFile(Overwriter& filler, std::uint64_t leaveBytes, Access access) {
+  const std::size_t smallest =
+      access == Access::Cached
+          ? 1
+          : std::clamp<std::size_t>(std::max<std::size_t>(clusterBytes_, filler.TheFile().Alignment()), 1,
+                                    std::size_t{64} << 10);
+  std::size_t largest =
+      access == Access::Cached ? std::max<std::size_t>(clusterBytes_ / 2, 1) : Pace::kLargestUnit;
   filler.BeginGrowing(operation_.passes.front());
-  std::size_t largest = Pace::kLargestUnit;
-  bool full = false;
+  bool wasFull = false;
+  std::uint64_t mayTake = 0;  // before the drive is asked again
   while (filler.ExtentBytes() < kFillerBytes) {
+    if (leaveBytes > 0 && mayTake < smallest) {
+      const std::uint64_t free = FreeBytes();
+      if (free < leaveBytes + smallest) break;
+      mayTake = std::min(free - leaveBytes, kAskAgainBytes);
+    }
     std::size_t size = std::min(filler.UnitBytes(), largest);
+    if (leaveBytes > 0) size = static_cast<std::size_t>(std::min<std::uint64_t>(size, mayTake));
     size = std::max(size - size % smallest, smallest);
     std::size_t grown = 0;
     const Status status = filler.Grow(size, grown);
     filledBytes_ += grown;
+    workedBytes_ += static_cast<double>(grown);
+    mayTake -= std::min<std::uint64_t>(mayTake, grown);
     if (status.trouble == Trouble::NoSpace) {
-      full = true;
       if (size <= smallest) break;
       largest = size / 2;
+      wasFull = true;
+    } else if (wasFull && status.trouble == Trouble::Exists) {
+      break;  // what ntfs-3g says when the list of a file's pieces needs a record of its own and there is
+              // none
     } else {
       Require(status, "Writing", filler.Path());
     }
     NoticeGrowth();
-    const double part =
-        bytesOfRound_ == 0 ? 1.0 : static_cast<double>(filledBytes_) / static_cast<double>(bytesOfRound_);
-    TellIfDue(std::min(1.0, part) / static_cast<double>(operation_.passes.size() + 1));
+    TellIfDue(ShareOfWork());
   }
   filler.Flush();
-  filler.Close();
-  return !full;
+  return filler.ExtentBytes();
 }
 
 // The fill takes in what is freed meanwhile by itself; only the total has to follow.
@@ -159,95 +249,86 @@ void FreeSpaceWipe::NoticeGrowth() {
   growing_ = true;
 }
 
-void FreeSpaceWipe::OverwriteFillers(std::size_t first) {
+// The drive is full, so all is known. What differs by little is what the file system needs for itself.
+void FreeSpaceWipe::Settle(std::uint64_t unreachedBytes) {
+  growing_ = false;
+  constexpr std::uint64_t kPartForItself = 512;
+  const std::uint64_t itsOwn = kGrowthBytes + bytesOfRound_ / kPartForItself;
+  if (filledBytes_ + itsOwn < bytesOfRound_) bytesOfRound_ = filledBytes_;
+  if (unreachedBytes > itsOwn) {
+    operation_.AddNote("Of the free space " + InMiB(unreachedBytes) +
+                       " are kept back by the file system and were not overwritten.");
+  }
+}
+
+void FreeSpaceWipe::OverwriteStage(Stage& stage) {
   const std::size_t passCount = operation_.passes.size();
+  PassMeter meter(*this);
+  CheckPlaces(stage, true);
   for (std::size_t pass = 1; pass <= passCount; ++pass) {
-    PassMeter meter(*this, pass, filledBytes_);
-    for (std::size_t i = first; i < fillers_.size(); ++i) {
-      Reopen(fillers_[i]);
-      Overwriter& writer = fillers_[i].writer;
+    for (Large& filler : stage.fillers) {
       if (pass < passCount) {
-        writer.WritePass(operation_.passes[pass], meter);
-        writer.Flush();
+        filler.writer.WritePass(operation_.passes[pass], meter);
+        filler.writer.Flush();
       } else {
-        writer.Verify(meter);
+        filler.writer.Verify(meter);
       }
-      writer.Close();
       meter.Worked(0);
     }
   }
+  CheckPlaces(stage, false);
 }
 
-void FreeSpaceWipe::Reopen(Filler& filler) {
-  std::unique_ptr<File> file;
-  Require(folder_->OpenFile(filler.name, Access::Direct, file), "Opening", filler.writer.Path());
-  if (filler.writer.ExtentBytes() % file->Alignment() != 0) {
-    file.reset();
-    Require(folder_->OpenFile(filler.name, Access::Cached, file), "Opening", filler.writer.Path());
-  }
-  filler.writer.Reopen(std::move(file));
-}
-
-void FreeSpaceWipe::FillRecords() {
-  std::size_t size = kRecordBytes;
-  for (std::size_t count = 0; count < kMostRecordFillers; ++count) {
-    std::string name;
-    std::unique_ptr<File> file;
-    if (!AddFile(Access::Cached, name, file)) return;
-    Overwriter filler(operation_, std::move(file), PathOf(name));
-    filler.BeginGrowing(operation_.passes.front());
-    while (filler.ExtentBytes() == 0) {
-      std::size_t grown = 0;
-      const Status status = filler.Grow(size, grown);
-      if (status.trouble != Trouble::NoSpace) {
-        Require(status, "Writing", filler.Path());
-      } else if (grown == 0) {
-        if (size <= kRecordStep) return;
-        size -= kRecordStep;
-      }
+// Remembers where the fillers lie, or compares: what has been moved was written in two places, and in neither
+// by all passes.
+void FreeSpaceWipe::CheckPlaces(Stage& stage, bool first) {
+  for (Large& filler : stage.fillers) {
+    FileInfo info;
+    Require(filler.writer.TheFile().Info(info), "Looking at", filler.writer.Path());
+    if (!info.notInPlace.empty() && !first) {
+      throw MakeFailure("Overwriting the free space of", path_, info.notInPlace);
     }
-    filler.Flush();
-    PassMeter meter(*this, 0, 1);
-    for (std::size_t pass = 1; pass < operation_.passes.size(); ++pass) {
-      filler.WritePass(operation_.passes[pass], meter);
-      filler.Flush();
-    }
-    filler.Verify(meter);
+    TellIfDue(ShareOfWork());
   }
 }
 
-bool FreeSpaceWipe::AddFile(Access access, std::string& name, std::unique_ptr<File>& file) {
-  constexpr int kTries = 16;
-  Status status;
-  for (int attempt = 0; attempt < kTries; ++attempt) {
-    name = operation_.RandomName(kNameLength);
-    names_.push_back(name);  // first, so that no file can be made that isn't removed
-    status = folder_->AddFile(name, access, file);
-    if (status.Ok()) return true;
-    names_.pop_back();
-    if (status.trouble == Trouble::NoSpace) return false;
-    if (status.trouble != Trouble::Exists) break;
+void FreeSpaceWipe::ReleaseStage(Stage& stage) {
+  for (Large& large : stage.fillers) {
+    std::unique_ptr<File> file = large.writer.TakeFile();
+    std::uint64_t left = large.writer.ExtentBytes();
+    if (file && storage_.trims) trimmedFiles_ = file->Trim().Ok() || trimmedFiles_;
+    while (file && left > kGivenBackAtOnce) {
+      left -= kGivenBackAtOnce;
+      if (!file->SetLength(left).Ok()) break;
+      StillAlive();
+    }
+    Filler filler{std::move(file), large.name, large.writer.Path()};
+    place_->Remove(filler);
+    StillAlive();
   }
-  throw MakeFailure("Making", PathOf(name), status);
+  stage.fillers.clear();
 }
 
-// Goes on after a failure: what can be given back is given back. Their names are random from the start, so
-// they aren't renamed.
-void FreeSpaceWipe::RemoveFillers() {
-  if (!folder_) return;
-  std::optional<Failure> failure;
-  const auto check = [&failure](const Status& status, const std::string& path) {
-    if (!status.Ok() && status.trouble != Trouble::NotFound && !failure) {
-      failure = MakeFailure("Removing", path, status);
+// The last ones first: they are what keeps the drive full.
+void FreeSpaceWipe::ReleaseAll() {
+  for (auto* const stages : {&stages_, &held_}) {
+    while (!stages->empty()) {
+      ReleaseStage(stages->back());
+      stages->pop_back();
     }
-  };
-  fillers_.clear();  // closes the one that was in work
-  for (const std::string& name : names_) check(folder_->Remove({name, EntryKind::File}), PathOf(name));
-  names_.clear();
-  folder_.reset();
-  check(root_->Remove({folderName_, EntryKind::Folder}), path_);
-  check(root_->Flush(), path_);
-  if (failure) throw Failure{failure->code, failure->text};
+  }
+}
+
+void FreeSpaceWipe::Trim() {
+  if (!storage_.trims) return;
+  const Status status = root_->TrimFreeSpace([this] {
+    TellIfDue(share_);
+    return true;
+  });
+  operation_.AddNote(status.Ok() || trimmedFiles_
+                         ? "Afterwards the device was told to forget what was in the free space (trim)."
+                         : "The device takes hints about free space (trim), but it could not be given one: " +
+                               status.text + '.');
 }
 
 std::uint64_t FreeSpaceWipe::FreeBytes() {
@@ -256,7 +337,14 @@ std::uint64_t FreeSpaceWipe::FreeBytes() {
   return space.freeBytes;
 }
 
-void FreeSpaceWipe::Tell() {
+// The read-back counts as one pass more.
+double FreeSpaceWipe::ShareOfWork() const {
+  const double all = static_cast<double>(std::max(filledBytes_, bytesOfRound_)) *
+                     static_cast<double>(operation_.passes.size() + 1);
+  return recordShare_ + (1 - recordShare_) * (all > 0 ? std::min(workedBytes_ / all, 1.0) : 1.0);
+}
+
+void FreeSpaceWipe::TellEvent() {
   const double done = static_cast<double>(bytesBefore_) + share_ * static_cast<double>(bytesOfRound_);
   const double total = static_cast<double>(bytesBefore_) + static_cast<double>(bytesOfRound_);
   const bool grown = growing_ || round_ > 0;
@@ -264,7 +352,20 @@ void FreeSpaceWipe::Tell() {
       grown ? 101 + static_cast<std::int32_t>(share_ * 99) : static_cast<std::int32_t>(share_ * 100);
   timer_.Raised();
   operation_.events.FreeSpaceProgress(path_, percent, ToKb(done), ToKb(total));
+}
+
+void FreeSpaceWipe::Tell() {
+  TellEvent();
   operation_.LookForCancel();
+}
+
+// What a handler throws here would leave the drive full.
+void FreeSpaceWipe::StillAlive() noexcept {
+  try {
+    if (timer_.IsDue()) TellEvent();
+  } catch (...) {
+    timer_.Raised();
+  }
 }
 
 void FreeSpaceWipe::TellIfDue(double shareOfRound) {

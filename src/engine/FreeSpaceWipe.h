@@ -1,23 +1,30 @@
 // Overwrites the free space of a drive: fills it with files, takes these through all passes, removes them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "engine/Fillers.h"
 #include "engine/Operation.h"
 #include "engine/Overwriter.h"
+#include "engine/Storage.h"
 
 namespace zq::engine {
 
+// - Records first, while there is room for their folder: see RecordFill.
 // - The space is filled by writing, until the device says it is full. Lengthening a file would do on no
 //   system: the space would be promised, not written, or stay a hole.
-// - All of it is held until the last pass is done: space that was given back between two passes would come
-//   back as other blocks.
-// - When large writes no longer fit, smaller ones are tried, down to one cluster; then files so small that
-//   NTFS keeps them in their records take up the records of files that were deleted.
+// - It is filled in stages, of which each leaves less than the one before, and the last one nothing. The last
+//   one is taken through its passes first, and given back at once: the drive is full to the brim for these
+//   few MiB's passes alone. What was free when it was full has then been written by one stage or another, and
+//   each stage keeps its places until its own last pass.
+// - When large writes no longer fit, smaller ones are tried, down to one cluster, and then to one byte.
 // - Space that other programs free meanwhile is taken in afterwards, as often as kMostRounds.
+// - Nothing of it stays: see FillerPlace.
 // What can't be reached this way: the slack of other files, names in folders, and blocks that the file
 // system keeps for the administrator when the user isn't one.
 class FreeSpaceWipe {
@@ -29,49 +36,62 @@ class FreeSpaceWipe {
   void Run(const std::string& drive);
 
  private:
-  // A filler is open while it is written, and closed between: there can be thousands.
-  struct Filler {
+  struct Large {
     std::string name;
     Overwriter writer;
   };
-  // Tells the progress of one pass over the fillers of a round.
+  // Fillers that are overwritten and given back together.
+  struct Stage {
+    std::vector<Large> fillers;
+    std::uint64_t filledBytes = 0;
+  };
+  // Takes what was done in a pass.
   class PassMeter;
 
-  void MakeFolder(const std::string& drive);
+  void Work();
+  void LookAtSpace();
   void WipeRound();
-  // Fills one new file with the first pass. Returns false when the device is full.
-  bool FillOneFile();
-  void OverwriteFillers(std::size_t first);
-  void Reopen(Filler& filler);
-  // Fills small files, each through all passes, until the device takes no more of them.
-  void FillRecords();
-  // Makes a new filler; false if the device is full.
-  bool AddFile(Access access, std::string& name, std::unique_ptr<File>& file);
-  void RemoveFillers();
+  void FillStage(Stage& stage, std::uint64_t leaveBytes);
+  // Makes a file and fills it until the drive has no more than `leaveBytes`. Returns false when no other file
+  // could take more.
+  bool FillOneFile(Stage& stage, std::uint64_t leaveBytes, Access access);
+  std::uint64_t FillFile(Overwriter& filler, std::uint64_t leaveBytes, Access access);
+  void Settle(std::uint64_t unreachedBytes);
+  void OverwriteStage(Stage& stage);
+  void CheckPlaces(Stage& stage, bool first);
+  void ReleaseStage(Stage& stage);
+  void ReleaseAll();
+  void Trim();
 
-  std::string PathOf(const std::string& name) const { return operation_.device.Join(path_, name); }
   std::uint64_t FreeBytes();
   void NoticeGrowth();
   void Tell();
+  void TellEvent();
   void TellIfDue(double shareOfRound);
+  // For what has to be brought to its end: an event, if one is due, and no look at the cancel flag.
+  void StillAlive() noexcept;
+  double ShareOfWork() const;
 
   Operation& operation_;
   EventTimer timer_;
   std::unique_ptr<Folder> root_;
-  std::unique_ptr<Folder> folder_;  // holds the fillers
-  std::string folderName_;
-  std::string path_;  // of that folder
+  std::optional<FillerPlace> place_;
+  std::string path_;  // of the drive
   std::uint32_t clusterBytes_ = 1;
-  std::vector<Filler> fillers_;
-  std::vector<std::string> names_;  // of all files in the folder
+  std::uint64_t keptBytes_ = 0;  // of the free space, for others
+  StorageInfo storage_;
+  std::vector<Stage> stages_;
+  std::vector<Stage> held_;  // of former rounds
+  bool trimmedFiles_ = false;
 
   int round_ = 0;
-  bool growing_ = false;             // the space has grown while this round fills it
-  std::uint64_t bytesBefore_ = 0;    // what the rounds before have taken in
-  std::uint64_t bytesOfRound_ = 0;   // what there is to take in this round
-  std::uint64_t filledBytes_ = 0;    // in this round
-  std::uint64_t leftoverBytes_ = 0;  // what was free still when the device was full
-  double share_ = 0;                 // of this round's work
+  bool growing_ = false;            // the space has grown while this round fills it
+  std::uint64_t bytesBefore_ = 0;   // what the rounds before have taken in
+  std::uint64_t bytesOfRound_ = 0;  // what there is to take in this round, as it is told
+  std::uint64_t filledBytes_ = 0;   // in this round
+  double workedBytes_ = 0;          // in this round, all passes
+  double recordShare_ = 0;          // of the first round, in which records were filled
+  double share_ = 0;                // of this round's work
 };
 
 }  // namespace zq::engine

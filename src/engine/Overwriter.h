@@ -60,9 +60,9 @@ class Overwriter final : private Pipeline::Client {
 
   File& TheFile() { return *file_; }
   const std::string& Path() const { return path_; }
-  // Closes and opens again between two passes, for operations on more files than may be open at once.
-  void Close() { file_.reset(); }
+  // Takes another file, and gives it back for whatever comes after the passes.
   void Reopen(std::unique_ptr<File> file) { file_ = std::move(file); }
+  std::unique_ptr<File> TakeFile() { return std::move(file_); }
 
  private:
   // Calls `transfer` with offset and size of one after the other, in units of the pace, until it returns

@@ -49,6 +49,7 @@ inline constexpr std::uint32_t kOpenExisting = 3;
 inline constexpr std::uint32_t kOpenNoRecall = 0x00100000;
 inline constexpr std::uint32_t kOpenReparsePoint = 0x00200000;
 inline constexpr std::uint32_t kBackupSemantics = 0x02000000;
+inline constexpr std::uint32_t kDeleteOnClose = 0x04000000;
 inline constexpr std::uint32_t kNoBuffering = 0x20000000;
 inline constexpr std::uint32_t kOverlapped = 0x40000000;
 inline constexpr std::uint32_t kWriteThrough = 0x80000000;

@@ -194,12 +194,17 @@ Status OpenToOverwrite(WindowsCalls& calls, Volume& volume, const Wanted& wanted
   return {};
 }
 
-Status CreateNew(WindowsCalls& calls, Volume& volume, const Wanted& wanted, OpenedFile& opened) {
+Status CreateNew(WindowsCalls& calls, Volume& volume, const Wanted& wanted, OpenedFile& opened,
+                 NewFile kind) {
   opened = {};
   Closing handle(calls);
   const Code code = OpenDirectIfPossible(calls, volume, wanted.access, false, kPatienceAtOpening,
                                          opened.direct, [&](Opening how) {
                                            how.disposition = kCreateNew;
+                                           if (kind == NewFile::Filler) {
+                                             how.share = 0;
+                                             how.flags |= kDeleteOnClose;
+                                           }
                                            return calls.Open(wanted.path, how, handle.handle);
                                          });
   if (code != kSuccess) return calls.StatusOf(code);

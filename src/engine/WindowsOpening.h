@@ -41,8 +41,11 @@ struct OpenedFile {
 // For reading, writing and removing, shared with those who read. Links, folders and whatever isn't
 // overwritten in place are refused, with nothing changed.
 Status OpenToOverwrite(WindowsCalls& calls, Volume& volume, const Wanted& wanted, OpenedFile& opened);
-// The same for a file that doesn't exist yet.
-Status CreateNew(WindowsCalls& calls, Volume& volume, const Wanted& wanted, OpenedFile& opened);
+// The same for a file that doesn't exist yet. A filler goes with its handle, even if the process is killed,
+// and is shared with nobody.
+enum class NewFile { ToStay, Filler };
+Status CreateNew(WindowsCalls& calls, Volume& volume, const Wanted& wanted, OpenedFile& opened,
+                 NewFile kind = NewFile::ToStay);
 
 // Takes the read-only attribute off a file that is wiped, or puts it back. `handle` may be open for anything.
 Status SetReadOnly(WindowsCalls& calls, SystemHandle handle, std::uint32_t attributes, bool readOnly);

@@ -13,7 +13,8 @@ Status FromErrno(int code) {
   if (code == ENOENT) trouble = Trouble::NotFound;
   if (code == EEXIST) trouble = Trouble::Exists;
   if (code == EMFILE || code == ENFILE) trouble = Trouble::TooManyOpen;
-  if (code == ENOSPC) trouble = Trouble::NoSpace;
+  // A file that may grow no longer is full like the device: the next one takes more.
+  if (code == ENOSPC || code == EFBIG) trouble = Trouble::NoSpace;
   return {trouble, code, std::generic_category().message(code)};
 }
 

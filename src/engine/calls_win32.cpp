@@ -29,6 +29,7 @@ static_assert(kShareRead == FILE_SHARE_READ && kShareWrite == FILE_SHARE_WRITE &
               kShareDelete == FILE_SHARE_DELETE);
 static_assert(kCreateNew == CREATE_NEW && kOpenExisting == OPEN_EXISTING);
 static_assert(kOpenNoRecall == FILE_FLAG_OPEN_NO_RECALL && kOpenReparsePoint == FILE_FLAG_OPEN_REPARSE_POINT);
+static_assert(kDeleteOnClose == FILE_FLAG_DELETE_ON_CLOSE);
 static_assert(kBackupSemantics == FILE_FLAG_BACKUP_SEMANTICS && kNoBuffering == FILE_FLAG_NO_BUFFERING);
 static_assert(kOverlapped == FILE_FLAG_OVERLAPPED && kWriteThrough == FILE_FLAG_WRITE_THROUGH);
 static_assert(kAttributeReadOnly == FILE_ATTRIBUTE_READONLY && kAttributeFolder == FILE_ATTRIBUTE_DIRECTORY);

@@ -128,12 +128,12 @@ class PosixDevice final : public Device {
     for (std::size_t i = 0; i < files.size(); ++i) {
       auto& file = static_cast<PosixFile&>(*files[i]);
       // Where a single file's data may go through the journal, each is asked.
-      const bool together = file.OnVolume().oneFlushForAll && !file.JournalsDataAlone();
+      const bool together = file.OnVolume().HasOneFlush() && !file.JournalsDataAlone();
       outcomes[i] = together ? file.BeginWriteback() : file.Flush();
     }
     for (std::size_t i = 0; i < files.size(); ++i) {
       auto& file = static_cast<PosixFile&>(*files[i]);
-      if (file.OnVolume().oneFlushForAll && outcomes[i].Ok()) outcomes[i] = file.EndWriteback();
+      if (file.OnVolume().HasOneFlush() && outcomes[i].Ok()) outcomes[i] = file.EndWriteback();
     }
     OnceForEachVolume<PosixFile>(files, outcomes, &Volume::HasOneFlush,
                                  [](PosixFile& file) { return file.Flush(); });

@@ -28,11 +28,13 @@ Status WindowsFile::Open(const FolderPlace& place, const std::wstring& name, Acc
   return {};
 }
 
-Status WindowsFile::Add(const FolderPlace& place, const std::wstring& name, Access access,
+Status WindowsFile::Add(const FolderPlace& place, const std::wstring& name, Access access, NewFile kind,
                         std::unique_ptr<File>& file) {
   OpenedFile opened;
   const Wanted wanted{JoinWide(place.path, name), place.finalPath, access};
-  if (Status status = CreateNew(*place.calls, *place.volume, wanted, opened); !status.Ok()) return status;
+  if (Status status = CreateNew(*place.calls, *place.volume, wanted, opened, kind); !status.Ok()) {
+    return status;
+  }
   file = std::make_unique<WindowsFile>(place, name, std::move(opened));
   return {};
 }

@@ -34,7 +34,7 @@ class WindowsFile final : public File {
   // Opens a file, or a stream when `name` has a colon in it, for all that the engine does with it.
   static Status Open(const FolderPlace& place, const std::wstring& name, Access access,
                      std::unique_ptr<File>& file);
-  static Status Add(const FolderPlace& place, const std::wstring& name, Access access,
+  static Status Add(const FolderPlace& place, const std::wstring& name, Access access, NewFile kind,
                     std::unique_ptr<File>& file);
 
   Status Info(FileInfo& info) override;

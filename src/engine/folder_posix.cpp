@@ -172,6 +172,8 @@ Status PosixFolder::Space(SpaceInfo& space) {
   // The administrator may use the reserved blocks, and then they are free space like the rest.
   const std::uint64_t blocks = ::geteuid() == 0 ? facts.f_bfree : facts.f_bavail;
   space.freeBytes = blocks * facts.f_frsize;
+  space.keptBytes = (facts.f_bfree - blocks) * facts.f_frsize;
+  space.keptByQuota = false;
   space.clusterBytes = static_cast<std::uint32_t>(facts.f_frsize);
   return {};
 }
@@ -230,10 +232,15 @@ Status PosixFolder::Open(const std::string& name, int flags, Access access, cons
   if (meant != nullptr && ::flock(fd.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
     return Status::Refusal("another program has locked it, such as another wipe");
   }
+  file = Opened(std::move(fd), name, access, facts, std::move(right));
+  return {};
+}
+
+std::unique_ptr<File> PosixFolder::Opened(UniqueFd fd, const std::string& name, Access access,
+                                          const EntryFacts& facts, GivenRight right) {
   auto opened = std::make_unique<PosixFile>(std::move(fd), fd_.Get(), name, facts, volume_, std::move(right));
   if (access == Access::Direct) opened->GoDirect();
-  file = std::move(opened);
-  return {};
+  return opened;
 }
 
 }  // namespace zq::engine

@@ -8,6 +8,7 @@
 
 #include "engine/calls_posix.h"
 #include "engine/entry_posix.h"
+#include "engine/file_posix.h"
 #include "engine/volume_posix.h"
 
 namespace zq::engine {
@@ -51,12 +52,25 @@ class PosixFolder final : public Folder {
 
   Status Space(SpaceInfo& space) override;
 
+  Status AddNameless(Access access, std::unique_ptr<File>& file) override;
+  Status AddFiller(const std::string& name, Access access, std::unique_ptr<File>& file) override;
+  bool FillersGoWhenClosed() const override { return !KeepsNamesOfOpenFiles(); }
+  void StoreAsIs() override;
+  bool Lock() override;
+  std::shared_ptr<void> GiveOutReserve() override;
+  Status TrimFreeSpace(const std::function<bool()>& mayGoOn) override;
+  void Storage(StorageInfo& storage) override;
+
   bool RoomForNames(NameRoom& room) override;
   // The device's number, which is never 0.
   std::uint64_t Log() const override { return volume_.isOrdered ? volume_.device : 0; }
 
  private:
   static Status CheckRegular(mode_t mode);
+  // A server in user space gives a file that is removed while it is open another name, until it is closed.
+  bool KeepsNamesOfOpenFiles() const { return volume_.isNtfs3g || volume_.isFuse; }
+  std::unique_ptr<File> Opened(UniqueFd fd, const std::string& name, Access access, const EntryFacts& facts,
+                               GivenRight right);
 
   Status CheckKind(const Entry& entry) const;
 

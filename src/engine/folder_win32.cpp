@@ -1,5 +1,8 @@
 #include "engine/folder_win32.h"
 
+#include <winioctl.h>
+
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -64,7 +67,47 @@ class WindowsFolder final : public Folder {
   Status AddFile(const std::string& name, Access access, std::unique_ptr<File>& file) override {
     std::wstring wide;
     if (Status status = WideName(name, wide); !status.Ok()) return status;
-    return WindowsFile::Add(place_, wide, access, file);
+    return WindowsFile::Add(place_, wide, access, NewFile::ToStay, file);
+  }
+
+  Status AddFiller(const std::string& name, Access access, std::unique_ptr<File>& file) override {
+    if (std::string why = WhyNotOn(*place_.volume); !why.empty()) {
+      return Status::Refusal("files there can't be overwritten in place, since " + why);
+    }
+    std::wstring wide;
+    if (Status status = WideName(name, wide); !status.Ok()) return status;
+    return WindowsFile::Add(place_, wide, access, NewFile::Filler, file);
+  }
+  bool FillersGoWhenClosed() const override { return true; }
+
+  // The attribute is inherited from the folder above.
+  void StoreAsIs() override {
+    const UniqueHandle handle(::CreateFileW(
+        place_.path.c_str(), GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+        OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    if (!handle.IsOpen()) return;
+    USHORT none = COMPRESSION_FORMAT_NONE;
+    DWORD got = 0;
+    (void)::DeviceIoControl(handle.Get(), FSCTL_SET_COMPRESSION, &none, sizeof none, nullptr, 0, &got,
+                            nullptr);
+  }
+
+  // The valid part of the master file table.
+  bool RecordTable(std::uint64_t& bytes) override {
+    const std::wstring& root = place_.volume->root;
+    std::wstring volume = root.substr(0, root.find_last_not_of(L'\\') + 1);
+    if (volume.starts_with(L"\\\\?\\")) volume[2] = L'.';
+    const UniqueHandle handle(::CreateFileW(volume.c_str(), FILE_READ_ATTRIBUTES | SYNCHRONIZE,
+                                            FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
+                                            nullptr));
+    NTFS_VOLUME_DATA_BUFFER data{};
+    DWORD got = 0;
+    if (!handle.IsOpen() || ::DeviceIoControl(handle.Get(), FSCTL_GET_NTFS_VOLUME_DATA, nullptr, 0, &data,
+                                              sizeof data, &got, nullptr) == 0) {
+      return false;
+    }
+    bytes = static_cast<std::uint64_t>(data.MftValidDataLength.QuadPart);
+    return true;
   }
 
   Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) override {
@@ -144,9 +187,12 @@ class WindowsFolder final : public Folder {
 
   Status Space(SpaceInfo& space) override {
     ULARGE_INTEGER available{};
+    ULARGE_INTEGER free{};
     const std::wstring path = JoinWide(place_.path, L"");
-    if (::GetDiskFreeSpaceExW(path.c_str(), &available, nullptr, nullptr) == 0) return LastError();
+    if (::GetDiskFreeSpaceExW(path.c_str(), &available, nullptr, &free) == 0) return LastError();
     space.freeBytes = available.QuadPart;
+    space.keptBytes = free.QuadPart - std::min(free.QuadPart, available.QuadPart);
+    space.keptByQuota = (place_.volume->flags & FILE_VOLUME_QUOTAS) != 0;
     space.clusterBytes = place_.volume->clusterBytes;
     return {};
   }

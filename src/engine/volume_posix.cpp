@@ -165,8 +165,10 @@ void LookWhetherInPlace(int fd, const EntryFacts& facts, bool trusted, const Mou
   for (const FileSystemRefusal& refusal : kRefusedFileSystems) {
     if (refusal.magic == volume.magic) volume.notInPlace = refusal.reason;
   }
+  volume.isFuse = volume.magic == kFuseMagic;
   volume.isNtfs3g = IsNtfs3g(fd, volume.magic, facts.device);
-  if (volume.magic == kTmpfsMagic || volume.magic == kRamfsMagic) {
+  volume.isInMemory = volume.magic == kTmpfsMagic || volume.magic == kRamfsMagic;
+  if (volume.isInMemory) {
     volume.caveat =
         "Files were in memory and on no disk, where nothing is left of them but what the system has swapped "
         "out.";

@@ -30,6 +30,8 @@ struct Volume {
   std::string notInPlace;
   std::string caveat;  // as FileInfo::caveat, for all its files
   bool isNtfs3g = false;
+  bool isFuse = false;
+  bool isInMemory = false;
   bool oneFlushForAll = false;  // it is one of kOneDeviceFileSystems
   // A journal takes the changes of names, lengths and dates in their order: when the last is durable, so
   // are all before it.
@@ -41,8 +43,10 @@ struct Volume {
   bool countsNamesInUtf16 = false;
   const NamesStay* namesStay = nullptr;
 
+  bool IsInMemory() const { return isInMemory; }
   bool MayNotClearJournal() const { return mayHaveJournal && !mayClearJournal; }
-  bool HasOneFlush() const { return oneFlushForAll; }
+  // ntfs-3g takes what is written at once, and each of its flushes is one of the whole device.
+  bool HasOneFlush() const { return oneFlushForAll || isNtfs3g; }
   bool IsOrdered() const { return isOrdered; }
   bool IsJournaledExt() const { return mayHaveJournal; }
   bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }

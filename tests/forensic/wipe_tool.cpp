@@ -1,15 +1,22 @@
 // Wipes what is named on the command line, for tests of the engine on real file systems.
 //   wipe_tool [--level L] [--trust] [--at NAME COMMAND] PATH...
+//   wipe_tool --free-space [--level L] [--slowly] FOLDER
+// --free-space wipes the free space of the drive that FOLDER is on, which has to be a small one and not this
+// machine's own. --slowly waits in each event, for a kill to come between.
 // --at runs COMMAND by the system's shell when the wipe of the item called NAME has just started: once it
 // is open and before its first pass. Exit code 0 if everything named is gone, else 1; every event but
 // progress is a line of the output.
 #include <sys/stat.h>
 
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include "engine/SecureDelete.h"
@@ -40,7 +47,13 @@ class PrintedEvents final : public EngineEvents {
       std::printf("wiped %s\n", item.name.c_str());
     }
   }
-  void FreeSpaceProgress(const std::string&, std::int32_t, std::int32_t, std::int32_t) override {}
+  void FreeSpaceProgress(const std::string&, std::int32_t percent, std::int32_t kbDone,
+                         std::int32_t kbTotal) override {
+    std::printf("space %d %d %d\n", percent, kbDone, kbTotal);
+    if (slowly) std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  }
+
+  bool slowly = false;
 
   bool CommandIsDue() const { return !command_.empty() && !ran_; }
 
@@ -50,16 +63,39 @@ class PrintedEvents final : public EngineEvents {
   bool ran_ = false;
 };
 
+// Whoever fills a drive in a test must not fill this machine's.
+bool IsSmallDrive(const std::string& path) {
+  constexpr std::uintmax_t kMost = std::uintmax_t{2} << 30;
+  std::error_code error;
+  const std::filesystem::space_info space = std::filesystem::space(path, error);
+  if (error || space.capacity > kMost) return false;
+#ifdef _WIN32
+  return true;
+#else
+  struct stat root {};
+  struct stat facts {};
+  return ::stat("/", &root) == 0 && ::stat(path.c_str(), &facts) == 0 && root.st_dev != facts.st_dev;
+#endif
+}
+
 int Run(const std::vector<std::string>& arguments) {
   std::int32_t level = 3;
   DeviceOptions options;
   std::string itemName;
   std::string command;
+  bool freeSpace = false;
+  bool slowly = false;
   std::size_t next = 0;
   while (next < arguments.size() && arguments[next].rfind("--", 0) == 0) {
     const std::string& option = arguments[next];
     if (option == "--trust") {
       options.trustFileSystem = true;
+      next += 1;
+    } else if (option == "--free-space") {
+      freeSpace = true;
+      next += 1;
+    } else if (option == "--slowly") {
+      slowly = true;
       next += 1;
     } else if (option == "--level" && next + 1 < arguments.size()) {
       level = std::atoi(arguments[next + 1].c_str());
@@ -84,7 +120,20 @@ int Run(const std::vector<std::string>& arguments) {
   PrintedEvents events(itemName, command);
   SecureDelete engine(*device, seeds, clock, events,
                       [](const std::string&, const std::string&) { return false; });
+  events.slowly = slowly;
   int result = 0;
+  if (freeSpace) {
+    if (!IsSmallDrive(arguments[next])) {
+      std::fprintf(stderr, "wipe_tool: %s is not on a small drive of its own\n", arguments[next].c_str());
+      return 2;
+    }
+    if (!engine.WipeFreeSpace(arguments[next], level)) {
+      std::printf("failed: %s\n", engine.LastErrorText().c_str());
+      result = 1;
+    }
+    if (!engine.Note().empty()) std::printf("note: %s\n", engine.Note().c_str());
+    return result;
+  }
   for (; next < arguments.size(); ++next) {
     const std::string& path = arguments[next];
     struct stat facts {};

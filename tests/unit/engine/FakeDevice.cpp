@@ -1,6 +1,9 @@
 #include "unit/engine/FakeDevice.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "engine/Storage.h"
 
 namespace zq::engine::test {
 namespace {
@@ -65,7 +68,7 @@ class FakeFile final : public File {
   ~FakeFile() override {
     if (device_.underWay_.count(this) != 0) device_.violations.push_back("closed in a transfer: " + Path());
     --device_.openHandles;
-    --node_->openCount;
+    if (--node_->openCount == 0 && node_->goesWhenClosed && IsOurs()) siblings_.erase(name_);
   }
 
   Status Info(FileInfo& info) override {
@@ -73,8 +76,8 @@ class FakeFile final : public File {
     info.lengthBytes = node_->written.size();
     info.allocatedBytes = node_->allocatedBytes;
     info.clusterBytes = device_.clusterBytes;
-    info.inRecord =
-        device_.recordBytes > 0 && !node_->written.empty() && node_->written.size() <= device_.recordBytes;
+    info.inRecord = device_.recordBytes > 0 && !node_->inCluster && !node_->written.empty() &&
+                    node_->written.size() <= device_.recordBytes;
     info.mergesEqual = device_.mergesEqual && isStream_;
     info.notInPlace = node_->notInPlace;
     info.room = node_->room;
@@ -208,6 +211,8 @@ class FakeFile final : public File {
     return {};
   }
 
+  Status Trim() override { return device_.trims ? device_.Begin("trim", Path()) : File::Trim(); }
+
   Status Remove() override {
     if (Status status = device_.Begin("remove", Path()); !status.Ok()) return status;
     if (!IsOurs()) return Status::Refusal("another file has come under this name");
@@ -241,12 +246,20 @@ class FakeFile final : public File {
     if (device_.capacityBytes == 0) return size;
     const std::uint64_t end = offset + size;
     if (end <= node_->written.size()) return size;
-    if (node_->written.empty() && end <= device_.recordBytes && device_.recordSlots > 0) {
-      --device_.recordSlots;
-      return size;
+    if (node_->written.empty() && end <= device_.recordBytes) {
+      if (device_.recordSlots > 0) {
+        --device_.recordSlots;
+        device_.mostRecordsTaken = std::max(device_.mostRecordsTaken, ++device_.recordsTaken);
+        node_->onGone = [&device = device_] {
+          ++device.recordSlots;
+          --device.recordsTaken;
+        };
+        return size;
+      }
+      node_->inCluster = true;
     }
     const std::uint64_t own = device_.ClustersOf(*node_);
-    const std::uint64_t free = device_.capacityBytes - (device_.UsedBytes() - own);
+    const std::uint64_t free = device_.FreeBytes() + own;
     const std::uint64_t most = free / device_.clusterBytes * device_.clusterBytes;
     if (most <= offset) return 0;
     return static_cast<std::size_t>(std::min<std::uint64_t>(size, most - offset));
@@ -295,6 +308,7 @@ class FakeFolder final : public Folder {
   ~FakeFolder() override {
     --device_.openHandles;
     --device_.openFolders;
+    if (holdsLock_) node_->locked = false;
   }
 
   Status Identity(EntryId& id) override {
@@ -340,10 +354,52 @@ class FakeFolder final : public Folder {
     if (device_.mostEntries > 0 && node_->children.size() >= device_.mostEntries) {
       return {Trouble::NoSpace, 112, "The device is full"};
     }
+    if (!TakeRoomForEntry()) {
+      device_.ops.back().ok = false;
+      return Full();
+    }
     node_->children[name] = std::make_shared<Node>();
+    node_->children[name]->notInPlace = device_.newFilesNotInPlace;
     file = std::make_unique<FakeFile>(device_, node_->children[name], node_->children, path_, name,
                                       access == Access::Direct && device_.direct, false);
     return {};
+  }
+
+  Status AddNameless(Access access, std::unique_ptr<File>& file) override {
+    if (!device_.hasNameless) return Folder::AddNameless(access, file);
+    if (Status status = device_.Begin("add", PathOf("(nameless)")); !status.Ok()) return status;
+    auto node = std::make_shared<Node>();
+    std::erase_if(device_.nameless_, [](const auto& one) { return one.expired(); });
+    device_.nameless_.push_back(node);
+    file = std::make_unique<FakeFile>(device_, node, node_->children, path_, "(nameless)",
+                                      access == Access::Direct && device_.direct, false);
+    return {};
+  }
+  Status AddFiller(const std::string& name, Access access, std::unique_ptr<File>& file) override {
+    if (Status status = AddFile(name, access, file); !status.Ok()) return status;
+    node_->children[name]->goesWhenClosed = device_.fillersStayOpen;
+    if (!node_->storesAsIs) device_.violations.push_back("a filler may be compressed: " + PathOf(name));
+    return {};
+  }
+  bool FillersGoWhenClosed() const override { return device_.fillersStayOpen; }
+  void StoreAsIs() override { node_->storesAsIs = true; }
+  bool Lock() override {
+    if (std::exchange(node_->locked, true)) return false;
+    return holdsLock_ = true;
+  }
+  std::shared_ptr<void> GiveOutReserve() override {
+    if (device_.reserveBytes == 0) return nullptr;
+    auto given = std::make_shared<int>();
+    device_.reserveGiven_ = given;
+    return given;
+  }
+  Status TrimFreeSpace(const std::function<bool()>& mayGoOn) override {
+    if (!mayGoOn()) return {};
+    return device_.Begin("trim", path_);
+  }
+  void Storage(StorageInfo& storage) override {
+    storage = {};
+    storage.trims = device_.trims;
   }
 
   std::uint64_t Log() const override { return device_.log; }
@@ -423,6 +479,10 @@ class FakeFolder final : public Folder {
     if (Status status = device_.Begin("remove entry", PathOf(entry.name)); !status.Ok()) return status;
     if (Status status = CheckKind(entry); !status.Ok()) return status;
     const std::shared_ptr<Node> node = node_->children[entry.name];
+    if (device_.removalsNeedRoom && device_.FreeBytes() == 0 && device_.ClustersOf(*node) > 0) {
+      device_.ops.back().ok = false;
+      return Full();
+    }
     if (!node->children.empty()) return {Trouble::Other, 145, "The folder is not empty."};
     if (!node->streams.empty()) device_.violations.push_back("removed with a stream: " + PathOf(entry.name));
     if (!node->original.empty()) device_.violations.push_back("removed unwiped: " + PathOf(entry.name));
@@ -434,7 +494,9 @@ class FakeFolder final : public Folder {
 
   Status Space(SpaceInfo& space) override {
     if (Status status = device_.Begin("space", path_); !status.Ok()) return status;
-    space.freeBytes = device_.capacityBytes - device_.UsedBytes();
+    space.freeBytes = device_.FreeBytes();
+    space.keptBytes = device_.keptBytes;
+    space.keptByQuota = device_.keptByQuota;
     space.clusterBytes = device_.clusterBytes;
     return {};
   }
@@ -448,9 +510,24 @@ class FakeFolder final : public Folder {
     return {};
   }
 
+  // A cluster more for the folder, where its entries need one.
+  bool TakeRoomForEntry() {
+    if (device_.entryBytes == 0) return true;
+    const auto clusters = [&](std::size_t entries) {
+      return (entries * device_.entryBytes + device_.clusterBytes - 1) / device_.clusterBytes;
+    };
+    const std::size_t entries = node_->children.size() + 1;
+    if (clusters(entries) > clusters(node_->mostChildren) && device_.FreeBytes() < device_.clusterBytes) {
+      return false;
+    }
+    node_->mostChildren = std::max(node_->mostChildren, entries);
+    return true;
+  }
+
   FakeDevice& device_;
   std::shared_ptr<Node> node_;
   std::string path_;
+  bool holdsLock_ = false;
 };
 
 // What real queues do at their worst: a transfer happens as late as it may, and after those that were begun
@@ -585,7 +662,8 @@ std::shared_ptr<Node> FakeDevice::Find(const std::string& path) const {
 }
 
 std::uint64_t FakeDevice::ClustersOf(const Node& node) const {
-  if (node.written.size() <= recordBytes) return 0;
+  // One that found no free record has a cluster.
+  if (node.written.size() <= recordBytes && !node.inCluster) return 0;
   return (node.written.size() + clusterBytes - 1) / clusterBytes * clusterBytes;
 }
 
@@ -596,9 +674,18 @@ std::uint64_t FakeDevice::UsedBytes() const {
     const Node* node = todo.back();
     todo.pop_back();
     used += ClustersOf(*node);
+    used += (node->mostChildren * entryBytes + clusterBytes - 1) / clusterBytes * clusterBytes;
     for (const auto& [name, child] : node->children) todo.push_back(child.get());
   }
+  for (const auto& one : nameless_) {
+    if (const std::shared_ptr<Node> node = one.lock()) used += ClustersOf(*node);
+  }
   return used;
+}
+
+std::uint64_t FakeDevice::FreeBytes() const {
+  const std::uint64_t taken = UsedBytes() + (ReserveIsGivenOut() ? 0 : reserveBytes);
+  return capacityBytes - std::min(capacityBytes, taken);
 }
 
 std::size_t FakeDevice::Count(const std::string& kind) const {

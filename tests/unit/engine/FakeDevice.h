@@ -57,6 +57,19 @@ struct Node {
   std::uint64_t mount = 0;
   std::uint32_t names = 1;
   int openCount = 0;
+  std::size_t mostChildren = 0;  // that there were: a folder never shrinks
+  bool locked = false;
+  bool storesAsIs = false;
+  bool inCluster = false;  // though it is as short as those in records
+  std::function<void()> onGone;
+
+  Node() = default;
+  Node(const Node&) = delete;
+  Node& operator=(const Node&) = delete;
+  ~Node() {
+    if (onGone) onGone();
+  }
+  bool goesWhenClosed = false;
 };
 
 struct Op {
@@ -94,11 +107,20 @@ class FakeDevice final : public Device {
   std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end
   std::uint64_t bytesPerSecond = 0;        // 0: no time passes
   Clock::Time flushLatency{0};
-  Clock::Time entryLatency{0};          // of each change of a name, a length or dates, and of each removal
-  std::uint64_t capacityBytes = 0;      // 0: no end
-  bool writesWhatFits = false;          // of a write that the end of the device cuts
-  std::size_t recordBytes = 0;          // files up to this length take no clusters
-  std::size_t recordSlots = 0;          // and so many of them have room
+  Clock::Time entryLatency{0};      // of each change of a name, a length or dates, and of each removal
+  std::uint64_t capacityBytes = 0;  // 0: no end
+  bool writesWhatFits = false;      // of a write that the end of the device cuts
+  std::size_t recordBytes = 0;      // files up to this length take no clusters
+  std::size_t recordSlots = 0;      // and so many of them have room
+  std::uint32_t entryBytes = 0;     // what an entry takes in its folder, in clusters that never shrink
+  std::uint64_t reserveBytes = 0;   // kept back until they are given out
+  std::uint64_t keptBytes = 0;      // free, and for others
+  bool keptByQuota = false;
+  bool hasNameless = false;             // files without names
+  bool fillersStayOpen = false;         // a filler's name goes when it is closed
+  bool removalsNeedRoom = false;        // on a full drive, of what has content
+  std::string newFilesNotInPlace;       // FileInfo::notInPlace of files that are added
+  bool trims = false;                   // the device can be told what is free
   bool answersNoMore = false;           // transfers end only when they are given up; needs a queue
   int passesNeeded = 9;                 // less than these on any byte at a removal is a violation
   std::function<void(const Op&)> onOp;  // before the operation is carried out
@@ -114,9 +136,13 @@ class FakeDevice final : public Device {
   // --- what a test looks at ---
   std::vector<Op> ops;
   std::vector<std::string> violations;
+  std::size_t recordsTaken = 0;  // of recordSlots, now
+  std::size_t mostRecordsTaken = 0;
   int openHandles = 0;
   int openFolders = 0;      // among them
   int mostOpenFolders = 0;  // at any moment
+  std::uint64_t FreeBytes() const;
+  bool ReserveIsGivenOut() const { return reserveBytes == 0 || !reserveGiven_.expired(); }
   std::uint64_t UsedBytes() const;
   // How many operations of one kind succeeded.
   std::size_t Count(const std::string& kind) const;
@@ -154,6 +180,8 @@ class FakeDevice final : public Device {
   FakeClock& clock_;
   std::uint64_t nextNumber_ = 1;
   std::shared_ptr<Node> root_;
+  std::vector<std::weak_ptr<Node>> nameless_;
+  std::weak_ptr<int> reserveGiven_;
   std::map<const File*, int> underWay_;  // transfers of each open file
 };
 
