@@ -13,6 +13,10 @@ frmWelcome::frmWelcome(AppState& state, Platform& platform)
 
 void frmWelcome::Load() {
   Label1.SetBold();
+  CentrePicture();
+}
+
+void frmWelcome::CentrePicture() {
   RECT client{};
   ::GetClientRect(Handle(), &client);
   RECT picture = Image1.Place();

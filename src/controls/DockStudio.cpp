@@ -18,12 +18,13 @@ constexpr UINT kFirstCommandId = 0x4000;
 }  // namespace
 
 // The tools of the menus are the first commands, then those of the tool bar.
-void DockStudio::Create(HWND owner, BarsDesign design) {
+void DockStudio::Create(HWND owner, BarsDesign design, int dpi) {
   owner_ = owner;
+  dpi_ = dpi;
   design_ = std::move(design);
   menuBar_.Create(owner, design_.menus, kFirstCommandId);
   toolBands_.Create(owner, design_.toolBar, static_cast<UINT>(kFirstCommandId + menuBar_.Tools().size()));
-  statusBar_.Create(owner, design_.panels);
+  statusBar_.Create(owner, design_.panels, dpi);
   CreateShortcuts();
   LoadPictures();
   LayOut();
@@ -41,8 +42,8 @@ void DockStudio::CreateShortcuts() {
 }
 
 void DockStudio::LoadPictures() {
-  menuBar_.LoadPictures(Dpi());
-  toolBands_.LoadPictures(Dpi());
+  menuBar_.LoadPictures(dpi_);
+  toolBands_.LoadPictures(dpi_);
 }
 
 void DockStudio::LoadLayout(Files& files, const std::string& path) {
@@ -99,13 +100,14 @@ void DockStudio::OnSize() {
 void DockStudio::LayOut() {
   if (std::exchange(layingOut_, true)) return;
   toolBands_.LayOut();
-  statusBar_.LayOut(Dpi());
+  statusBar_.LayOut(dpi_);
   layingOut_ = false;
   if (ClientAreaChanged) ClientAreaChanged();
 }
 
-void DockStudio::OnDpiChanged() {
+void DockStudio::OnDpiChanged(int dpi) {
   const BarLayout layout = toolBands_.Layout();
+  dpi_ = dpi;
   LoadPictures();
   toolBands_.Arrange(layout);
   LayOut();

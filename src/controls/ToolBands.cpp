@@ -44,8 +44,6 @@ HWND ToolBands::CreateBand() {
   ::SendMessageW(band, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
   // What isn't whole on the band is in the chevron's menu.
   ::SendMessageW(band, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_HIDECLIPPEDBUTTONS);
-  const auto font = ::SendMessageW(owner_, WM_GETFONT, 0, 0);
-  ::SendMessageW(band, WM_SETFONT, static_cast<WPARAM>(font), FALSE);
   bands_.push_back(band);
   return band;
 }
@@ -66,12 +64,14 @@ void ToolBands::AddButton(HWND band, const Tool& tool) {
 void ToolBands::LoadPictures(int dpi) {
   dpi_ = dpi;
   const int large = ScaleForDpi(kLargePicture, dpi);
+  const auto font = static_cast<WPARAM>(::SendMessageW(owner_, WM_GETFONT, 0, 0));
   const HIMAGELIST pictures = ::ImageList_Create(large, large, ILC_COLOR32 | ILC_MASK, 8, 4);
   for (const Tool* tool : tools_) {
     const UniqueIcon icon = LoadPicture(std::string(tool->largePicture).c_str(), large);
     ::ImageList_ReplaceIcon(pictures, -1, icon.Get());
   }
   for (const HWND band : bands_) {
+    ::SendMessageW(band, WM_SETFONT, font, FALSE);
     ::SendMessageW(band, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
     ::SendMessageW(band, TB_AUTOSIZE, 0, 0);
   }

@@ -30,15 +30,26 @@ frmOpenJob::frmOpenJob(AppState& state, Platform& platform)
 }
 
 void frmOpenJob::Load() {
-  ImageList1.Create(ScaleForDpi(16, Dpi()));
-  ImageList1.AddPicture("job");
-  ListView1.SetSmallIcons(ImageList1.Handle());
+  LoadPictures();
   ListView1.SetColumns(kColumns);
   jobs_ = ListSavedJobs(DataFolder(platform_.files, state_));
   ListView1.SetRowCount(static_cast<int>(jobs_.size()));
   SizeColumns();
   if (!jobs_.empty()) ListView1.SelectRow(1);
   cmdOK.SetEnabled(!jobs_.empty());
+}
+
+void frmOpenJob::LoadPictures() {
+  ImageList former;  // shown until the list has the new one
+  former.Swap(ImageList1);
+  ImageList1.Create(ScaleForDpi(16, Dpi()));
+  ImageList1.AddPicture("job");
+  ListView1.SetSmallIcons(ImageList1.Handle());
+}
+
+void frmOpenJob::DpiChanged() {
+  LoadPictures();
+  SizeColumns();
 }
 
 void frmOpenJob::SizeColumns() {

@@ -146,6 +146,24 @@ TEST_F(FolderRows, StayWithTheirFoldersWhereMaskOrSubFoldersLeaveSomething) {
   ExpectKept();
 }
 
+TEST_F(FolderRows, OfAnyLengthOfPathAreThereAndGo) {
+  std::string name = "papers";
+  while (name.size() < 300) name += "\\" + std::string(40, 'p');
+  const std::string secret = Secret(name + "\\letter.txt");
+  const std::string folder = scratch_ / name;
+  const Program program(exe_, Quoted(MakeJob({{folder, "*.*", "Yes"}})));
+  const MainWindow main(program);
+  main.list.WaitRows(1);
+  EXPECT_FALSE(IsGhosted(main, 0));
+  Confirm(program, main);
+  Close(program, main, kComplete);
+  EXPECT_FALSE(PathExists(secret));
+  EXPECT_FALSE(PathExists(folder));
+  EXPECT_FALSE(FolderHolds(scratch_.Path(), kMark));
+  EXPECT_TRUE(IsGhosted(main, 0));
+  EXPECT_THAT(ReportBody(), ElementsAre("\"[FOLDERS]\"", Quoted(folder), "\"[FILES]\"", "\"[ERRORS]\""));
+}
+
 TEST_F(FolderRows, StayWhereAFileInThemIsInUse) {
   const std::string folder = scratch_ / "papers";
   const std::string letter = Secret("papers\\letter.txt");

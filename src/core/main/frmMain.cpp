@@ -5,6 +5,7 @@
 #include <windowsx.h>
 
 #include <array>
+#include <utility>
 
 #include "ancillary/frmWelcome.h"
 #include "core/main/CommandTable.h"
@@ -119,16 +120,10 @@ void frmMain::Load() {
   const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_USEREX_CLASSES};
   ::InitCommonControlsEx(&classes);
 
-  smallWindowIcon_ = LoadProgramIcon(::GetSystemMetricsForDpi(SM_CXSMICON, static_cast<UINT>(Dpi())));
-  largeWindowIcon_ = LoadProgramIcon(::GetSystemMetricsForDpi(SM_CXICON, static_cast<UINT>(Dpi())));
-  ::SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallWindowIcon_.Get()));
-  ::SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeWindowIcon_.Get()));
-  ImageList3.Create(ScaleForDpi(16, Dpi()));
-  ImageList3.AddPicture("folder");
-  ImageList3.AddPicture("file");
-  ListView1.SetSmallIcons(ImageList3.Handle());
+  windowIcons_.Show(Handle(), Dpi());
+  LoadRowPictures();
   ListView1.SetColumns(kColumns);
-  DockStudio1.Create(Handle(), MainBars());
+  DockStudio1.Create(Handle(), MainBars(), Dpi());
   SetDesignSize();
 
   if (platform_.process.EarlierInstanceRuns()) {
@@ -178,6 +173,26 @@ void frmMain::Show() {
 void frmMain::LoadBarLayout() {
   if (dataFolder_.HasFile(kBarLayoutFile))
     DockStudio1.LoadLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
+}
+
+void frmMain::DpiChanged() {
+  windowIcons_.Show(Handle(), Dpi());
+  LoadRowPictures();
+  DockStudio1.OnDpiChanged(Dpi());
+}
+
+void frmMain::LoadRowPictures() {
+  ImageList former;  // shown until the list has the new ones
+  former.Swap(ImageList3);
+  ImageList3.Create(ScaleForDpi(16, Dpi()));
+  ImageList3.AddPicture("folder");
+  ImageList3.AddPicture("file");
+  const std::vector<DrawnIcon> drawn = std::exchange(drawnIcons_, {});
+  for (const DrawnIcon& icon : drawn) {
+    DrawFileIcon(icon.key, icon.flags);
+    AddDrawnPicture();
+  }
+  ListView1.SetSmallIcons(ImageList3.Handle());
 }
 
 void frmMain::SetDesignSize() {
@@ -254,9 +269,6 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
     case WM_SIZE:
       DockStudio1.OnSize();
       return 0;
-    case WM_DPICHANGED:
-      DockStudio1.OnDpiChanged();
-      return std::nullopt;
     case WM_CONTEXTMENU:
       if (reinterpret_cast<HWND>(wParam) != ListView1.Handle()) return std::nullopt;
       DockStudio1.PopupMenu(kActionsMenu, lParam == -1 ? ListView1.MenuPlace()
@@ -339,6 +351,7 @@ void frmMain::MeasureSmallIcon(const std::string& key, std::uint32_t flags) {
 }
 
 void frmMain::DrawFileIcon(const std::string& key, std::uint32_t flags) {
+  drawnIcons_.push_back({key, flags});
   SHFILEINFOW info{};
   ::SHGetFileInfoW(ToWide(key).c_str(), FILE_ATTRIBUTE_NORMAL, &info, sizeof info, SHGFI_ICON | flags);
   drawnIcon_.Reset(info.hIcon);
