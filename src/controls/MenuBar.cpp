@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "platform/win32/Wide.h"
+
 namespace zq {
 namespace {
 
@@ -34,17 +36,17 @@ void MenuBar::Create(HWND owner, std::span<const Menu> menus, UINT firstId) {
     const HMENU popup = ::CreatePopupMenu();
     for (const Tool& tool : menu.tools) {
       if (tool.name.empty()) {
-        ::AppendMenuA(popup, MF_SEPARATOR, 0, nullptr);
+        ::AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
         continue;
       }
       std::string text(tool.caption);
       if (tool.shortcut.key) text += "\t" + ShortcutText(tool.shortcut);
-      ::AppendMenuA(popup, MF_STRING, firstId + tools_.size(), text.c_str());
+      ::AppendMenuW(popup, MF_STRING, firstId + tools_.size(), ToWide(text).c_str());
       tools_.push_back(&tool);
       popupOfTool_.push_back(popup);
     }
     popups_.push_back(popup);
-    ::AppendMenuA(bar_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), std::string(menu.caption).c_str());
+    ::AppendMenuW(bar_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), ToWide(menu.caption).c_str());
   }
   ::SetMenu(owner, bar_);
 }
@@ -57,11 +59,11 @@ void MenuBar::LoadPictures(int dpi, MenuLook look) {
 }  // the pictures before go only now that no item shows them
 
 void MenuBar::ShowPicture(UINT id) {
-  MENUITEMINFOA item{};
+  MENUITEMINFOW item{};
   item.cbSize = sizeof item;
   item.fMask = MIIM_BITMAP;
   item.hbmpItem = pictures_.ForItem(id, !IsEnabled(id));
-  if (item.hbmpItem) ::SetMenuItemInfoA(popupOfTool_[id - firstId_], id, FALSE, &item);
+  if (item.hbmpItem) ::SetMenuItemInfoW(popupOfTool_[id - firstId_], id, FALSE, &item);
 }
 
 void MenuBar::SetEnabled(UINT id, bool enabled) {

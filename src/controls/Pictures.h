@@ -14,6 +14,9 @@ namespace zq {
 // The named picture at `pixels` square: the nearest size that the resource holds, scaled where it must be.
 UniqueIcon LoadPicture(const char* name, int pixels);
 
+// The program's own icon, likewise.
+UniqueIcon LoadProgramIcon(int pixels);
+
 // The same in the upper left corner of a bitmap of `size` with premultiplied alpha, transparent beside it.
 // `change`, if there is one, then changes all its pixels, 0xAARRGGBB.
 using PixelChange = std::function<void(std::span<std::uint32_t> pixels)>;
