@@ -18,12 +18,15 @@
 #include "jobs/frmOpenJob.h"
 #include "jobs/frmSave.h"
 #include "platform/win32/RunTimeErrorReport.h"
+#include "platform/win32/Win32Drives.h"
 #include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32Regional.h"
 #include "platform/win32/Win32Registry.h"
 #include "reports/frmPrintReport.h"
+#include "wipe/frmDriveWipe.h"
+#include "wipe/frmSpaceStatus.h"
 #include "wipe/frmStatus.h"
 
 namespace zq {
@@ -41,6 +44,7 @@ struct Program {
     return Default<frmMain>::IsLoaded() ? static_cast<Form&>(Default<frmMain>::Touch()).Handle() : nullptr;
   }};
   Platform platform{files, messageBoxes, process, regional, registry, longWork};
+  Win32Drives drives;
 };
 
 void TellForms(Program& program) {
@@ -51,6 +55,12 @@ void TellForms(Program& program) {
       [&program] { return std::make_unique<frmMain>(program.state, program.platform); });
   Default<frmStatus>::SetFactory([&program] {
     return std::make_unique<frmStatus>(program.state, program.platform, Default<frmMain>::Touch().Driver());
+  });
+  Default<frmDriveWipe>::SetFactory(
+      [&program] { return std::make_unique<frmDriveWipe>(program.state, program.platform, program.drives); });
+  Default<frmSpaceStatus>::SetFactory([&program] {
+    return std::make_unique<frmSpaceStatus>(program.state, program.platform,
+                                            Default<frmMain>::Touch().FreeSpaceDriver());
   });
   Default<frmPrintReport>::SetFactory(
       [&program] { return std::make_unique<frmPrintReport>(program.state, program.platform); });

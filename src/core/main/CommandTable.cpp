@@ -45,7 +45,7 @@ constexpr Command kActionsCommands[] = {
     {{"mnuActionsRemove",        "&Remove Selected Item", kDelete, "delete",         ""}, &Commands::RemoveSelectedItem},
     {{"mnuActionsEdit",          "&Edit Folder Item...",  kNoKey,  "",               ""}, &Commands::EditFolderItem},
     kSeparator,
-    {{"mnuActionsWipeFreeSpace", "Wipe &Free Space...",   kNoKey,  "wipspacesmall",  ""}, nullptr},
+    {{"mnuActionsWipeFreeSpace", "Wipe &Free Space...",   kNoKey,  "wipspacesmall",  ""}, &Commands::WipeFreeSpace},
     kSeparator,
     {{"mnuActionsWipeNow",       "&Wipe Now",             kF10,    "MainSmall",      ""}, &Commands::RunJobWipe},
 };
@@ -74,7 +74,7 @@ constexpr Command kToolBarCommands[] = {
     {{"WipeNow",       "Wipe Now",        kNoKey, "MainSmall",      "MainLarge",
       "Wipe all items of the job"}, &Commands::RunJobWipe},
     {{"WipeFreeSpace", "Wipe Free Space", kNoKey, "wipspacesmall",  "wipespacelarge",
-      "Wipe the free space of a drive"}, nullptr},
+      "Wipe the free space of a drive"}, &Commands::WipeFreeSpace},
 };
 
 constexpr std::string_view kBandNames[] = {"Job", "Items", "Wiping"};
