@@ -2,7 +2,7 @@
 // the way back it is as it was.
 #include <gmock/gmock.h>
 
-#include <algorithm>
+#include <cstdlib>
 #include <ostream>
 
 #include "Driving.h"
@@ -160,6 +160,21 @@ class DpiTest : public MainFormTest {
     }
   }
 
+  // The arrangement of the bands is kept in pixels of 96 dpi, so that they may come back a little beside.
+  static void ExpectSame(std::vector<Laid> now, const std::vector<Laid>& before) {
+    ASSERT_EQ(now.size(), before.size());
+    for (std::size_t i = 0; i < now.size(); ++i) {
+      const RECT& wanted = before[i].place;
+      RECT& place = now[i].place;
+      if (now[i].what.ends_with("ToolbarWindow32") && std::abs(place.left - wanted.left) <= 2 &&
+          std::abs(place.right - wanted.right) <= 2) {
+        place.left = wanted.left;
+        place.right = wanted.right;
+      }
+    }
+    EXPECT_THAT(now, ElementsAreArray(before));
+  }
+
   static HIMAGELIST PicturesOf(const ListView& list) {
     return ListView_GetImageList(list.Handle(), LVSIL_SMALL);
   }
@@ -284,9 +299,7 @@ TEST_F(DpiTest, MainWindowFollowsWithItsBarsAndItsList) {
     EXPECT_TRUE(::EqualRect(&area, &list)) << "the list fills what the bars leave";
     EXPECT_EQ(main.ListView1.ColumnWidth(0), (list.right - list.left) / 2);
     TakePicture(Window(form.Handle()), PictureName("main", now == dpi ? other : dpi, now));
-    if (now == dpi) {
-      EXPECT_THAT(LayoutOf(form), ElementsAreArray(before));
-    }
+    if (now == dpi) ExpectSame(LayoutOf(form), before);
   }
 }
 
