@@ -78,8 +78,9 @@ void JobWipe::RunJobWipe() {
   state_.CancelRequested = false;
   state_.TotalWipeItems = FixedPoint();
   ProcessedWipeItems = FixedPoint();
-  mainWindow_.Hide();
+  // Before the main window goes: a program without a window loses the front to another one.
   statusWindow_.Show();
+  mainWindow_.Hide();
   ClearReportLists();
 
   statusWindow_.SetCancelEnabled(false);
@@ -98,8 +99,8 @@ void JobWipe::RunJobWipe() {
   ClearReportLists();
   if (reportViewer_) reportViewer_->Load();
 
-  statusWindow_.Unload();
   mainWindow_.Show();
+  statusWindow_.Unload();
   const char* outcome = state_.CancelRequested ? kCancelled : kComplete;
   if (platform_.messageBoxes.Show({WithQuestion(outcome, kReviewReport), "Wipe Operation",
                                    MessageIcon::Question, MessageButtons::YesNo}) != MessageAnswer::No &&
@@ -249,6 +250,12 @@ void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal,
   statusWindow_.SetOverall(update.overall);
   statusWindow_.SetCaption(update.caption);
   // While a file is in work, a click on Cancel gets through here alone.
+  platform_.process.PumpMessages();
+}
+
+void JobWipe::SFD1_WorkElsewhere(const std::string& itemName) {
+  if (state_.FreeSpaceActive) return;
+  statusWindow_.SetStatus(ProgressStatus(0, 0, itemName, platform_.regional));
   platform_.process.PumpMessages();
 }
 
