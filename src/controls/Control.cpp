@@ -1,6 +1,8 @@
 #include "controls/Control.h"
 
+#include "controls/Ellipsis.h"
 #include "controls/Pictures.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 
@@ -36,6 +38,25 @@ void Label::SetBold() {
   font.lfWeight = FW_BOLD;
   font_.Reset(::CreateFontIndirectA(&font));
   ::SendMessageA(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), TRUE);
+}
+
+void LongLabel::OnDraw(const DRAWITEMSTRUCT& draw) {
+  constexpr UINT kFormat = DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
+  const int saved = ::SaveDC(draw.hDC);
+  ::SelectObject(draw.hDC, reinterpret_cast<HFONT>(::SendMessageW(Handle(), WM_GETFONT, 0, 0)));
+  const LRESULT brush = ::SendMessageW(form().Handle(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(draw.hDC),
+                                       reinterpret_cast<LPARAM>(Handle()));
+  ::FillRect(draw.hDC, &draw.rcItem,
+             brush ? reinterpret_cast<HBRUSH>(brush) : ::GetSysColorBrush(COLOR_BTNFACE));
+  ::SetBkMode(draw.hDC, TRANSPARENT);
+  RECT place = draw.rcItem;
+  const auto fits = [&](const std::string& text) {
+    RECT needed = place;
+    return ::DrawTextW(draw.hDC, ToWide(text).c_str(), -1, &needed, kFormat | DT_CALCRECT) <=
+           place.bottom - place.top;
+  };
+  ::DrawTextW(draw.hDC, ToWide(MiddleEllipsis(Text(), fits)).c_str(), -1, &place, kFormat);
+  ::RestoreDC(draw.hDC, saved);
 }
 
 void Image::Attached() {

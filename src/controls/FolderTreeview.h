@@ -59,6 +59,7 @@ class FolderTreeview : public Control {
   HTREEITEM FindOrInsert(HTREEITEM parent, PCUITEMID_CHILD wanted);
   Node& NodeOf(HTREEITEM item) const;
   void GetDisplayInfo(TVITEMW& item) const;
+  LRESULT CustomDraw(NMTVCUSTOMDRAW& draw) const;
   void TellSelection(const Node& node);
 
   std::vector<std::unique_ptr<Node>> nodes_;  // an item's lParam is its node
