@@ -81,6 +81,9 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   const INITCOMMONCONTROLSEX classes{sizeof classes,
                                      ICC_WIN95_CLASSES | ICC_COOL_CLASSES | ICC_STANDARD_CLASSES};
   ::InitCommonControlsEx(&classes);
+  // The ghost that Windows draws of a window that doesn't answer for five seconds invites to end the program,
+  // and that would be in the middle of a file.
+  ::DisableProcessWindowsGhosting();
   try {
     if (FAILED(::OleInitialize(nullptr))) return 1;
     zq::Run();

@@ -6,6 +6,7 @@
 // says so. A call that returns a failure has changed nothing, or at most written a part of the data.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <compare>
@@ -195,6 +196,14 @@ class Folder {
   // Opens a folder inside this one; refused if it is a link.
   virtual Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) = 0;
   virtual Status AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) = 0;
+  // Opens the folder that holds this one by now, wherever that is: the caller has to look which one it is.
+  // Only where Device::OpenAtOnce limits the levels of a walk.
+  virtual Status OpenAbove(std::unique_ptr<Folder>& folder);
+
+  // The length of a name in the units in which the file system stores it, at least 1.
+  virtual std::size_t NameLength(const std::string& name) const {
+    return std::max<std::size_t>(name.size(), 1);
+  }
 
   // The folder's own named streams, as for File.
   virtual Status ListStreams(std::vector<std::string>& names) = 0;
@@ -274,8 +283,13 @@ class Device {
   virtual Status Split(const std::string& path, std::string& folderPath, std::string& name) const = 0;
   virtual std::string Join(const std::string& folderPath, const std::string& name) const = 0;
 
-  // The length of a name in the units in which the file system stores it, at least 1.
-  virtual std::size_t NameLength(const std::string& name) const = 0;
+  // How many may be open at once, so that enough is left for the rest of the process.
+  struct Limits {
+    std::size_t files = SIZE_MAX;
+    std::size_t folders = SIZE_MAX;  // that are kept for something to be done in them later
+    std::size_t levels = SIZE_MAX;   // on the way from the top of a walk down to where it is
+  };
+  virtual Limits OpenAtOnce() const { return {}; }
 
   // Whether a folder can be renamed while folders inside it are open, and these can be worked on after.
   virtual bool RenamesOpenFolders() const { return false; }

@@ -27,6 +27,7 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
       if (!HoldsFileOfSeveralNames() && failure.trouble != Trouble::TooManyOpen) throw;
       item->file.reset();
       Run();
+      if (failure.trouble == Trouble::TooManyOpen && makeRoom_) makeRoom_();
       open();
     }
     if (HoldsSameFile(*item->file)) {
@@ -70,7 +71,7 @@ bool FileBatch::HoldsSameFile(FileWipe& file) const {
 }
 
 bool FileBatch::IsFull() const {
-  return bytes_ >= kMostBytes || parts_ >= operation_.pace.FilesAtOnce();
+  return bytes_ >= kMostBytes || parts_ >= std::min(operation_.pace.FilesAtOnce(), mostOpen_);
 }
 
 template <typename Step>
@@ -274,7 +275,7 @@ void FileBatch::Erase(std::size_t first) {
 }
 
 void FileBatch::HideLink(Item& link) {
-  HideName(operation_, link.link.name, link.linkItem.path, link.place->shortestName,
+  HideName(operation_, *link.place->folder, link.link.name, link.linkItem.path, link.place->shortestName,
            [&](const std::string& newName) {
              Status status = link.place->folder->Rename(link.link, newName);
              if (status.Ok()) link.link.name = newName;

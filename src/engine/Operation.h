@@ -146,12 +146,12 @@ class Operation {
   std::array<std::size_t, 2> patternBytes_{};  // so much of the small and of the large unit is filled
 };
 
-// Steps through random names for an entry that is now called `name`: one of the same length, so that the
-// name is overwritten where it stands, then one half as long and one of a single character, so that not
-// even the length is kept. `rename` carries out one step; a taken name is tried again with another one.
+// Steps through random names for an entry of `folder` that is now called `name`: one of the same length, so
+// that the name is overwritten where it stands, then one half as long and one of a single character, so that
+// not even the length is kept. `rename` carries out one step; a taken name is tried again with another one.
 // `shortest` belongs to the folder: 1 at first, it grows as the short names there are used up.
 // Throws Failure, with `path` as the subject; returns the last name.
-std::string HideName(Operation& operation, std::string name, const std::string& path, std::size_t& shortest,
-                     const std::function<Status(const std::string& newName)>& rename);
+std::string HideName(Operation& operation, const Folder& folder, std::string name, const std::string& path,
+                     std::size_t& shortest, const std::function<Status(const std::string& newName)>& rename);
 
 }  // namespace zq::engine

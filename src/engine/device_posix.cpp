@@ -23,7 +23,7 @@ namespace {
 
 class PosixDevice final : public Device {
  public:
-  explicit PosixDevice(const DeviceOptions& options) : options_(options) {}
+  PosixDevice(const DeviceOptions& options, std::size_t mostOpen) : options_(options), mostOpen_(mostOpen) {}
 
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override {
     UniqueFd fd(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -50,8 +50,10 @@ class PosixDevice final : public Device {
     if (!status.Ok()) return status;
     id = {facts.Id(), facts.mount};
     // The engine needs descriptors, too.
-    constexpr int kMostHeld = 256;
-    if (fd.IsOpen() && fd.Get() < kMostHeld) id.hold = std::make_shared<UniqueFd>(std::move(fd));
+    constexpr std::size_t kMostHeld = 256;
+    const std::size_t mostHeld = std::min(mostOpen_ / 4, kMostHeld);
+    if (fd.IsOpen() && static_cast<std::size_t>(fd.Get()) < mostHeld)
+      id.hold = std::make_shared<UniqueFd>(std::move(fd));
     return {};
   }
 
@@ -73,16 +75,12 @@ class PosixDevice final : public Device {
     return folderPath + '/' + name;
   }
 
-  // File systems that take more than 255 bytes count in units of UTF-16, and 255 of these.
-  std::size_t NameLength(const std::string& name) const override {
-    constexpr std::size_t kMostBytes = 255;
-    if (name.size() <= kMostBytes) return std::max<std::size_t>(name.size(), 1);
-    std::size_t units = 0;
-    for (const char c : name) {
-      const auto byte = static_cast<unsigned char>(c);
-      if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
-    }
-    return std::clamp<std::size_t>(units, 1, kMostBytes);
+  // Shares of what the process may have: the rest is for what is opened for a moment.
+  Limits OpenAtOnce() const override {
+    constexpr std::size_t kMostFolders = 128;
+    constexpr std::size_t kMostLevels = 64;
+    const std::size_t share = std::max<std::size_t>(mostOpen_ / 8, 4);
+    return {share * 2, std::min(share, kMostFolders), std::min(share, kMostLevels)};
   }
 
   // All work goes by descriptors, which don't care what a folder is called.
@@ -220,6 +218,7 @@ class PosixDevice final : public Device {
   }
 
   DeviceOptions options_;
+  std::size_t mostOpen_;  // what the process may have open
 };
 
 }  // namespace
@@ -228,10 +227,10 @@ std::unique_ptr<Device> MakeSystemDevice(const DeviceOptions& options) {
   // As many as the process may have without asking anybody.
   rlimit limit{};
   if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
-    limit.rlim_cur = limit.rlim_max;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
+    const rlim_t before = std::exchange(limit.rlim_cur, limit.rlim_max);
+    if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) limit.rlim_cur = before;
   }
-  return std::make_unique<PosixDevice>(options);
+  return std::make_unique<PosixDevice>(options, static_cast<std::size_t>(limit.rlim_cur));
 }
 
 }  // namespace zq::engine

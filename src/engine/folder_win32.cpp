@@ -24,6 +24,10 @@ class WindowsFolder final : public Folder {
     return code == kSuccess ? Status{} : FromCode(code);
   }
 
+  std::size_t NameLength(const std::string& name) const override {
+    return std::max<std::size_t>(Wide(name).size(), 1);
+  }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};

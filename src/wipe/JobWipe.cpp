@@ -137,7 +137,8 @@ void JobWipe::CountRows() {
 void JobWipe::CountRow(const JobRow& row) {
   std::string path = row.NameAndLocation;
   if (HasSubFoldersText(row)) {
-    SearchFolder(platform_.files, path, "*", row.FolderMask, IncludesSubFolders(row), state_.TotalWipeItems);
+    SearchFolder(platform_.files, platform_.process, path, "*", row.FolderMask, IncludesSubFolders(row),
+                 state_.TotalWipeItems);
   } else {
     ++state_.TotalWipeItems;
     ClearAttributes(platform_.files, path);

@@ -96,6 +96,15 @@ const Scene kScenes[] = {
      },
      [](EngineRig& rig) { return rig.engine.WipeFolder("/f/top", 3); },
      [](EngineRig& rig) { return rig.device.Find("/f")->children.empty(); }},
+    {"tree deeper than folders can be open",
+     [](EngineRig& rig) {
+       rig.device.renamesOpenFolders = true;
+       rig.device.openAtOnce = {4, 3, 4};
+       rig.device.MakeFile("/f/top/1/2/3/4/5/6/x", Secret(100));
+       rig.device.MakeFile("/f/top/1/x", Secret(100));
+     },
+     [](EngineRig& rig) { return rig.engine.WipeFolder("/f/top", 3); },
+     [](EngineRig& rig) { return rig.device.Find("/f")->children.empty(); }},
 };
 
 class EveryFault : public ::testing::TestWithParam<std::tuple<std::size_t, Fault>> {};
@@ -131,8 +140,9 @@ TEST_P(EveryFault, IsToldAndRemovesNothingUnfinished) {
       ++survived;
       EXPECT_TRUE(scene.done(rig)) << "success was told for an unfinished wipe";
       // What keeps nothing from being wiped is told in the note: dates that can't be set, and names that
-      // can't be covered once their files are gone.
-      if (fault == Fault::FailOnce) {
+      // can't be covered once their files are gone. A folder that can't be opened from inside is by its name.
+      const bool hasOtherWay = rig.device.faultKind == "open above" || rig.device.faultKind == "identity";
+      if (fault == Fault::FailOnce && !hasOtherWay) {
         EXPECT_THAT(rig.device.faultKind, ::testing::AnyOf("set dates", "flush folder"));
         EXPECT_THAT(rig.engine.Note(), HasSubstr(rig.device.faultKind == "set dates"
                                                      ? "The dates of what was wiped"

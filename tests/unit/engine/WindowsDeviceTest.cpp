@@ -253,10 +253,12 @@ TEST(WindowsDevice, KnowsTheRootsOfDrivesAndShares) {
 }
 
 TEST(WindowsDevice, CountsNamesInTheUnitsOfTheFileSystem) {
-  const std::unique_ptr<Device> device = MakeSystemDevice();
-  EXPECT_EQ(device->NameLength("abc"), 3u);
-  EXPECT_EQ(device->NameLength("日記"), 2u);
-  EXPECT_EQ(device->NameLength("🙂"), 2u);
+  const Scratch scratch;
+  std::unique_ptr<Folder> folder;
+  ASSERT_TRUE(MakeSystemDevice()->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  EXPECT_EQ(folder->NameLength("abc"), 3u);
+  EXPECT_EQ(folder->NameLength("日記"), 2u);
+  EXPECT_EQ(folder->NameLength("🙂"), 2u);
 }
 
 TEST(WindowsDevice, RemovesAFolderThatExplorerHasMarkedAsReadOnly) {
