@@ -260,11 +260,6 @@ void JobWipe::SFD1_WorkElsewhere(const std::string& itemName) {
   platform_.process.PumpMessages();
 }
 
-void JobWipe::SFD1_WipeError(std::int32_t errorCode, const std::string& errorText) {
-  // A job wipe asks for the text when a member has failed; a free-space wipe has this event alone.
-  if (state_.FreeSpaceActive && errorCode != 0) state_.FreeSpaceError = errorText;
-}
-
 void JobWipe::SFD1_ItemWiped(const std::string& /*itemName*/) {
   ++ProcessedWipeItems;
 }

@@ -18,18 +18,14 @@ void frmStatus::Load() {
 }
 
 // The Enter that the confirmation before the wipe was answered with, still held down, answers nothing here.
-// Its repetitions are marked as such; where the system forgets to, we know that it was down from the start.
 bool frmStatus::TranslateShortcut(MSG& message) {
-  if (message.wParam != VK_RETURN) return false;
-  if (message.message == WM_KEYUP) enterIsHeld_ = false;
-  constexpr LPARAM kRepeated = LPARAM{1} << 30;
-  return message.message == WM_KEYDOWN && (enterIsHeld_ || (message.lParam & kRepeated) != 0);
+  constexpr LPARAM kHeldDown = LPARAM{1} << 30;
+  return message.message == WM_KEYDOWN && message.wParam == VK_RETURN && (message.lParam & kHeldDown) != 0;
 }
 
 void frmStatus::SetCancelEnabled(bool enabled) {
   cmdCancel.SetEnabled(enabled);
   if (!enabled) return;
-  enterIsHeld_ = ::GetAsyncKeyState(VK_RETURN) < 0;
   // The system takes the focus from a button that is disabled, and gives it to no other.
   cmdCancel.SetFocus();
 }

@@ -37,7 +37,6 @@ class frmStatus final : public Form {
   AppState& state_;
   Platform& platform_;
   JobWipe& jobWipe_;
-  bool enterIsHeld_ = false;  // since before the button could be pressed
 };
 
 // The window as the driver sees it: each call goes to the present instance, made afresh when there is none.

@@ -86,7 +86,9 @@ frmMain::frmMain(AppState& state, Platform& platform)
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
       reportWindow_(*this),
       jobWipe_(state, jobList_, platform, *this, statusWindow_, &reportWindow_),
-      SFD1(jobWipe_),
+      freeSpaceWipe_(state, platform, *this, spaceStatusWindow_),
+      wipeHandlers_(jobWipe_, freeSpaceWipe_),
+      SFD1(wipeHandlers_),
       commands_({.state = state,
                  .jobList = jobList_,
                  .platform = platform,
@@ -94,10 +96,12 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .addFiles = addFiles_,
                  .jobLifecycle = jobLifecycle_,
                  .jobWipe = jobWipe_,
+                 .freeSpaceWipe = freeSpaceWipe_,
                  .folderDialog = *this,
                  .windows = *this,
                  .reportViewer = &reportWindow_}) {
   jobWipe_.SetEngine(&SFD1, &SFD1);
+  freeSpaceWipe_.SetEngine(&SFD1);
   jobList_.SetView(this);
 
   DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };
