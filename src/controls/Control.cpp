@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "controls/Ellipsis.h"
 #include "controls/Pictures.h"
 #include "platform/win32/Wide.h"
 
@@ -49,6 +50,25 @@ void Label::SetBold() {
   UniqueFont bold(::CreateFontIndirectW(&font));
   ::SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(bold.Get()), TRUE);
   font_ = std::move(bold);  // the one before is in use until here
+}
+
+void LongLabel::OnDraw(const DRAWITEMSTRUCT& draw) {
+  constexpr UINT kFormat = DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
+  const int saved = ::SaveDC(draw.hDC);
+  ::SelectObject(draw.hDC, reinterpret_cast<HFONT>(::SendMessageW(Handle(), WM_GETFONT, 0, 0)));
+  const LRESULT brush = ::SendMessageW(form().Handle(), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(draw.hDC),
+                                       reinterpret_cast<LPARAM>(Handle()));
+  ::FillRect(draw.hDC, &draw.rcItem,
+             brush ? reinterpret_cast<HBRUSH>(brush) : ::GetSysColorBrush(COLOR_BTNFACE));
+  ::SetBkMode(draw.hDC, TRANSPARENT);
+  RECT place = draw.rcItem;
+  const auto fits = [&](const std::string& text) {
+    RECT needed = place;
+    return ::DrawTextW(draw.hDC, ToWide(text).c_str(), -1, &needed, kFormat | DT_CALCRECT) <=
+           place.bottom - place.top;
+  };
+  ::DrawTextW(draw.hDC, ToWide(MiddleEllipsis(Text(), fits)).c_str(), -1, &place, kFormat);
+  ::RestoreDC(draw.hDC, saved);
 }
 
 void Image::LoadSized() {

@@ -43,6 +43,7 @@ class Control {
   virtual void DpiChanged() {}
   virtual void OnCommand(WORD) {}
   virtual bool OnNotify(const NMHDR&, LRESULT&) { return false; }
+  virtual void OnDraw(const DRAWITEMSTRUCT&) {}
 
  private:
   friend class Form;
@@ -66,6 +67,15 @@ class Label : public Control {
 
  private:
   UniqueFont font_;
+};
+
+// Of several lines, owner-drawn: a text that has no room is drawn with an ellipsis in its middle.
+class LongLabel : public Label {
+ public:
+  using Label::Label;
+
+ protected:
+  void OnDraw(const DRAWITEMSTRUCT& draw) override;
 };
 
 class Button : public Control {

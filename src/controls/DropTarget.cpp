@@ -3,11 +3,13 @@
 #include <commctrl.h>
 #include <ole2.h>
 #include <shellapi.h>
+#include <shlobj.h>
 
 #include <deque>
 #include <exception>
 
 #include "platform/win32/RunTimeErrorReport.h"
+#include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -37,12 +39,25 @@ bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
   return true;
 }
 
+// The shell's drawer of what is dragged; null where it has none, and the pointer alone moves then.
+ComPointer<IDropTargetHelper> DragPicture() {
+  void* helper = nullptr;
+  if (FAILED(::CoCreateInstance(CLSID_DragDropHelper, nullptr, CLSCTX_INPROC_SERVER, IID_IDropTargetHelper,
+                                &helper)))
+    return {};
+  return ComPointer<IDropTargetHelper>(static_cast<IDropTargetHelper*>(helper));
+}
+
+POINT PointOf(POINTL point) {
+  return {point.x, point.y};
+}
+
 }  // namespace
 
 class DropTarget::Target final : public IDropTarget {
  public:
   Target(HWND hwnd, std::function<void(const DroppedPaths&)> dropped)
-      : hwnd_(hwnd), dropped_(std::move(dropped)) {
+      : hwnd_(hwnd), dropped_(std::move(dropped)), picture_(DragPicture()) {
     ::SetWindowSubclass(hwnd_, &Target::Receive, kSubclassId, reinterpret_cast<DWORD_PTR>(this));
   }
   ~Target() { ::RemoveWindowSubclass(hwnd_, &Target::Receive, kSubclassId); }
@@ -63,16 +78,27 @@ class DropTarget::Target final : public IDropTarget {
     return left;
   }
 
-  HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD, POINTL, DWORD* effect) override {
+  HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD, POINTL point, DWORD* effect) override {
     FORMATETC format = FileListFormat();
     // A window behind a modal one is disabled, and takes nothing.
     accepts_ = SUCCEEDED(data->QueryGetData(&format)) && ::IsWindowEnabled(::GetAncestor(hwnd_, GA_ROOT));
-    return Answer(effect);
+    Answer(effect);
+    POINT place = PointOf(point);
+    if (picture_) picture_->DragEnter(hwnd_, data, &place, *effect);
+    return S_OK;
   }
-  HRESULT STDMETHODCALLTYPE DragOver(DWORD, POINTL, DWORD* effect) override { return Answer(effect); }
-  HRESULT STDMETHODCALLTYPE DragLeave() override { return S_OK; }
+  HRESULT STDMETHODCALLTYPE DragOver(DWORD, POINTL point, DWORD* effect) override {
+    Answer(effect);
+    POINT place = PointOf(point);
+    if (picture_) picture_->DragOver(&place, *effect);
+    return S_OK;
+  }
+  HRESULT STDMETHODCALLTYPE DragLeave() override {
+    if (picture_) picture_->DragLeave();
+    return S_OK;
+  }
 
-  HRESULT STDMETHODCALLTYPE Drop(IDataObject* data, DWORD, POINTL, DWORD* effect) override {
+  HRESULT STDMETHODCALLTYPE Drop(IDataObject* data, DWORD, POINTL point, DWORD* effect) override {
     try {
       DroppedPaths paths;
       if (accepts_ && ReadFileList(*data, paths)) {
@@ -82,16 +108,18 @@ class DropTarget::Target final : public IDropTarget {
     } catch (...) {
       ReportAndEnd(std::current_exception());
     }
-    return Answer(effect);
+    Answer(effect);
+    POINT place = PointOf(point);
+    if (picture_) picture_->Drop(data, &place, *effect);
+    return S_OK;
   }
 
  private:
   // The paths are copied out; the files stay where they are. Move is never answered: the source would
   // delete them.
-  HRESULT Answer(DWORD* effect) const {
+  void Answer(DWORD* effect) const {
     *effect = accepts_ ? (*effect & DROPEFFECT_COPY ? DROPEFFECT_COPY : *effect & DROPEFFECT_LINK)
                        : DROPEFFECT_NONE;
-    return S_OK;
   }
 
   static LRESULT CALLBACK Receive(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
@@ -115,6 +143,7 @@ class DropTarget::Target final : public IDropTarget {
   ULONG references_ = 1;
   std::deque<DroppedPaths> waiting_;
   bool accepts_ = false;
+  ComPointer<IDropTargetHelper> picture_;
 };
 
 void DropTarget::Register(HWND hwnd, std::function<void(const DroppedPaths&)> dropped) {

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "controls/RowPainter.h"
 #include "controls/WaitCursor.h"
 #include "platform/PathPlace.h"
 #include "platform/win32/LongPath.h"
@@ -182,11 +183,27 @@ LRESULT CALLBACK FolderTreeview::TreeProcedure(HWND tree, UINT message, WPARAM w
   return ::DefSubclassProc(tree, message, wParam, lParam);
 }
 
-bool FolderTreeview::OnNotify(const NMHDR& header, LRESULT&) {
+// The chosen folder stands out while the focus is elsewhere, too: it is the one that will be added.
+LRESULT FolderTreeview::CustomDraw(NMTVCUSTOMDRAW& draw) const {
+  if (draw.nmcd.dwDrawStage == CDDS_PREPAINT) return CDRF_NOTIFYITEMDRAW;
+  const auto item = reinterpret_cast<HTREEITEM>(draw.nmcd.dwItemSpec);
+  const bool chosen = (TreeView_GetItemState(Handle(), item, TVIS_SELECTED) & TVIS_SELECTED) != 0;
+  if (draw.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && chosen && ::GetFocus() != Handle()) {
+    const RowColours colours = ColoursOf(SystemPalette(), RowState::ChosenElsewhere, false);
+    draw.clrText = colours.text;
+    draw.clrTextBk = colours.background;
+  }
+  return CDRF_DODEFAULT;
+}
+
+bool FolderTreeview::OnNotify(const NMHDR& header, LRESULT& result) {
   auto& mutableHeader = const_cast<NMHDR&>(header);
   switch (header.code) {
     case TVN_GETDISPINFOW:
       GetDisplayInfo(reinterpret_cast<NMTVDISPINFOW&>(mutableHeader).item);
+      return true;
+    case NM_CUSTOMDRAW:
+      result = CustomDraw(reinterpret_cast<NMTVCUSTOMDRAW&>(mutableHeader));
       return true;
     case TVN_ITEMEXPANDINGW: {
       const auto& expanding = reinterpret_cast<const NMTREEVIEWW&>(header);

@@ -61,6 +61,7 @@ class FolderTreeview : public Control {
   static LRESULT CALLBACK TreeProcedure(HWND tree, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                         DWORD_PTR treeView);
   void GetDisplayInfo(TVITEMW& item) const;
+  LRESULT CustomDraw(NMTVCUSTOMDRAW& draw) const;
   void TellSelection(const Node& node);
 
   std::vector<std::unique_ptr<Node>> nodes_;  // an item's lParam is its node

@@ -192,6 +192,8 @@ INT_PTR Form::Process(UINT message, WPARAM wParam, LPARAM lParam) {
       return DispatchCommand(wParam);
     case WM_NOTIFY:
       return DispatchNotify(lParam);
+    case WM_DRAWITEM:
+      return DispatchDraw(lParam);
     case WM_CLOSE:
       // Not passed on: the dialog manager would turn it into a press of Cancel.
       Close(CloseReason::User);
@@ -239,6 +241,17 @@ bool Form::DispatchCommand(WPARAM wParam) {
   for (Control* control : controls_) {
     if (control->Id() == LOWORD(wParam)) {
       control->OnCommand(HIWORD(wParam));
+      return true;
+    }
+  }
+  return false;
+}
+
+bool Form::DispatchDraw(LPARAM lParam) {
+  const auto& draw = *reinterpret_cast<const DRAWITEMSTRUCT*>(lParam);
+  for (Control* control : controls_) {
+    if (draw.CtlType == ODT_STATIC && control->Handle() == draw.hwndItem) {
+      control->OnDraw(draw);
       return true;
     }
   }

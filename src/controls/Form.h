@@ -84,6 +84,7 @@ class Form {
   static INT_PTR CALLBACK DialogProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
   INT_PTR Process(UINT message, WPARAM wParam, LPARAM lParam);
   bool DispatchCommand(WPARAM wParam);
+  bool DispatchDraw(LPARAM lParam);
   bool DispatchNotify(LPARAM lParam);
   void Close(CloseReason reason);
   void FollowDpi(int dpi, const RECT& place);

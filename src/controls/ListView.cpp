@@ -1,17 +1,88 @@
 #include "controls/ListView.h"
 
-#include <uxtheme.h>
+#include <exception>
 
+#include "controls/HeaderPainter.h"
+#include "controls/RowPainter.h"
+#include "platform/win32/RunTimeErrorReport.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
+namespace {
+
+bool IsEnter(const MSG* message) {
+  constexpr LPARAM kHeldDown = LPARAM{1} << 30;
+  return message && message->message == WM_KEYDOWN && message->wParam == VK_RETURN &&
+         (message->lParam & kHeldDown) == 0;
+}
+
+}  // namespace
 
 void ListView::Attached() {
   // Notifications with UTF-16 texts, whatever the parent is taken for.
   ListView_SetUnicodeFormat(Handle(), TRUE);
-  ListView_SetExtendedListViewStyle(Handle(), LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
+  ListView_SetExtendedListViewStyle(Handle(), LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
   // The state that we are asked for row by row; the rest is the control's.
   ListView_SetCallbackMask(Handle(), LVIS_CUT);
+  tip_.Create(Handle(), [this](int row) { return CellText ? CellText(row, 0) : std::string(); });
+  ::SetWindowSubclass(Handle(), &ListView::SubclassProcedure, 0, reinterpret_cast<DWORD_PTR>(this));
+}
+
+LRESULT CALLBACK ListView::SubclassProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
+                                             UINT_PTR id, DWORD_PTR self) {
+  if (message == WM_NCDESTROY) {
+    ::RemoveWindowSubclass(hwnd, &ListView::SubclassProcedure, id);
+    return ::DefSubclassProc(hwnd, message, wParam, lParam);
+  }
+  try {
+    return reinterpret_cast<ListView*>(self)->Receive(message, wParam, lParam);
+  } catch (...) {
+    ReportAndEnd(std::current_exception());
+  }
+}
+
+LRESULT ListView::Receive(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_NOTIFY: {
+      const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+      if (tip_.OnNotify(header)) return 0;
+      if (header.code == static_cast<UINT>(NM_CUSTOMDRAW) && header.hwndFrom == ListView_GetHeader(Handle()))
+        return PaintHeader(reinterpret_cast<const NMCUSTOMDRAW&>(header));
+      break;
+    }
+    case WM_GETDLGCODE:
+      if (Return && IsEnter(reinterpret_cast<const MSG*>(lParam)))
+        return ::DefSubclassProc(Handle(), message, wParam, lParam) | DLGC_WANTMESSAGE;
+      break;
+    case WM_PAINT: {
+      const LRESULT result = ::DefSubclassProc(Handle(), message, wParam, lParam);
+      if (!EmptyText.empty() && RowCount() == 0) {
+        const HDC context = ::GetDC(Handle());
+        PaintEmptyText(Handle(), context, EmptyText);
+        ::ReleaseDC(Handle(), context);
+      }
+      return result;
+    }
+    case WM_SIZE:
+      // The text in the middle moves.
+      if (!EmptyText.empty() && RowCount() == 0) ::InvalidateRect(Handle(), nullptr, TRUE);
+      break;
+    case WM_MOUSEMOVE:
+    case WM_LBUTTONDOWN:
+    case WM_RBUTTONDOWN:
+      tip_.Mouse(
+          {.hwnd = Handle(), .message = message, .wParam = wParam, .lParam = lParam, .time = 0, .pt = {}});
+      break;
+    case WM_MOUSELEAVE:
+    case WM_VSCROLL:
+    case WM_HSCROLL:
+    case WM_MOUSEWHEEL:
+      tip_.Forget();
+      break;
+    default:
+      break;
+  }
+  return ::DefSubclassProc(Handle(), message, wParam, lParam);
 }
 
 void ListView::SetColumns(std::span<const ListColumn> columns) {
@@ -34,6 +105,9 @@ void ListView::SetGridLines(bool shown) {
 }
 
 void ListView::SetRowCount(int count) {
+  tip_.Forget();
+  // The grey text of an empty list goes, or comes.
+  if (!EmptyText.empty() && (count == 0) != (RowCount() == 0)) ::InvalidateRect(Handle(), nullptr, TRUE);
   ListView_SetItemCountEx(Handle(), count, LVSICF_NOSCROLL);
 }
 
@@ -44,6 +118,11 @@ void ListView::SelectRow(int row) {
                         LVIS_SELECTED | LVIS_FOCUSED);
   if (row > 0) ListView_EnsureVisible(Handle(), place, FALSE);
   selecting_ = false;
+}
+
+void ListView::RevealRows(int first) {
+  ListView_EnsureVisible(Handle(), RowCount() - 1, FALSE);
+  ListView_EnsureVisible(Handle(), first - 1, FALSE);
 }
 
 POINT ListView::MenuPlace() const {
@@ -78,8 +157,11 @@ bool ListView::OnNotify(const NMHDR& header, LRESULT& result) {
     case NM_DBLCLK:
       if (DblClick) DblClick();
       return true;
+    case NM_RETURN:
+      if (Return) Return();
+      return true;
     case NM_CUSTOMDRAW:
-      result = CustomDraw(reinterpret_cast<NMLVCUSTOMDRAW&>(mutableHeader));
+      result = CustomDraw(reinterpret_cast<const NMLVCUSTOMDRAW&>(header));
       return true;
     default:
       return false;
@@ -98,14 +180,17 @@ void ListView::GetDisplayInfo(NMLVDISPINFOW& info) {
     item.state = RowGhosted && RowGhosted(row) ? LVIS_CUT : 0;
 }
 
-LRESULT ListView::CustomDraw(NMLVCUSTOMDRAW& draw) {
+LRESULT ListView::CustomDraw(const NMLVCUSTOMDRAW& draw) const {
   switch (draw.nmcd.dwDrawStage) {
     case CDDS_PREPAINT:
       return CDRF_NOTIFYITEMDRAW;
     case CDDS_ITEMPREPAINT: {
-      const int row = static_cast<int>(draw.nmcd.dwItemSpec) + 1;
-      if (RowGhosted && RowGhosted(row)) draw.clrText = ::GetSysColor(COLOR_GRAYTEXT);
-      return CDRF_DODEFAULT;
+      const int place = static_cast<int>(draw.nmcd.dwItemSpec);
+      PaintRow(Handle(), draw.nmcd.hdc,
+               {.place = place, .ghosted = RowGhosted && RowGhosted(place + 1), .text = [&](int column) {
+                  return CellText ? CellText(place + 1, column) : std::string();
+                }});
+      return CDRF_SKIPDEFAULT;
     }
     default:
       return CDRF_DODEFAULT;

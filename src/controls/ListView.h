@@ -6,6 +6,7 @@
 #include <string>
 
 #include "controls/Control.h"
+#include "controls/RowTip.h"
 
 namespace zq {
 
@@ -26,9 +27,13 @@ class ListView : public Control {
 
   std::function<void(int row)> SelectionChange;  // by the user; 0 for none
   std::function<void()> DblClick;
+  std::function<void()> Return;  // Enter, which goes to the form's default button where nothing is set
   // The first row from `startRow` on, once round, whose text begins with `prefix`; 0 for none. For
   // finding a row by typing.
   std::function<int(const std::string& prefix, int startRow)> FindRow;
+
+  // What a list without rows shows, in grey.
+  std::string EmptyText;
 
   void SetColumns(std::span<const ListColumn> columns);
   void SetColumnWidth(int column, int pixels) { ListView_SetColumnWidth(Handle(), column, pixels); }
@@ -39,6 +44,8 @@ class ListView : public Control {
   int RowCount() const { return ListView_GetItemCount(Handle()); }
   void RedrawRow(int row) { ListView_RedrawItems(Handle(), row - 1, row - 1); }
   void SelectRow(int row);  // 0 takes the selection away
+  // Scrolls so that the rows from `first` on are to be seen, as many as there is room for.
+  void RevealRows(int first);
   int SelectedRow() const { return ListView_GetNextItem(Handle(), -1, LVNI_SELECTED) + 1; }
   // Where a menu for the selected row opens by keyboard, on the screen.
   POINT MenuPlace() const;
@@ -49,8 +56,12 @@ class ListView : public Control {
 
  private:
   void GetDisplayInfo(NMLVDISPINFOW& info);
-  LRESULT CustomDraw(NMLVCUSTOMDRAW& draw);
+  LRESULT CustomDraw(const NMLVCUSTOMDRAW& draw) const;
+  static LRESULT CALLBACK SubclassProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
+                                            UINT_PTR id, DWORD_PTR self);
+  LRESULT Receive(UINT message, WPARAM wParam, LPARAM lParam);
 
+  RowTip tip_;
   std::wstring cellText_;   // keeps the text that the control was given until it asks for the next
   bool selecting_ = false;  // the selection is being set by code
 };

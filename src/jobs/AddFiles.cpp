@@ -75,6 +75,7 @@ std::string AddFiles::InitialFolder() const {
 void AddFiles::AddDialogResult(const std::string& fileName) {
   if (fileName.empty()) return;
 
+  const std::size_t countBefore = jobList_.Count();
   if (fileName.find('\0') == std::string::npos) {
     const FixedPoint size = GetFileSize64(files_, fileName);
     const std::string name = SplitFileName(fileName, splitFolder_);
@@ -96,17 +97,19 @@ void AddFiles::AddDialogResult(const std::string& fileName) {
     }
     state_.Settings.LastFilesFolder = folder;
   }
-  CloseAdding();
+  CloseAdding(countBefore);
 }
 
 void AddFiles::AddDropped(const std::vector<std::string>& paths) {
+  const std::size_t countBefore = jobList_.Count();
   for (const std::string& path : paths) AddPath(path);
-  CloseAdding();
+  CloseAdding(countBefore);
 }
 
 void AddFiles::AddCommandLineItems(const std::string& commandLine) {
+  const std::size_t countBefore = jobList_.Count();
   for (const std::string& word : SplitCommandLine(commandLine)) AddPath(word);
-  CloseAdding();
+  CloseAdding(countBefore);
 }
 
 void AddFiles::AddPath(const std::string& path) {
@@ -129,11 +132,13 @@ void AddFiles::AddFileUnlessListed(const std::string& path, FixedPoint size,
   jobList_.SetSmallIcon(static_cast<int>(jobList_.Count()), smallIcon);
 }
 
-void AddFiles::CloseAdding() {
+void AddFiles::CloseAdding(std::size_t countBefore) {
   // A job counts as changed even if every path offered was listed already.
   if (jobList_.Count() == 0) return;
   jobList_.Select(1);
   state_.JobSaved = false;
+  // The first row is selected wherever the list stands, but what has come is what the user wants to see.
+  if (jobList_.Count() > countBefore) jobList_.Reveal(static_cast<int>(countBefore) + 1);
 }
 
 }  // namespace zq

@@ -1,6 +1,7 @@
 // Adding files: the three doors to the job list (Add Files, a drop, the command line) as logic.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -66,7 +67,7 @@ class AddFiles {
  private:
   void AddPath(const std::string& path);
   void AddFileUnlessListed(const std::string& path, FixedPoint size, const std::string& iconKeySource);
-  void CloseAdding();
+  void CloseAdding(std::size_t countBefore);
 
   AppState& state_;
   JobList& jobList_;

@@ -114,6 +114,7 @@ void AddFolderItem(AppState& state, JobList& jobList, const std::string& path, s
                    bool includeSubFolders) {
   jobList.Add(MakeFolderRow(path, maskText, includeSubFolders));
   jobList.Select(1);
+  jobList.Reveal(static_cast<int>(jobList.Count()));
   state.JobSaved = false;
   state.Settings.LastFolder = path;
   state.Settings.IncludeSubFolders = includeSubFolders ? 1 : 0;

@@ -88,7 +88,10 @@ int JobList::FindByPrefix(std::string_view prefix, int startRow) const {
   const int count = static_cast<int>(rows_.size());
   for (int i = 0; i < count; ++i) {
     const int row = (startRow - 1 + i) % count + 1;
-    if (regional_.UpperCase(Row(row).NameAndLocation).starts_with(upperPrefix)) return row;
+    const std::string upperPath = regional_.UpperCase(Row(row).NameAndLocation);
+    const std::size_t name = upperPath.rfind('\\') + 1;  // 0 without a backslash
+    if (upperPath.starts_with(upperPrefix) || upperPath.compare(name, upperPrefix.size(), upperPrefix) == 0)
+      return row;
   }
   return 0;
 }
@@ -97,6 +100,10 @@ void JobList::Select(int row) {
   if (row != 0) Row(row);
   selectedRow_ = row;
   if (view_) view_->SelectionChanged(row);
+}
+
+void JobList::Reveal(int first) const {
+  if (view_) view_->RevealRows(first);
 }
 
 }  // namespace zq

@@ -22,6 +22,7 @@ class JobListView {
   virtual void RowsChanged() = 0;              // the number of rows, or which row stands where
   virtual void RowChanged(int row) = 0;        // cells or state of one row
   virtual void SelectionChanged(int row) = 0;  // selected by code; 0 for none
+  virtual void RevealRows(int first) = 0;      // those from `first` on are to be seen
   // A view may gather changes; from here on it shows them all.
   virtual void ShowPendingRows() = 0;
 };
@@ -55,14 +56,17 @@ class JobList {
   // as the walk over them that this answers for.
   bool IsInJobList(std::string_view path) const;
 
-  // The first row from `startRow` on, going round once, whose path begins with `prefix`, with case ignored;
-  // 0 for none.
+  // The first row from `startRow` on, going round once, whose path begins with `prefix`, or the name at the
+  // path's end, with case ignored; 0 for none.
   int FindByPrefix(std::string_view prefix, int startRow) const;
 
   // The selected row, 0 for none. The view tells what the user selects; `Select` is for the program.
   int SelectedRow() const { return selectedRow_; }
   void Select(int row);
   void UserSelected(int row) { selectedRow_ = row; }
+
+  // Has the rows from `first` to the last shown, as many as there is room for.
+  void Reveal(int first) const;
 
  private:
   JobRow& MutableRow(int row);

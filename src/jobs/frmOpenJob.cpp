@@ -21,6 +21,7 @@ frmOpenJob::frmOpenJob(AppState& state, Platform& platform)
     const SavedJob& job = jobs_.at(static_cast<std::size_t>(row - 1));
     return column == 0 ? job.name : job.lastWiping;
   };
+  ListView1.EmptyText = "No job has been saved yet";
   ListView1.RowPicture = [](int) { return 1; };
   // A click beside the rows leaves none selected.
   ListView1.SelectionChange = [this](int row) { cmdOK.SetEnabled(row > 0); };

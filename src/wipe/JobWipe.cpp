@@ -85,8 +85,8 @@ void JobWipe::RunJobWipe() {
   state_.TotalWipeItems = FixedPoint();
   ProcessedWipeItems = FixedPoint();
   DoWork();
-  statusWindow_.Unload();
   mainWindow_.Show();
+  statusWindow_.Unload();
   platform_.longWork.CallUser();
   const char* outcome = state_.CancelRequested ? kCancelled : kComplete;
   if (platform_.messageBoxes.Show({WithQuestion(outcome, kReviewReport), "Wipe Operation",
@@ -99,8 +99,9 @@ void JobWipe::RunJobWipe() {
 // From the hidden main window to the report.
 void JobWipe::DoWork() {
   const LongWorkScope work(platform_.longWork, kReasonToStay);
-  mainWindow_.Hide();
+  // Before the main window goes: a program without a window loses the front to another one.
   statusWindow_.Show();
+  mainWindow_.Hide();
   ClearReportLists();
   platform_.longWork.ShowUncounted();
 
@@ -268,6 +269,12 @@ void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal,
   statusWindow_.SetCaption(update.caption);
   platform_.longWork.ShowPercent(std::clamp<int>(update.overall, 0, 100));
   // While a file is in work, a click on Cancel gets through here alone.
+  platform_.process.PumpMessages();
+}
+
+void JobWipe::SFD1_WorkElsewhere(const std::string& itemName) {
+  if (state_.FreeSpaceActive) return;
+  statusWindow_.SetStatus(ProgressStatus(0, 0, itemName, platform_.regional));
   platform_.process.PumpMessages();
 }
 

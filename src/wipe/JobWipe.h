@@ -45,6 +45,7 @@ class JobWipe final : public WipeEvents {
 
   void SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t unused,
                          const std::string& itemName) override;
+  void SFD1_WorkElsewhere(const std::string& itemName) override;
   void SFD1_ItemWiped(const std::string& itemName) override;
 
  private:

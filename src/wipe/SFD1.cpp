@@ -53,7 +53,11 @@ bool SFD1::Finish(bool result) {
 
 void SFD1::WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,
                         const engine::Item& item) {
-  Raise([&] { events_.SFD1_WipeProgress(bytesDone, bytesTotal, percent, item.name); });
+  if (item.kind == engine::ItemKind::File) {
+    Raise([&] { events_.SFD1_WipeProgress(bytesDone, bytesTotal, percent, item.name); });
+  } else {
+    Raise([&] { events_.SFD1_WorkElsewhere(item.name); });
+  }
 }
 
 // The program counts files, and learns of the rest by what fails.

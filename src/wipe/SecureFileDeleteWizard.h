@@ -1,4 +1,4 @@
-// SecureFileDeleteWizard: the engine's interface as the program sees it: six members and four events.
+// SecureFileDeleteWizard: the engine's interface as the program sees it: six members and their events.
 #pragma once
 
 #include <cstdint>
@@ -14,6 +14,8 @@ class WipeEvents {
   virtual ~WipeEvents() = default;
   virtual void SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t unused,
                                  const std::string& itemName) = 0;
+  // The work is at a folder or at entries: nothing of a file is done, and no figure is new.
+  virtual void SFD1_WorkElsewhere(const std::string& itemName) = 0;
   virtual void SFD1_WipeError(std::int32_t /*errorCode*/, const std::string& /*errorText*/) {}
   virtual void SFD1_ItemWiped(const std::string& /*itemName*/) {}
   virtual void SFD1_FreeSpaceProgress(const std::string& /*itemName*/, std::int32_t /*percent*/,

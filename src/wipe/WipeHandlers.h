@@ -16,6 +16,7 @@ class WipeHandlers final : public WipeEvents {
                          const std::string& itemName) override {
     jobWipe_.SFD1_WipeProgress(bytesDone, bytesTotal, unused, itemName);
   }
+  void SFD1_WorkElsewhere(const std::string& itemName) override { jobWipe_.SFD1_WorkElsewhere(itemName); }
   void SFD1_ItemWiped(const std::string& itemName) override { jobWipe_.SFD1_ItemWiped(itemName); }
   void SFD1_WipeError(std::int32_t errorCode, const std::string& errorText) override {
     freeSpaceWipe_.SFD1_WipeError(errorCode, errorText);

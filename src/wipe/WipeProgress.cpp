@@ -11,12 +11,17 @@ std::int16_t Percent(double done, double total) {
 
 }  // namespace
 
+std::string ProgressStatus(std::int32_t bytesDone, std::int32_t bytesTotal, const std::string& itemName,
+                           Regional& regional) {
+  return "Processed " + FormatGrouped(bytesDone, regional) + " bytes of " +
+         FormatGrouped(bytesTotal, regional) + " of " + itemName + "...";
+}
+
 ProgressUpdate ComputeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, const std::string& itemName,
                                const FixedPoint& processedWipeItems, const FixedPoint& totalWipeItems,
                                Regional& regional) {
   ProgressUpdate update;
-  update.status = "Processed " + FormatGrouped(bytesDone, regional) + " bytes of " +
-                  FormatGrouped(bytesTotal, regional) + " of " + itemName + "...";
+  update.status = ProgressStatus(bytesDone, bytesTotal, itemName, regional);
 
   std::int16_t percent = 0;
   if (bytesTotal != 0) {

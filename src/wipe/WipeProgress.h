@@ -36,6 +36,10 @@ struct ProgressUpdate {
   bool operator==(const ProgressUpdate&) const = default;
 };
 
+// The line of the item in work.
+std::string ProgressStatus(std::int32_t bytesDone, std::int32_t bytesTotal, const std::string& itemName,
+                           Regional& regional);
+
 // Overall percentages count files, not bytes, and aren't clamped. Raises Overflow for a percentage
 // outside 16 bits.
 ProgressUpdate ComputeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, const std::string& itemName,

@@ -17,6 +17,19 @@ void frmStatus::Load() {
   }
 }
 
+// The Enter that the confirmation before the wipe was answered with, still held down, answers nothing here.
+bool frmStatus::TranslateShortcut(MSG& message) {
+  constexpr LPARAM kHeldDown = LPARAM{1} << 30;
+  return message.message == WM_KEYDOWN && message.wParam == VK_RETURN && (message.lParam & kHeldDown) != 0;
+}
+
+void frmStatus::SetCancelEnabled(bool enabled) {
+  cmdCancel.SetEnabled(enabled);
+  if (!enabled) return;
+  // The system takes the focus from a button that is disabled, and gives it to no other.
+  cmdCancel.SetFocus();
+}
+
 bool frmStatus::UserConfirmsCancel() {
   return platform_.messageBoxes.Show({.text = "Cancel the current operation?",
                                       .title = "Cancel",
@@ -48,7 +61,7 @@ void StatusWindow::Unload() {
   Default<frmStatus>::Touch().Unload();
 }
 void StatusWindow::SetCancelEnabled(bool enabled) {
-  Default<frmStatus>::Touch().cmdCancel.SetEnabled(enabled);
+  Default<frmStatus>::Touch().SetCancelEnabled(enabled);
 }
 void StatusWindow::SetStatus(const std::string& text) {
   Default<frmStatus>::Touch().lblStatus.SetText(text);

@@ -19,8 +19,12 @@ class frmStatus final : public Form {
 
   ProgressBarEx pbCurrent{*this, IDC_frmStatus_pbCurrent};
   ProgressBarEx pbOverall{*this, IDC_frmStatus_pbOverall};
-  Label lblStatus{*this, IDC_frmStatus_lblStatus};
+  LongLabel lblStatus{*this, IDC_frmStatus_lblStatus};
   Button cmdCancel{*this, IDC_frmStatus_cmdCancel};
+
+  // Enabled, it has the focus.
+  void SetCancelEnabled(bool enabled);
+  bool TranslateShortcut(MSG& message) override;
 
  private:
   Image Image1{*this, IDC_frmStatus_Image1, "imgstatus"};

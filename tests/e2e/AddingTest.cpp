@@ -368,6 +368,22 @@ TEST_F(Dropping, BringsTheFilesInTheirOrder) {
       << "a drop remembers no folder";
 }
 
+TEST_F(Dropping, ShowsTheNewRowsOfAScrolledListThoughTheFirstIsSelected) {
+  std::string arguments;
+  for (int i = 0; i < 100; ++i) arguments += Quoted("C:\\nowhere\\" + std::to_string(i) + ".txt") + " ";
+  arguments.pop_back();
+  const Program program(exe_, arguments);
+  const MainWindow main(program);
+  main.list.WaitRows(100);
+  main.list.TheWindow().Send(LVM_ENSUREVISIBLE, 60);
+  DragFilesTo(main.list.TheWindow().Centre(), {scratch_.Make("one.txt", "x"), scratch_.Make("two.txt", "x")});
+  main.WaitItems("102 Items");
+  EXPECT_EQ(main.list.Selected(), 0);
+  const auto top = static_cast<int>(main.list.TheWindow().Send(LVM_GETTOPINDEX));
+  EXPECT_GE(top + static_cast<int>(main.list.TheWindow().Send(LVM_GETCOUNTPERPAGE)), 102);
+  TakePicture(main.window, "dropping-scrolled");
+}
+
 // The list takes what comes as a data object; the older message was never asked for.
 TEST_F(Dropping, ByTheOlderMessageBringsNothing) {
   const std::string path = scratch_.Make("one.txt", "x");

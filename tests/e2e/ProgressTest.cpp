@@ -1,5 +1,7 @@
 // The status window of a job wipe: what it shows, and how the user cancels.
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 #include "e2e/Wiping.h"
 
@@ -22,6 +24,35 @@ constexpr std::uint32_t kBlue = 0x316AC5;
 
 class Progress : public WipingTest {};
 
+// A window of another program, ours, which lies over most of the screen and behind the program's.
+class OtherWindow {
+ public:
+  explicit OtherWindow(Window behind) {
+    std::atomic<HWND> made{nullptr};
+    thread_ = std::thread([&made] {
+      made = ::CreateWindowExW(WS_EX_NOACTIVATE, L"STATIC", L"another program", WS_OVERLAPPEDWINDOW, 0, 0,
+                               ::GetSystemMetrics(SM_CXSCREEN), ::GetSystemMetrics(SM_CYSCREEN), nullptr,
+                               nullptr, nullptr, nullptr);
+      MSG message;
+      while (::GetMessageW(&message, nullptr, 0, 0) > 0) ::DispatchMessageW(&message);
+    });
+    Await("another program's window", [&] { return made.load() != nullptr; });
+    ::SetWindowPos(made, behind.Handle(), 0, 0, 0, 0,
+                   SWP_SHOWWINDOW | SWP_NOACTIVATE | SWP_NOMOVE | SWP_NOSIZE);
+    window_ = Window(made);
+  }
+  ~OtherWindow() {
+    ::PostThreadMessageW(::GetWindowThreadProcessId(window_.Handle(), nullptr), WM_QUIT, 0, 0);
+    thread_.join();
+  }
+  OtherWindow(const OtherWindow&) = delete;
+  OtherWindow& operator=(const OtherWindow&) = delete;
+
+ private:
+  std::thread thread_;
+  Window window_;
+};
+
 TEST_F(Progress, ShowsItsProgressWhileTheMainWindowIsHidden) {
   Prepare(Level7());
   const std::string path = Large("big file.dat");
@@ -38,8 +69,7 @@ TEST_F(Progress, ShowsItsProgressWhileTheMainWindowIsHidden) {
     ExpectLabelsFit(status.window);
     std::vector<std::string> labels;
     for (Window child : status.window.Children()) {
-      const bool label = child.ClassName() == "Static" && (child.Style() & SS_TYPEMASK) == SS_LEFT;
-      if (label) labels.push_back(child.Text());
+      if (IsLabel(child)) labels.push_back(child.Text());
     }
     EXPECT_THAT(labels, ElementsAre("Current Item", "Overall Items",
                                     AllOf(StartsWith("Processed "), HasSubstr(" bytes of 268,435,456 of "),
@@ -95,6 +125,39 @@ TEST_F(Progress, IsNotDisturbedByACloseOfTheHiddenMainWindow) {
   EXPECT_FALSE(PathExists(path));
   main.window.Close();
   EXPECT_EQ(program.WaitExit(), 0u);
+}
+
+TEST_F(Progress, StandsInFrontOfOtherProgramsAndSoDoesWhatFollows) {
+  Prepare(Level7());
+  const Program program(exe_, Quoted(Large("big.dat")));
+  const MainWindow main(program);
+  ::SetForegroundWindow(main.window.Handle());
+  const OtherWindow other(main.window);
+  Confirm(program, main);
+  const StatusWindow status(program);
+  status.WaitWork("big.dat");
+  EXPECT_EQ(Window(::GetForegroundWindow()), status.window);
+  TakePicture(status.window, "wiping-in-front", When::AtOnce);
+  {
+    const MessageBoxView box = WaitClosingBox(program);
+    EXPECT_EQ(Window(::GetForegroundWindow()), box.window);
+    EXPECT_EQ(box.window.Owner(), main.window);
+  }
+  Close(program, main, kComplete);
+  EXPECT_EQ(Window(::GetForegroundWindow()), main.window);
+}
+
+TEST_F(Progress, GivesItsCancelTheKeyboard) {
+  Prepare(Level7());
+  const Program program(exe_, Quoted(Large("big.dat")));
+  const MainWindow main(program);
+  Confirm(program, main);
+  const StatusWindow status(program);
+  status.WaitWork("big.dat");
+  EXPECT_TRUE(status.cancel.HasFocus());
+  TypeKey(status.window, VK_RETURN);
+  program.WaitBox("Cancel").Answer("No");
+  Close(program, main, kComplete);
 }
 
 TEST_F(Progress, DrawsBarsOfTheWantedLook) {
@@ -216,6 +279,23 @@ TEST_F(Cancelling, ByTheButtonAsksAndStopsBehindTheFileInWork) {
 
 TEST_F(Cancelling, ByTheCloseBoxAsksTheSame) {
   CancelBy([](const StatusWindow& status) { status.window.Close(); }, "wiping-close");
+}
+
+TEST_F(Cancelling, LeavesWhatFollowsInFrontOfOtherPrograms) {
+  const Program program(exe_, arguments_);
+  const MainWindow main(program);
+  main.list.WaitRows(4);
+  ::SetForegroundWindow(main.window.Handle());
+  const OtherWindow other(main.window);
+  Confirm(program, main);
+  const StatusWindow status(program);
+  status.WaitWork("second.dat");
+  status.cancel.Press();
+  program.WaitBox("Cancel").Answer("Yes");
+  const MessageBoxView box = WaitClosingBox(program);
+  EXPECT_EQ(Window(::GetForegroundWindow()), box.window);
+  box.Answer("No");
+  main.window.WaitEnabled();
 }
 
 TEST_F(Cancelling, IsNotMeantByEsc) {

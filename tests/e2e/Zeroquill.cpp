@@ -152,6 +152,11 @@ void ExpectBox(const MessageBoxView& box, std::string_view title, std::string_vi
   EXPECT_EQ(box.defaultButton, defaultButton);
 }
 
+bool IsLabel(Window window) {
+  const LONG_PTR type = window.Style() & SS_TYPEMASK;
+  return window.ClassName() == "Static" && (type == SS_LEFT || type == SS_OWNERDRAW);
+}
+
 void ExpectLabelsFit(Window dialog) {
   constexpr int kPoints = 8;
   const auto dpi = static_cast<int>(::GetDpiForSystem());
@@ -162,7 +167,7 @@ void ExpectLabelsFit(Window dialog) {
   HGDIOBJ before = ::SelectObject(screen, font);
   int labels = 0;
   for (Window child : dialog.Children()) {
-    if (child.ClassName() != "Static" || (child.Style() & SS_TYPEMASK) != SS_LEFT) continue;
+    if (!IsLabel(child)) continue;
     ++labels;
     const RECT place = child.ScreenRect();
     RECT needed{0, 0, place.right - place.left, 0};

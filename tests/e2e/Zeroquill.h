@@ -81,6 +81,9 @@ Window FindMenu(const Program& program);
 void ExpectBox(const MessageBoxView& box, std::string_view title, std::string_view text, BoxIcon icon,
                const std::vector<std::string>& buttons, std::string_view defaultButton);
 
+// A label with a text: the system draws it, or its form.
+bool IsLabel(Window window);
+
 // Each label of the dialog is as high and wide as its text needs, in the dialogs' font.
 void ExpectLabelsFit(Window dialog);
 

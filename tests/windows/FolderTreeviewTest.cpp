@@ -6,8 +6,11 @@
 #include "Driving.h"
 #include "controls/Default.h"
 #include "controls/FolderTreeview.h"
+#include "controls/MessageLoop.h"
+#include "controls/RowColours.h"
 #include "platform/win32/Wide.h"
 #include "resource.h"
+#include "support/driver/Picture.h"
 #include "support/driver/Scratch.h"
 
 namespace zq::test {
@@ -105,6 +108,23 @@ TEST_F(FolderTreeviewTest, SelectsADriveByItsRoot) {
   form_->FT1.SelectPath("C:\\");
   ASSERT_EQ(form_->selections.size(), 1U);
   EXPECT_EQ(form_->selections[0], Selection("C:\\", "C:\\"));
+}
+
+TEST_F(FolderTreeviewTest, TheChosenFolderStandsOutWhileTheFocusIsElsewhere) {
+  scratch_.Make("Papers\\a.txt", "a");
+  static_cast<Form*>(form_)->Show();
+  form_->FT1.SelectPath(scratch_ / "Papers");
+  ::SetForegroundWindow(form_->Handle());
+  ::SetFocus(Item(*form_, IDC_frmFolder_txtMask));
+  PumpMessages();
+  ::RedrawWindow(Tree(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  RECT rect{};
+  ASSERT_TRUE(TreeView_GetItemRect(Tree(), Selected(), &rect, TRUE));
+  TakePicture(Window(form_->Handle()), "tree-chosen-elsewhere");
+  const HDC context = ::GetDC(Tree());
+  const COLORREF ground = ::GetPixel(context, rect.left + 1, rect.top + 2);
+  ::ReleaseDC(Tree(), context);
+  EXPECT_GE(Contrast(ground, ::GetSysColor(COLOR_WINDOW)), 3.0) << std::hex << ground;
 }
 
 TEST_F(FolderTreeviewTest, IgnoresWhatIsNoFolderOfTheShell) {

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "FakePlatform.h"
+#include "controls/MessageLoop.h"
 #include "jobs/JobList.h"
+#include "support/driver/Picture.h"
 #include "support/fakes/FakeEngine.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/JobWipe.h"
@@ -68,6 +70,28 @@ TEST_F(frmStatusTest, CloseBoxIsRefusedWithoutAWordWhileCancelIsDisabled) {
   EXPECT_FALSE(state_.CancelRequested);
 }
 
+TEST_F(frmStatusTest, CancelButtonHasTheFocusOnceItIsEnabled) {
+  statusWindow_.Show();
+  statusWindow_.SetCancelEnabled(false);
+  PumpMessages();
+  EXPECT_NE(::GetFocus(), Default<frmStatus>::Touch().cmdCancel.Handle());
+  statusWindow_.SetCancelEnabled(true);
+  EXPECT_EQ(::GetFocus(), Default<frmStatus>::Touch().cmdCancel.Handle());
+}
+
+TEST_F(frmStatusTest, EnterHeldDownPressesNothingAFreshOneDoes) {
+  statusWindow_.Show();
+  statusWindow_.SetCancelEnabled(true);
+  fake_.messageBoxes.answers = {MessageAnswer::No};
+  const HWND button = Default<frmStatus>::Touch().cmdCancel.Handle();
+  ::PostMessageW(button, WM_KEYDOWN, VK_RETURN, 0x401C0001);
+  PumpMessages();
+  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  ::PostMessageW(button, WM_KEYDOWN, VK_RETURN, 0x001C0001);
+  PumpMessages();
+  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+}
+
 TEST_F(frmStatusTest, CancelButtonAsksAndOnNoTheWipeGoesOn) {
   fake_.messageBoxes.answers = {MessageAnswer::No};
   PressCancel();
@@ -123,6 +147,27 @@ TEST_F(frmStatusTest, EventAfterTheCloseWorksOnAFreshHiddenInstance) {
   EXPECT_FALSE(Default<frmStatus>::Touch().IsVisible());
   EXPECT_EQ(Default<frmStatus>::Touch().lblStatus.Text(), "Processed 50 bytes of 100 of C:\\a.txt...");
   EXPECT_EQ(Default<frmStatus>::Touch().pbCurrent.Value(), 50);
+}
+
+TEST_F(frmStatusTest, AnEndlessNameIsDrawnWithAnEllipsisAndItsEndAndKeptAsText) {
+  statusWindow_.Show();
+  frmStatus& form = Default<frmStatus>::Touch();
+  const auto look = [&](const std::string& name) {
+    const std::string text = "Processed 1,234 bytes of 268,435,456 of " + name + "...";
+    statusWindow_.SetStatus(text);
+    form.Repaint();
+    PumpMessages();
+    EXPECT_EQ(form.lblStatus.Text(), text);
+    RECT rect{};
+    ::GetWindowRect(form.lblStatus.Handle(), &rect);
+    return GrabScreen(rect);
+  };
+  const Picture doc = look(std::string(237, 'n') + ".doc");
+  TakePicture(Window(form.Handle()), "status-long-name");
+  EXPECT_FALSE(doc == look(std::string(237, 'n') + ".txt")) << "its end is to be seen";
+  EXPECT_TRUE(look(std::string(1000, 'n') + ".doc") == look(std::string(1001, 'n') + ".doc"));
+  look("letter.doc");
+  TakePicture(Window(form.Handle()), "status-short-name");
 }
 
 TEST_F(frmStatusTest, PathsWithAmpersandsAreShownAsTheyAre) {

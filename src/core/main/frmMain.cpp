@@ -119,6 +119,8 @@ frmMain::frmMain(AppState& state, Platform& platform)
   ListView1.RowGhosted = [this](int row) { return jobList_.Row(row).Ghosted; };
   ListView1.SelectionChange = [this](int row) { jobList_.UserSelected(row); };
   ListView1.DblClick = [this] { commands_.ListDoubleClicked(); };
+  ListView1.Return = [this] { commands_.ListDoubleClicked(); };
+  ListView1.EmptyText = "Add files or folders to be wiped, or drop them here";
   ListView1.FindRow = [this](const std::string& prefix, int start) {
     return jobList_.FindByPrefix(prefix, start);
   };
@@ -175,9 +177,12 @@ void frmMain::ReadCommandLine() {
 }
 
 void frmMain::Show() {
-  const bool maximise = maximiseAtShow_ && !shown_;
+  const bool again = shown_;
   shown_ = true;
-  ShowAs(maximise ? SW_SHOWMAXIMIZED : SW_SHOW);
+  ShowAs(maximiseAtShow_ && !again ? SW_SHOWMAXIMIZED : SW_SHOW);
+  // A cancelled wipe leaves the program without a window, and another one in front. Where the user has gone
+  // on to that one by himself, the system only makes our button on the task bar flash.
+  if (again) ::SetForegroundWindow(Handle());
 }
 
 void frmMain::LoadBarLayout() {
@@ -384,6 +389,11 @@ void frmMain::RowChanged(int row) {
 
 void frmMain::SelectionChanged(int row) {
   if (!rowsPending_) ListView1.SelectRow(row);
+}
+
+void frmMain::RevealRows(int first) {
+  ShowPendingRows();
+  ListView1.RevealRows(first);
 }
 
 std::string frmMain::WindowsFolder() {

@@ -86,6 +86,7 @@ class frmMain final : public Form,
   void RowsChanged() override;
   void RowChanged(int row) override;
   void SelectionChanged(int row) override;
+  void RevealRows(int first) override;
   void ShowPendingRows() override;
 
   // FolderDialog

@@ -303,5 +303,32 @@ TEST(SplitCommandLine, AQuoteThatIsNotClosedFails) {
   }
 }
 
+// The rows that a view was asked to show.
+class RevealedRows final : public JobListView {
+ public:
+  std::vector<int> first;
+  void RowsChanged() override {}
+  void RowChanged(int) override {}
+  void SelectionChanged(int) override { first.clear(); }  // which may scroll to the row that is selected
+  void RevealRows(int row) override { first.push_back(row); }
+  void ShowPendingRows() override {}
+};
+
+TEST_F(AddFilesTest, EachDoorHasTheNewRowsShownThoughTheFirstIsSelected) {
+  RevealedRows revealed;
+  jobList.SetView(&revealed);
+  adding.AddDropped({"C:\\1.txt", "C:\\2.txt"});
+  EXPECT_THAT(revealed.first, ElementsAre(1));
+  adding.AddDropped({"C:\\2.txt", "C:\\3.txt", "C:\\4.txt"});
+  EXPECT_THAT(revealed.first, ElementsAre(3));
+  adding.AddDialogResult("C:\\5.txt");
+  EXPECT_THAT(revealed.first, ElementsAre(5));
+  adding.AddCommandLineItems("C:\\6.txt");
+  EXPECT_THAT(revealed.first, ElementsAre(6));
+  adding.AddDropped({"C:\\2.txt"});
+  EXPECT_THAT(revealed.first, IsEmpty()) << "nothing is new";
+  ExpectClosed();
+}
+
 }  // namespace
 }  // namespace zq

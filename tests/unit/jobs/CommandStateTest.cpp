@@ -18,6 +18,7 @@ using testing::ElementsAre;
 class ListView final : public JobListView {
  public:
   explicit ListView(test::EventLog& log) : log_(log) {}
+  void RevealRows(int) override {}
   void RowsChanged() override {}
   void RowChanged(int) override {}
   void SelectionChanged(int) override {}

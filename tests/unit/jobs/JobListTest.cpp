@@ -17,6 +17,7 @@ using testing::ElementsAre;
 class RecordingView final : public JobListView {
  public:
   std::vector<std::string> log;
+  void RevealRows(int first) override { log.push_back("reveal " + std::to_string(first)); }
   void RowsChanged() override { log.push_back("rows"); }
   void RowChanged(int row) override { log.push_back("row " + std::to_string(row)); }
   void SelectionChanged(int row) override { log.push_back("selected " + std::to_string(row)); }
@@ -111,6 +112,18 @@ TEST_F(JobListTest, OnlyTheExactTextOfColumnThreeMakesAFolderRow) {
   EXPECT_FALSE(FolderRow("Yes", "No", "").IsFolderRow());
 }
 
+TEST_F(JobListTest, TypingFindsAPathByItsBeginningAndByItsName) {
+  for (const char* path : {"C:\\data\\cat.txt", "C:\\data\\README", "D:\\Readings", "readme.txt"})
+    jobList.Add(FileRow(path));
+  EXPECT_EQ(jobList.FindByPrefix("c:\\data\\r", 1), 2);
+  EXPECT_EQ(jobList.FindByPrefix("read", 1), 2);
+  EXPECT_EQ(jobList.FindByPrefix("READ", 3), 3);
+  EXPECT_EQ(jobList.FindByPrefix("readm", 3), 4);
+  EXPECT_EQ(jobList.FindByPrefix("ca", 2), 1) << "once round";
+  EXPECT_EQ(jobList.FindByPrefix("data", 1), 0) << "a folder on the way is neither";
+  EXPECT_EQ(jobList.FindByPrefix("readme.txt and more", 1), 0);
+}
+
 TEST_F(JobListTest, TheViewHearsOfEachChange) {
   RecordingView view;
   jobList.SetView(&view);
@@ -125,10 +138,11 @@ TEST_F(JobListTest, TheViewHearsOfEachChange) {
   jobList.Select(2);
   jobList.Select(0);
   jobList.UserSelected(1);  // told by the view itself
+  jobList.Reveal(2);
   jobList.Remove(2);
   jobList.Clear();
   EXPECT_THAT(view.log, ElementsAre("rows", "rows", "row 1", "row 2", "row 2", "row 2", "row 2", "selected 2",
-                                    "selected 0", "rows", "rows"));
+                                    "selected 0", "reveal 2", "rows", "rows"));
 }
 
 TEST_F(JobListTest, SettersChangeTheirCellsAndNoOthers) {

@@ -47,8 +47,8 @@ TEST_F(JobWipeCancelTest, ACancelReachesTheEngineWhileItsMemberRuns) {
                           // the row's own pump, then the report in a window that nobody sees
                           "pump", "status: cancel off", "status: current 0", "status: overall 0",
                           "status: text Creating Report Data...Please Wait...", "status: repaint",
-                          "write C:\\Zeroquill\\Report\\Report.dat", "report: load", "status: unload",
-                          "main: show", "box Wipe Operation"));
+                          "write C:\\Zeroquill\\Report\\Report.dat", "report: load", "main: show",
+                          "status: unload", "box Wipe Operation"));
 }
 
 TEST_F(JobWipeCancelTest, ACancelInTheLastRowIsACancelToo) {

@@ -38,9 +38,23 @@ TEST_F(JobWipeEventsTest, FilesThatWereNotCountedCarryTheOverallBarPastAHundred)
   EXPECT_THAT(LogOf("status: caption"), ElementsAre("status: caption 104% - Wipe Operation"));
 }
 
+TEST_F(JobWipeEventsTest, WorkAtAFolderLeavesFiguresAndCaptionAndLetsTheUserIn) {
+  files.AddFile("C:\\Papers\\a.doc");
+  jobList.Add(FolderRow("C:\\Papers"));
+  engine.work = [this](const std::string& path, WipeEvents& events) {
+    events.SFD1_WipeProgress(6, 6, 0, "a.doc");
+    log.clear();
+    events.SFD1_WorkElsewhere(path);
+    EXPECT_THAT(log, ElementsAre("status: text Processed  bytes of  of C:\\Papers...", "pump"));
+  };
+  Run();
+  EXPECT_EQ(state.TotalWipeItems, FixedPoint(1));
+}
+
 TEST_F(JobWipeEventsTest, DuringAFreeSpaceWipeProgressOfFilesIsNotShown) {
   state.FreeSpaceActive = true;
   wipe.SFD1_WipeProgress(1, 2, 0, "C:\\a.txt");
+  wipe.SFD1_WorkElsewhere("C:\\Papers");
   EXPECT_THAT(log, IsEmpty());
 }
 

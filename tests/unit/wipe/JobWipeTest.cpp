@@ -36,7 +36,7 @@ TEST_F(JobWipeTest, ARunGoesThroughItsStepsInOrder) {
   wipe.RunJobWipe();
 
   EXPECT_THAT(log,
-              ElementsAre("box Wipe Operation", "main: hide", "status: show", "status: cancel off",
+              ElementsAre("box Wipe Operation", "status: show", "main: hide", "status: cancel off",
                           // the counting pass: every file is an ordinary one before the first is destroyed
                           "attributes C:\\a.txt 128", "pump",  //
                           "attributes C:\\Papers\\letter.doc 128", "attributes C:\\Papers\\ 128",
@@ -73,7 +73,7 @@ TEST_F(JobWipeTest, ARunGoesThroughItsStepsInOrder) {
                           "status: text Creating Report Data...Please Wait...", "status: repaint",
                           "write C:\\Zeroquill\\Report\\Report.dat", "report: load",
                           // the end
-                          "status: unload", "main: show", "box Wipe Operation", "report: show"));
+                          "main: show", "status: unload", "box Wipe Operation", "report: show"));
   EXPECT_THAT(boxes.shown, ElementsAre(kConfirmation, kComplete));
   EXPECT_EQ(Report(),
             "\"Untitled Job\"\r\n"

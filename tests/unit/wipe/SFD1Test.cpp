@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "platform/RunTimeError.h"
@@ -20,6 +22,7 @@ using engine::test::FakeClock;
 using engine::test::FakeDevice;
 using engine::test::Secret;
 using testing::AllOf;
+using testing::Contains;
 using testing::ElementsAre;
 using testing::Ge;
 using testing::HasSubstr;
@@ -28,7 +31,7 @@ using testing::Le;
 using testing::StartsWith;
 
 struct Raised {
-  std::string kind;  // "progress", "error", "wiped", "space"
+  std::string kind;  // "progress", "elsewhere", "error", "wiped", "space"
   std::string text;  // the item's name, or the error's text
   std::int32_t done = 0;
   std::int32_t total = 0;
@@ -56,6 +59,7 @@ class Handlers final : public WipeEvents {
                          const std::string& itemName) override {
     Add({"progress", itemName, bytesDone, bytesTotal, percent});
   }
+  void SFD1_WorkElsewhere(const std::string& itemName) override { Add({"elsewhere", itemName}); }
   void SFD1_WipeError(std::int32_t errorCode, const std::string& errorText) override {
     Add({"error", errorText, 0, 0, errorCode});
   }
@@ -117,6 +121,23 @@ TEST_F(SFD1Test, TellsOfFilesAloneThatTheyAreGone) {
   EXPECT_TRUE(control.WipeFolder("/papers", 3)) << control.GetLastErrorText();
   EXPECT_FALSE(device.Exists("/papers"));
   EXPECT_THAT(handlers.TextsOf("wiped"), testing::UnorderedElementsAre("a", "b"));
+}
+
+TEST_F(SFD1Test, TellsWorkAtFoldersWithoutFigures) {
+  device.MakeFile("/papers/a", Secret(5000));
+  // Each of the first steps takes until an event is due, by the control's own clock.
+  int slowSteps = 8;
+  device.onOp = [&slowSteps](const engine::test::Op&) {
+    const auto due = std::chrono::steady_clock::now() + std::chrono::milliseconds(40);
+    if (slowSteps-- <= 0) return;
+    while (std::chrono::steady_clock::now() < due) std::this_thread::yield();
+  };
+  EXPECT_TRUE(control.WipeFolder("/papers", 3)) << control.GetLastErrorText();
+  EXPECT_THAT(handlers.TextsOf("elsewhere"), Contains("/papers"));
+  for (const Raised& event : handlers.Of("progress")) {
+    EXPECT_EQ(event.text, "a");
+    EXPECT_EQ(event.total, 5000);
+  }
 }
 
 TEST_F(SFD1Test, TellsAFailureOnceAndNotAgainForTheFolderThatStaysWithIt) {
