@@ -81,6 +81,7 @@ TEST_F(JobWipeLongWorkTest, IsNotBegunWithoutTheUsersWill) {
 
 TEST_F(JobWipeLongWorkTest, IsNotBegunWithNothingToWipe) {
   jobList.Add(test::FileRow("C:\\gone.txt"));
+  boxes.answers = {MessageAnswer::Ok};
   told.RunJobWipe();
   EXPECT_THAT(LogOf("work"), IsEmpty());
 }

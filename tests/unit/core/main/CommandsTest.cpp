@@ -252,6 +252,7 @@ TEST_F(CommandsTest, RemoveKeepsTheRowOnAnyOtherAnswer) {
 
 TEST_F(CommandsTest, RemoveWithoutASelectedRowSaysSo) {
   List(2, 0);
+  Answer(MessageAnswer::Ok);
   commands.RemoveSelectedItem();
   EXPECT_THAT(
       boxes.shown,
