@@ -36,6 +36,23 @@ TEST_F(frmNewTest, OpensWithItsTexts) {
   EXPECT_EQ(DefaultButtonOf(form), IDC_frmNew_cmdOK);
 }
 
+TEST_F(frmNewTest, HeadingIsBold) {
+  Form& form = Default<frmNew>::Touch();
+  LOGFONTW heading{};
+  LOGFONTW text{};
+  ASSERT_NE(
+      ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(Item(form, IDC_frmNew_Label2), WM_GETFONT, 0, 0)),
+                   sizeof heading, &heading),
+      0);
+  ASSERT_NE(
+      ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(Item(form, IDC_frmNew_Label1), WM_GETFONT, 0, 0)),
+                   sizeof text, &text),
+      0);
+  EXPECT_EQ(heading.lfWeight, FW_BOLD);
+  EXPECT_LT(text.lfWeight, FW_BOLD);
+  EXPECT_EQ(heading.lfHeight, text.lfHeight);
+}
+
 TEST_F(frmNewTest, OkKeepsTheTick) {
   Press(Default<frmNew>::Touch(), IDC_frmNew_chkShow);
   Press(Default<frmNew>::Touch(), IDC_frmNew_cmdOK);
