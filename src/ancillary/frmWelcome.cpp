@@ -8,6 +8,7 @@ namespace zq {
 
 frmWelcome::frmWelcome(AppState& state, Platform& platform)
     : Form(IDD_frmWelcome), state_(state), platform_(platform) {
+  CloseOnEsc();
   cmdOK.Click = [this] { Unload(); };
 }
 

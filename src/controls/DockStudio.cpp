@@ -22,7 +22,8 @@ void DockStudio::Create(HWND owner, BarsDesign design) {
   owner_ = owner;
   design_ = std::move(design);
   menuBar_.Create(owner, design_.menus, kFirstCommandId);
-  toolBands_.Create(owner, design_.toolBar, static_cast<UINT>(kFirstCommandId + menuBar_.Tools().size()));
+  toolBands_.Create(owner, design_.toolBar, design_.bandNames,
+                    static_cast<UINT>(kFirstCommandId + menuBar_.Tools().size()));
   statusBar_.Create(owner, design_.panels);
   CreateShortcuts();
   LoadPictures();
@@ -72,6 +73,7 @@ bool DockStudio::OnCommand(WORD commandId) {
 }
 
 bool DockStudio::OnNotify(const NMHDR& header) {
+  if (toolBands_.OnTip(header)) return true;
   if (header.hwndFrom != toolBands_.Handle()) return false;
   switch (header.code) {
     case static_cast<UINT>(RBN_HEIGHTCHANGE):
@@ -88,6 +90,18 @@ bool DockStudio::OnNotify(const NMHDR& header) {
 void DockStudio::OnInitMenuPopup(HMENU menu) {
   const std::string_view name = menuBar_.NameOf(menu);
   if (!name.empty() && MenuOpening) MenuOpening(name);
+}
+
+bool DockStudio::OnMeasureItem(MEASUREITEMSTRUCT& item) const {
+  return menuBar_.OnMeasureItem(item) || toolBands_.OnMeasureItem(item);
+}
+
+bool DockStudio::OnDrawItem(const DRAWITEMSTRUCT& item) const {
+  return menuBar_.OnDrawItem(item) || toolBands_.OnDrawItem(item);
+}
+
+void DockStudio::OnLookChanged() {
+  LoadPictures();
 }
 
 void DockStudio::OnSize() {
@@ -166,6 +180,15 @@ void DockStudio::SetVisualStyle(int visualStyle) {
   toolBands_.SetTheme(theme);
   ::SetWindowTheme(statusBar_.Handle(), theme, theme);
   LayOut();
+}
+
+int DockStudio::Height() const {
+  int height = 0;
+  for (const HWND bar : {toolBands_.Handle(), statusBar_.Handle()}) {
+    RECT rect{};
+    if (::GetWindowRect(bar, &rect)) height += rect.bottom - rect.top;
+  }
+  return height;
 }
 
 RECT DockStudio::ClientArea() const {

@@ -36,6 +36,9 @@ class DockStudio final : public ToolStates {
   bool OnCommand(WORD commandId);
   bool OnNotify(const NMHDR& header);
   void OnInitMenuPopup(HMENU menu);
+  bool OnMeasureItem(MEASUREITEMSTRUCT& item) const;
+  bool OnDrawItem(const DRAWITEMSTRUCT& item) const;
+  void OnLookChanged();  // other colours or another theme
   void OnSize();
   void OnDpiChanged();
   bool TranslateShortcut(MSG& message);
@@ -59,6 +62,9 @@ class DockStudio final : public ToolStates {
 
   // What the bars leave, in pixels of the owner's client area.
   RECT ClientArea() const;
+
+  // Of tool bar and status bar together, in pixels.
+  int Height() const;
 
  private:
   void CreateShortcuts();

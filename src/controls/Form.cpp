@@ -87,7 +87,7 @@ void Form::Show() {
 void Form::ShowAs(int showCommand) {
   ::ShowWindow(hwnd_, showCommand);
   if (std::exchange(focusGiven_, true)) return;
-  const HWND first = ::GetNextDlgTabItem(hwnd_, nullptr, FALSE);
+  const HWND first = start_ ? start_->Handle() : ::GetNextDlgTabItem(hwnd_, nullptr, FALSE);
   if (first) ::SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
 }
 
@@ -210,8 +210,11 @@ std::optional<LRESULT> Form::OnMessage(UINT, WPARAM, LPARAM) {
 }
 
 bool Form::DispatchCommand(WPARAM wParam) {
-  // Esc comes as a command of IDCANCEL even where no such button exists; no control has that number, so
-  // it is dropped here.
+  // Esc comes as a command of IDCANCEL even where no such button exists, and no control has that number.
+  if (LOWORD(wParam) == IDCANCEL) {
+    if (closesOnEsc_) Close(CloseReason::User);
+    return closesOnEsc_;
+  }
   for (Control* control : controls_) {
     if (control->Id() == LOWORD(wParam)) {
       control->OnCommand(HIWORD(wParam));

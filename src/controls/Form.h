@@ -62,8 +62,13 @@ class Form {
   virtual bool QueryUnload(CloseReason) { return true; }  // false keeps the form open
   virtual void Unloaded() {}
   virtual void Activated() {}
-  // Shows the form by a command of ShowWindow; the first time its first control gets the focus.
+  // Shows the form by a command of ShowWindow; the first time its first control gets the focus, or the one
+  // that StartAt names.
   void ShowAs(int showCommand);
+  // Where the focus is once the form is shown for the first time. A constructor's statement.
+  void StartAt(const Control& control) { start_ = &control; }
+  // Esc asks for what the close box asks for. A constructor's statement; without it Esc does nothing.
+  void CloseOnEsc() { closesOnEsc_ = true; }
   // A message that the form handles itself gives its result.
   virtual std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -81,7 +86,9 @@ class Form {
   HWND modalOwner_ = nullptr;
   bool modal_ = false;
   bool focusGiven_ = false;
-  int depth_ = 0;  // how often this form's code is on the stack
+  bool closesOnEsc_ = false;
+  const Control* start_ = nullptr;  // null for the first one
+  int depth_ = 0;                   // how often this form's code is on the stack
   std::vector<Control*> controls_;
   std::function<void()> closed_;
 };

@@ -311,9 +311,9 @@ class Device {
   virtual void WriteHome(Folder& folder);
 
   // After entries of `folder`, or of other folders with the same log, are gone for good: clears what the log
-  // keeps of them. What can't be done, but puts no content at risk, is told in `note`, as a sentence, unless
-  // it holds one. A failure is that content may be left. `mayGoOn` is asked several times a second; after a
-  // no what is left to be done is left, and told.
+  // keeps of them. What can't be done, but puts no content at risk, is told in `note`, as a sentence. A
+  // failure is that content may be left. `mayGoOn` is asked several times a second; after a no what is left
+  // to be done is left, and told.
   virtual Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note);
 };
 

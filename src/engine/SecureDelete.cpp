@@ -198,13 +198,15 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
 }
 
 bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
-                             std::int32_t level) noexcept {
+                             std::int32_t level, const EntryId* meantFolder) noexcept {
   return Run(folderPath, level, [&](Operation& operation) {
     std::shared_ptr<Place> place;
     EntryId folder;
     try {
       place = PlaceAt(folderPath);
       Require(place->folder->Identity(folder), "Opening", folderPath);
+      // A file can have a name in another folder, too, and that one wasn't named.
+      if (meantFolder != nullptr && folder != *meantFolder) ThrowNotMeant(folderPath);
     } catch (const Failure& failure) {
       for (const NamedFile& file : files) {
         operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);

@@ -45,7 +45,9 @@ void Traces::Clear(Operation& operation, Clock::Time longest) {
   for (const Kept& one : kept) {
     if (one.log == 0) continue;
     const auto mayGoOn = [&] { return operation.MayGoOn(one.path) && operation.clock.Now() < end; };
-    const Status status = operation.device.ClearTraces(*one.folder, mayGoOn, operation.note);
+    std::string note;
+    const Status status = operation.device.ClearTraces(*one.folder, mayGoOn, note);
+    if (!note.empty()) operation.AddNote(note);
     if (!status.Ok() && !failure)
       failure = MakeFailure("Clearing the journal after the wipe of", one.path, status);
   }

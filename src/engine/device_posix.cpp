@@ -157,10 +157,7 @@ class PosixDevice final : public Device {
     const Volume& volume = posix.OnVolume();
     if (volume.magic == kXfsMagic) {
       XfsFillLog(posix.Fd(), volume.device, mayGoOn);
-      if (note.empty()) {
-        note =
-            "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
-      }
+      note = "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
       return {};
     }
     if (!volume.mayHaveJournal) return {};
@@ -169,7 +166,6 @@ class PosixDevice final : public Device {
       return Checkpoint(posix.Fd(), kZeroOut) ? Status{} : LastError();
     }
     Ext4FillJournal(posix.Fd(), mayGoOn);
-    if (!note.empty()) return {};
     note =
         "The names of what was wiped may stay in the file system's journal for a while, which only an "
         "administrator may clear.";

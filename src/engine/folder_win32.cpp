@@ -120,7 +120,7 @@ class WindowsFolder final : public Folder {
     Closing handle(*place_.calls);
     std::wstring path;
     if (Status status = OpenEntry(entry, handle.handle, path); !status.Ok()) return status;
-    return RemoveEntry(*place_.calls, handle.handle, path);
+    return RemoveEntry(*place_.calls, handle.handle, path, false);
   }
 
   // Windows has no promise for the flush of a folder. Where it takes one, it is asked; where it doesn't,

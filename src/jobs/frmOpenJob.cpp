@@ -16,6 +16,7 @@ constexpr ListColumn kColumns[] = {
 
 frmOpenJob::frmOpenJob(AppState& state, Platform& platform)
     : Form(IDD_frmOpenJob), state_(state), platform_(platform) {
+  CloseOnEsc();
   ListView1.CellText = [this](int row, int column) {
     const SavedJob& job = jobs_.at(static_cast<std::size_t>(row - 1));
     return column == 0 ? job.name : job.lastWiping;

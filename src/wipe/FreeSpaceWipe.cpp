@@ -1,5 +1,7 @@
 #include "wipe/FreeSpaceWipe.h"
 
+#include <algorithm>
+
 #include "core/state/AppState.h"
 #include "core/state/MainWindow.h"
 #include "platform/MessageBoxes.h"
@@ -13,6 +15,8 @@ namespace zq {
 namespace {
 
 constexpr const char* kLineBreak = "\r\n";
+constexpr const char* kReasonToStay =
+    "Free space is being wiped.  Cancel the wipe operation first, or let it come to its end.";
 
 Message Confirmation(const std::string& drive) {
   return {.text = "This operation will securely wipe the free space on drive " + drive +
@@ -34,6 +38,16 @@ void FreeSpaceWipe::RunFreeSpaceWipe() {
   state_.FreeSpaceError = "";
   state_.CancelRequested = false;
   WipeStartedAt = platform_.regional.Now();
+  DoWork();
+  mainWindow_.Show();
+  platform_.longWork.CallUser();
+  WipeEndedAt = platform_.regional.Now();
+  platform_.messageBoxes.Show(Outcome());
+}
+
+// While the main window is hidden.
+void FreeSpaceWipe::DoWork() {
+  const LongWorkScope work(platform_.longWork, kReasonToStay);
   mainWindow_.Hide();
   statusWindow_.Show();
 
@@ -42,9 +56,6 @@ void FreeSpaceWipe::RunFreeSpaceWipe() {
 
   // After a cancel the user has closed the window: this is a hidden one that the last events have brought up.
   statusWindow_.Unload();
-  mainWindow_.Show();
-  WipeEndedAt = platform_.regional.Now();
-  platform_.messageBoxes.Show(Outcome());
 }
 
 Message FreeSpaceWipe::Outcome() const {
@@ -83,6 +94,7 @@ void FreeSpaceWipe::SFD1_FreeSpaceProgress(const std::string& /*itemName*/, std:
   if (update.status) statusWindow_.SetStatus(*update.status);
   statusWindow_.SetCurrent(update.current);
   statusWindow_.SetCaption(update.caption);
+  platform_.longWork.ShowPercent(std::clamp<int>(update.current, 0, 100));
   // A click on Cancel gets through here alone.
   platform_.process.PumpMessages();
 }

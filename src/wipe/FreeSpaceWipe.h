@@ -35,6 +35,7 @@ class FreeSpaceWipe {
                               std::int32_t kbTotal);
 
  private:
+  void DoWork();
   Message Outcome() const;
 
   AppState& state_;

@@ -36,6 +36,23 @@ TEST_F(frmNewTest, OpensWithItsTexts) {
   EXPECT_EQ(DefaultButtonOf(form), IDC_frmNew_cmdOK);
 }
 
+TEST_F(frmNewTest, HeadingIsBold) {
+  Form& form = Default<frmNew>::Touch();
+  LOGFONTW heading{};
+  LOGFONTW text{};
+  ASSERT_NE(
+      ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(Item(form, IDC_frmNew_Label2), WM_GETFONT, 0, 0)),
+                   sizeof heading, &heading),
+      0);
+  ASSERT_NE(
+      ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(Item(form, IDC_frmNew_Label1), WM_GETFONT, 0, 0)),
+                   sizeof text, &text),
+      0);
+  EXPECT_EQ(heading.lfWeight, FW_BOLD);
+  EXPECT_LT(text.lfWeight, FW_BOLD);
+  EXPECT_EQ(heading.lfHeight, text.lfHeight);
+}
+
 TEST_F(frmNewTest, OkKeepsTheTick) {
   Press(Default<frmNew>::Touch(), IDC_frmNew_chkShow);
   Press(Default<frmNew>::Touch(), IDC_frmNew_cmdOK);
@@ -51,6 +68,22 @@ TEST_F(frmNewTest, OkWithoutTheTickKeepsTheNoteComing) {
 TEST_F(frmNewTest, CloseBoxLosesTheTick) {
   Press(Default<frmNew>::Touch(), IDC_frmNew_chkShow);
   Close(Default<frmNew>::Touch());
+  EXPECT_FALSE(Default<frmNew>::IsLoaded());
+  EXPECT_EQ(state_.Settings.SkipNewJobNote, 0);
+}
+
+TEST_F(frmNewTest, FocusIsOnOkAtFirst) {
+  Form& form = Default<frmNew>::Touch();
+  form.Show();
+  EXPECT_EQ(::GetFocus(), Item(form, IDC_frmNew_cmdOK));
+  EXPECT_EQ(TabOrder(form), (std::vector<int>{IDC_frmNew_chkShow, IDC_frmNew_cmdOK}));
+}
+
+TEST_F(frmNewTest, EscClosesItAndLosesTheTick) {
+  Form& form = Default<frmNew>::Touch();
+  form.Show();
+  Press(form, IDC_frmNew_chkShow);
+  PostKey(form, VK_ESCAPE);
   EXPECT_FALSE(Default<frmNew>::IsLoaded());
   EXPECT_EQ(state_.Settings.SkipNewJobNote, 0);
 }

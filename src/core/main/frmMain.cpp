@@ -4,6 +4,7 @@
 #include <shellapi.h>
 #include <windowsx.h>
 
+#include <algorithm>
 #include <array>
 
 #include "ancillary/frmWelcome.h"
@@ -25,6 +26,11 @@ constexpr const char* kBarLayoutFile = "Zeroquill.dsl";
 
 constexpr int kDesignWidthTwips = 10710;
 constexpr int kDesignHeightTwips = 6930;
+
+// The user can't make the client area narrower, nor the list lower: the list's headers can be read, some rows
+// be seen, and each band has room for a tool.
+constexpr int kLeastWidthTwips = 6900;
+constexpr int kLeastListHeightTwips = 1800;
 
 // Posted to ourselves: work that must not run inside the message that asked for it.
 constexpr UINT kShowWelcome = WM_APP + 1;
@@ -184,13 +190,27 @@ void frmMain::LoadBarLayout() {
     DockStudio1.LoadLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
 }
 
-void frmMain::SetDesignSize() {
-  RECT rect{0, 0, TwipsToPixels(kDesignWidthTwips, Dpi()), TwipsToPixels(kDesignHeightTwips, Dpi())};
+// The window around a client area of this size, in pixels.
+SIZE frmMain::WindowAround(int clientWidth, int clientHeight) const {
+  RECT rect{0, 0, clientWidth, clientHeight};
   ::AdjustWindowRectExForDpi(&rect, static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_STYLE)), TRUE,
                              static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_EXSTYLE)),
                              static_cast<UINT>(Dpi()));
-  ::SetWindowPos(Handle(), nullptr, 0, 0, rect.right - rect.left, rect.bottom - rect.top,
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+void frmMain::SetDesignSize() {
+  const SIZE size =
+      WindowAround(TwipsToPixels(kDesignWidthTwips, Dpi()), TwipsToPixels(kDesignHeightTwips, Dpi()));
+  ::SetWindowPos(Handle(), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// A saved place is taken as it is, however small.
+void frmMain::LimitSize(POINT& leastSize) const {
+  if (restoringPlace_) return;
+  const SIZE least = WindowAround(TwipsToPixels(kLeastWidthTwips, Dpi()),
+                                  DockStudio1.Height() + TwipsToPixels(kLeastListHeightTwips, Dpi()));
+  leastSize = {std::max(leastSize.x, least.cx), std::max(leastSize.y, least.cy)};
 }
 
 void frmMain::RestoreWindowPlacement() {
@@ -204,10 +224,12 @@ void frmMain::RestoreWindowPlacement() {
   const ScreenPlace place = PlaceOf(placement, SystemDpi());
   // On a monitor of another resolution the first move has the window scaled to it: the second one gives it
   // its size again.
+  restoringPlace_ = true;
   for (int move = 0; move < 2; ++move) {
     ::SetWindowPos(Handle(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | SWP_NOACTIVATE);
   }
+  restoringPlace_ = false;
 }
 
 WindowPlacement frmMain::CurrentPlacement() const {
@@ -255,6 +277,29 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
     case WM_INITMENUPOPUP:
       DockStudio1.OnInitMenuPopup(reinterpret_cast<HMENU>(wParam));
       return std::nullopt;
+    case WM_MEASUREITEM:
+      if (!DockStudio1.OnMeasureItem(*reinterpret_cast<MEASUREITEMSTRUCT*>(lParam))) return std::nullopt;
+      return TRUE;
+    case WM_DRAWITEM:
+      if (!DockStudio1.OnDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) return std::nullopt;
+      return TRUE;
+    case WM_THEMECHANGED:
+      DockStudio1.OnLookChanged();
+      return std::nullopt;
+    case WM_SYSCOLORCHANGE:
+      // The system tells top-level windows alone.
+      ::EnumChildWindows(
+          Handle(),
+          [](HWND child, LPARAM) -> BOOL {
+            ::SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+            return TRUE;
+          },
+          0);
+      DockStudio1.OnLookChanged();
+      return std::nullopt;
+    case WM_GETMINMAXINFO:
+      LimitSize(reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize);
+      return 0;
     case WM_SIZE:
       DockStudio1.OnSize();
       return 0;

@@ -65,7 +65,9 @@ class frmMain final : public Form,
   void LoadBarLayout();
 
   // The window's size and place, in twips outside, in pixels inside.
+  SIZE WindowAround(int clientWidth, int clientHeight) const;
   void SetDesignSize();
+  void LimitSize(POINT& leastSize) const;
   void RestoreWindowPlacement();
   WindowPlacement CurrentPlacement() const;
 
@@ -126,6 +128,7 @@ class frmMain final : public Form,
   bool FirstRun = false;  // the welcome is still owed
   bool maximiseAtShow_ = false;
   bool shown_ = false;
+  bool restoringPlace_ = false;
   bool rowsPending_ = false;  // the list control hasn't been told the number of rows yet
 };
 

@@ -9,6 +9,7 @@
 #include "support/ExpectRaises.h"
 #include "support/fakes/FakeEngine.h"
 #include "support/fakes/FakeFiles.h"
+#include "support/fakes/FakeLongWork.h"
 #include "support/fakes/FakeMessageBoxes.h"
 #include "support/fakes/FakeProcess.h"
 #include "support/fakes/FakeRegional.h"
@@ -116,6 +117,31 @@ TEST_F(FreeSpaceWipeTest, RunsStepAfterStepAndTellsTheSuccess) {
                           CompleteBox("11/22/2026 1:02:03 AM", "11/22/2026 4:05:06 AM", "5", "1,234,567")));
   EXPECT_TRUE(state.FreeSpaceActive) << "until the next job wipe";
   EXPECT_EQ(state.Settings.Passes, 3) << "the level is this operation's alone";
+}
+
+TEST_F(FreeSpaceWipeTest, IsToldToTheSystemFromTheConfirmationToTheEnd) {
+  test::FakeLongWork longWork{log};
+  Platform telling{files, boxes, process, regional, registry, longWork};
+  FreeSpaceWipe told{state, telling, mainWindow, statusWindow};
+  WipeHandlers toldHandlers{jobWipe, told};
+  test::FakeEngine toldEngine{log, toldHandlers};
+  told.SetEngine(&toldEngine);
+  toldEngine.work = [](const std::string&, WipeEvents& events) {
+    events.SFD1_FreeSpaceProgress("x", 50, 4, 8);
+    events.SFD1_FreeSpaceProgress("x", 117, 4, 8);
+  };
+  boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
+  told.RunFreeSpaceWipe();
+  std::vector<std::string> steps;
+  for (const std::string& line : log) {
+    if (!line.starts_with("space: ") && line != "pump") steps.push_back(line);
+  }
+  EXPECT_THAT(steps,
+              ElementsAre("box Wipe Operation",
+                          "work: begin: Free space is being wiped.  Cancel the wipe operation first, or "
+                          "let it come to its end.",
+                          "main: hide", "WipeFreeSpace D:\\ 5", "work: 50", "work: 100", "work: end",
+                          "main: show", "work: call", "box Free Space Wipe Complete"));
 }
 
 TEST_F(FreeSpaceWipeTest, GrowthOfTheFreeSpaceIsShownAsAFullBar) {
