@@ -10,7 +10,8 @@
 # ZQ_PREFIX_OPTIONS (see prefix.sh).
 # ZQ_PICTURES is a folder of this machine for the pictures that the program takes; the program sees
 # a folder of its own under that name, whose pictures are moved. Else they go to build/pictures.
-# Exit code 97: the cage is open, and nothing was run.
+# Exit code 97: the cage is open, and nothing was run; 96: the prefix has small drives, for which this system
+# allows no mount name space.
 set -euo pipefail
 # shellcheck source=scripts/cage.sh
 source "$(dirname -- "${BASH_SOURCE[0]}")/cage.sh"
@@ -19,6 +20,11 @@ source "$(dirname -- "${BASH_SOURCE[0]}")/cage.sh"
 program=$(realpath -e -- "$1")
 shift
 name=$(basename -- "$program" .exe)
+case ${ZQ_PREFIX_OPTIONS:-} in
+  *--drive* | *--image*)
+    [[ $(cage_wall) == namespaces ]] || { cage_say "this system allows no mount name space"; exit 96; }
+    ;;
+esac
 read -ra options <<<"${ZQ_PREFIX_OPTIONS:-}"
 prefix=$("$cage_scripts/prefix.sh" create "${ZQ_PREFIX:-test}" "${options[@]}") || {
   cage_say "nothing is run in an open cage"

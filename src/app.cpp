@@ -91,6 +91,8 @@ void Run() {
 }  // namespace zq
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  // A drive without a medium is a failure to be told by us, not a box of the system's.
+  ::SetErrorMode(::GetErrorMode() | SEM_FAILCRITICALERRORS);
   // The window classes that dialog templates name must exist before the first dialog.
   const INITCOMMONCONTROLSEX classes{sizeof classes,
                                      ICC_WIN95_CLASSES | ICC_COOL_CLASSES | ICC_STANDARD_CLASSES};

@@ -117,6 +117,18 @@ void CloseFrontWindows(const Program& program, Window mainWindow) {
   }
 }
 
+// The dialog for a drive's free space, left as it is: here is no drive to be filled.
+void LookAtFreeSpace(const Program& program, Window mainWindow) {
+  mainWindow.Command(CommandOf(mainWindow, "Wipe Free Space"));
+  const Window dialog = program.WaitWindow("Wipe Drive Free Space");
+  Say("Wipe Free Space: a drive and a security level. Left by Cancel, so that nothing is filled up.");
+  Show(dialog, "16-free-space");
+  dialog.Child("Cancel").Press();
+  dialog.WaitGone();
+  mainWindow.WaitEnabled();
+  Demand(program.Boxes().empty(), "nothing is asked after Cancel");
+}
+
 // Answers the question before a wipe, and waits for the one behind it.
 MessageBoxView WipeNow(const Program& program, Window mainWindow, const std::string& confirmPicture,
                        const std::string& progressPicture) {
@@ -228,6 +240,7 @@ void WipeSavedJob(const ScratchFolder& scratch, const std::string& programFolder
   Show(mainWindow, "15-job-after");
   Say("Report\\Report.dat:");
   Say(ReadFileBytes(programFolder + "\\Report\\Report.dat"));
+  LookAtFreeSpace(program, mainWindow);
   CloseFrontWindows(program, mainWindow);
   Demand(program.WaitExit() == 0, "the program ends with 0");
 
