@@ -12,7 +12,7 @@ target_compile_options(zq_options INTERFACE
 if(WIN32)
   enable_language(RC)
   target_compile_definitions(zq_options INTERFACE
-    WIN32_LEAN_AND_MEAN NOMINMAX STRICT
+    UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX STRICT
     WINVER=0x0A00 _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000007)
   # The time of linking would make two builds of one commit differ.
   target_link_options(zq_options INTERFACE -static -Wl,--no-insert-timestamp)

@@ -88,3 +88,25 @@
 #define IDC_PrintingBox_lblDocument 2052
 #define IDC_PrintingBox_lblPrinter 2053
 #define IDC_PrintingBox_cmdCancel 2054
+
+#define IDD_frmDriveWipe 210
+#define IDC_frmDriveWipe_Image1 2101
+#define IDC_frmDriveWipe_Label1 2102
+#define IDC_frmDriveWipe_Frame1 2103
+#define IDC_frmDriveWipe_Label2 2104
+#define IDC_frmDriveWipe_ICDrives 2105
+#define IDC_frmDriveWipe_Label3 2106
+#define IDC_frmDriveWipe_opt3 2107
+#define IDC_frmDriveWipe_opt5 2108
+#define IDC_frmDriveWipe_opt7 2109
+#define IDC_frmDriveWipe_Label4 2110
+#define IDC_frmDriveWipe_cmdOK 2111
+#define IDC_frmDriveWipe_cmdCancel 2112
+#define IDC_frmDriveWipe_cmdHelp 2113
+
+#define IDD_frmSpaceStatus 220
+#define IDC_frmSpaceStatus_Frame1 2201
+#define IDC_frmSpaceStatus_Image1 2202
+#define IDC_frmSpaceStatus_pbCurrent 2203
+#define IDC_frmSpaceStatus_lblStatus 2204
+#define IDC_frmSpaceStatus_cmdCancel 2205

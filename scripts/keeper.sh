@@ -5,6 +5,20 @@
 set -euo pipefail
 mode=$1 prefix=$2 screen=$3
 
+# C: lies on this machine's disk, and a program that fills it up would fill that. So nothing can be made in its
+# root, where a wipe of the free space begins; in the folders there everything can. A prefix that is being made
+# needs its root yet.
+lock_drive_c() {
+  local folder
+  [[ -f $prefix/cage/made-by-prefix.sh ]] || return 0
+  mkdir -p -- "$1/run"
+  mount --bind -- "$1" "$1"
+  for folder in "$1"/*/; do
+    mount --bind -- "${folder%/}" "${folder%/}"
+  done
+  mount -o remount,bind,ro -- "$1"
+}
+
 enter() {
   # Before /proc is our own, it still shows the number by which those outside know this process.
   read -r pid _ </proc/self/stat
@@ -36,6 +50,7 @@ enter() {
   # Behind /tmp, which the prefix may well lie in.
   mkdir -p -- "$root$prefix"
   mount --bind -- "$prefix" "$root$prefix"
+  lock_drive_c "$root$prefix/drive_c"
   if [[ -s $prefix/cage/drives ]]; then
     while read -r letter what; do
       if [[ $what == /* ]]; then

@@ -17,12 +17,15 @@
 #include "jobs/frmOpenJob.h"
 #include "jobs/frmSave.h"
 #include "platform/win32/RunTimeErrorReport.h"
+#include "platform/win32/Win32Drives.h"
 #include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32Regional.h"
 #include "platform/win32/Win32Registry.h"
 #include "reports/frmPrintReport.h"
+#include "wipe/frmDriveWipe.h"
+#include "wipe/frmSpaceStatus.h"
 #include "wipe/frmStatus.h"
 
 namespace zq {
@@ -36,6 +39,7 @@ struct Program {
   Win32Process process{&PumpMessages};
   Win32Regional regional;
   Win32Registry registry;
+  Win32Drives drives;
   Platform platform{files, messageBoxes, process, regional, registry};
 };
 
@@ -47,6 +51,12 @@ void TellForms(Program& program) {
       [&program] { return std::make_unique<frmMain>(program.state, program.platform); });
   Default<frmStatus>::SetFactory([&program] {
     return std::make_unique<frmStatus>(program.state, program.platform, Default<frmMain>::Touch().Driver());
+  });
+  Default<frmDriveWipe>::SetFactory(
+      [&program] { return std::make_unique<frmDriveWipe>(program.state, program.platform, program.drives); });
+  Default<frmSpaceStatus>::SetFactory([&program] {
+    return std::make_unique<frmSpaceStatus>(program.state, program.platform,
+                                            Default<frmMain>::Touch().FreeSpaceDriver());
   });
   Default<frmPrintReport>::SetFactory(
       [&program] { return std::make_unique<frmPrintReport>(program.state, program.platform); });
@@ -81,6 +91,9 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   const INITCOMMONCONTROLSEX classes{sizeof classes,
                                      ICC_WIN95_CLASSES | ICC_COOL_CLASSES | ICC_STANDARD_CLASSES};
   ::InitCommonControlsEx(&classes);
+  // The ghost that Windows draws of a window that doesn't answer for five seconds invites to end the program,
+  // and that would be in the middle of a file.
+  ::DisableProcessWindowsGhosting();
   try {
     if (FAILED(::OleInitialize(nullptr))) return 1;
     zq::Run();

@@ -46,11 +46,11 @@ void frmOpen::Load() {
 void frmOpen::ShowPicture() {
   picture_ = LoadPng(PictureFor(Dpi()));
   BITMAP size{};
-  if (!picture_ || !::GetObjectA(picture_.Get(), sizeof size, &size)) return;
-  ::SendMessageA(Picture1.Handle(), STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(picture_.Get()));
+  if (!picture_ || !::GetObjectW(picture_.Get(), sizeof size, &size)) return;
+  ::SendMessageW(Picture1.Handle(), STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(picture_.Get()));
   Picture1.Move({0, 0, size.bmWidth, size.bmHeight});
   RECT work{};
-  ::SystemParametersInfoA(SPI_GETWORKAREA, 0, &work, 0);
+  ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
   ::SetWindowPos(Handle(), nullptr, (work.left + work.right - size.bmWidth) / 2,
                  (work.top + work.bottom - size.bmHeight) / 2, size.bmWidth, size.bmHeight,
                  SWP_NOZORDER | SWP_NOACTIVATE);

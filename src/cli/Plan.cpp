@@ -72,12 +72,15 @@ class Planner {
     target.kind = options_.mask ? Target::Kind::Matching : Target::Kind::Tree;
     target.path = named.given;
     target.firstItem = plan_.items.size();
-    Walk walk(device_, {options_.mask, options_.recursive}, interrupted_);
     engine::EntryId meant;
-    if (device_.Identify(named.given, meant).Ok()) {
-      if (++heldCount_ > kMostHeld) meant.hold.reset();
-      target.meant = std::move(meant);
+    if (const engine::Status status = device_.Identify(named.given, meant); !status.Ok()) {
+      // Whatever is there when it is wiped could be something else.
+      plan_.items.push_back({named.given, ItemKind::Folder, 0, Outcome::Kept, status.text});
+      return;
     }
+    if (++heldCount_ > kMostHeld) meant.hold.reset();
+    target.meant = std::move(meant);
+    Walk walk(device_, {options_.mask, options_.recursive}, interrupted_);
     walk.Run(named.given, plan_.items);
     target.itemCount = plan_.items.size() - target.firstItem;
     RememberPlaces(target, named);
@@ -126,7 +129,6 @@ class Planner {
     engine::EntryId meant;
     if (status.Ok()) status = device_.Identify(named.given, meant);
     if (!status.Ok()) return keep(ItemKind::File, status.text);
-    if (++heldCount_ > kMostHeld) meant.hold.reset();
     item.kind = ItemKind::File;
     item.bytes = located.lengthBytes;
     // Files of one folder that stand one after the other in the plan are one call of the engine, since it
@@ -137,12 +139,23 @@ class Planner {
     if (!joins) {
       Target target;
       target.path = folder;
+      if (status = IdentifyAsItsWayLeads(folder, target.meant.emplace()); !status.Ok()) {
+        return keep(ItemKind::File, status.text);
+      }
       target.firstItem = plan_.items.size();
       plan_.targets.push_back(std::move(target));
     }
+    if (++heldCount_ > kMostHeld) meant.hold.reset();
     plan_.items.push_back(std::move(item));
     plan_.targets.back().files.push_back({name, named.given, std::move(meant)});
     ++plan_.targets.back().itemCount;
+  }
+
+  // Of what the path leads to if it is a link, as for the engine.
+  engine::Status IdentifyAsItsWayLeads(const std::string& path, engine::EntryId& id) const {
+    std::unique_ptr<engine::Folder> folder;
+    const engine::Status status = device_.OpenFolder(path, folder);
+    return status.Ok() ? folder->Identity(id) : status;
   }
 
   const Options& options_;

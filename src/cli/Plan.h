@@ -41,7 +41,7 @@ struct Target {
   std::string path;                                    // of the folder; that of the files
   std::vector<engine::SecureDelete::NamedFile> files;  // in the case in which the system keeps their names
   // What was found there, and is shown to the user: nothing else that comes in its place is wiped.
-  std::optional<engine::EntryId> meant;  // of a folder
+  std::optional<engine::EntryId> meant;  // the folder at `path`
   std::size_t firstItem = 0;             // its items stand together in the plan
   std::size_t itemCount = 0;
 };

@@ -83,7 +83,7 @@ bool Runner::Wipe(const Target& target) {
   const engine::EntryId* const meant = target.meant ? &*target.meant : nullptr;
   switch (target.kind) {
     case Target::Kind::Files:
-      return engine_.WipeFiles(target.path, target.files, options_.level);
+      return engine_.WipeFiles(target.path, target.files, options_.level, meant);
     case Target::Kind::Tree:
       return engine_.WipeFolder(target.path, options_.level, meant);
     case Target::Kind::Matching:

@@ -21,36 +21,45 @@ void Walk::Run(const std::string& path, std::vector<Item>& items) {
   if (status.Ok() && name.empty()) status = engine::Status::Refusal("it is a whole drive");
   if (status.Ok()) status = device_.OpenFolder(abovePath, above);
   if (status.Ok()) status = above->OpenFolder(name, folder);
-  Enter(status, std::move(folder), path, items);
+  Enter(status, std::move(folder), name, path, items);
   while (!levels_.empty() && !interrupted_()) {
-    Level& level = levels_.back();
+    Level& level = *levels_.back();
     if (level.next < level.entries.size()) {
       const engine::Entry entry = std::move(level.entries[level.next++]);
       Visit(entry, items);
     } else {
       Leave(items);
     }
+    if (way_.AreTooMany()) way_.CloseOuter();
   }
 }
 
-void Walk::Enter(const engine::Status& opened, std::unique_ptr<engine::Folder> folder, std::string path,
-                 std::vector<Item>& items) {
-  Level level;
+void Walk::Enter(const engine::Status& opened, std::unique_ptr<engine::Folder> folder,
+                 const std::string& name, std::string path, std::vector<Item>& items) {
+  auto level = std::make_unique<Level>();
   engine::Status status = opened;
-  if (status.Ok()) status = folder->List(level.entries);
+  if (status.Ok()) status = WithRoom([&] { return folder->List(level->entries); });
   if (!status.Ok()) {
     items.push_back({std::move(path), ItemKind::Folder, 0, Outcome::Kept, status.text});
-    if (!levels_.empty()) levels_.back().somethingStays = true;
+    if (!levels_.empty()) levels_.back()->somethingStays = true;
     return;
   }
-  std::ranges::sort(level.entries, {}, &engine::Entry::name);
-  level.folder = std::move(folder);
-  level.path = std::move(path);
+  std::ranges::sort(level->entries, {}, &engine::Entry::name);
+  level->folder = std::move(folder);
+  level->path = std::move(path);
+  way_.Enter(level->folder, name);
   levels_.push_back(std::move(level));
 }
 
+engine::Status Walk::WithRoom(const std::function<engine::Status()>& open) {
+  engine::Status status = open();
+  if (status.trouble != engine::Trouble::TooManyOpen) return status;
+  way_.CloseOuter();
+  return open();
+}
+
 void Walk::Visit(const engine::Entry& entry, std::vector<Item>& items) {
-  Level& level = levels_.back();
+  Level& level = *levels_.back();
   std::string path = device_.Join(level.path, entry.name);
   switch (entry.kind) {
     case engine::EntryKind::File:
@@ -62,8 +71,8 @@ void Walk::Visit(const engine::Entry& entry, std::vector<Item>& items) {
     case engine::EntryKind::Folder:
       if (selection_.subFolders) {
         std::unique_ptr<engine::Folder> folder;
-        const engine::Status status = level.folder->OpenFolder(entry.name, folder);
-        Enter(status, std::move(folder), std::move(path), items);
+        const engine::Status status = WithRoom([&] { return level.folder->OpenFolder(entry.name, folder); });
+        Enter(status, std::move(folder), entry.name, std::move(path), items);
       }
       break;
     case engine::EntryKind::FolderLink:
@@ -82,17 +91,25 @@ void Walk::Visit(const engine::Entry& entry, std::vector<Item>& items) {
 }
 
 void Walk::Leave(std::vector<Item>& items) {
-  Level level = std::move(levels_.back());
+  const engine::Status opened = WithRoom([&] { return way_.OpenHolder(); });
+  way_.Leave();
+  const std::unique_ptr<Level> level = std::move(levels_.back());
   levels_.pop_back();
-  if (!selection_.mask) {
-    Item item{std::move(level.path), ItemKind::Folder, 0, Outcome::Pending, {}};
-    if (level.somethingStays) {
+  if (!selection_.mask || !level->trouble.empty()) {
+    Item item{std::move(level->path), ItemKind::Folder, 0, Outcome::Pending, {}};
+    if (level->somethingStays) {
       item.outcome = Outcome::Kept;
-      item.reason = "something in it stays";
+      item.reason = level->trouble.empty() ? "something in it stays" : std::move(level->trouble);
     }
     items.push_back(std::move(item));
   }
-  if (level.somethingStays && !levels_.empty()) levels_.back().somethingStays = true;
+  if (level->somethingStays && !levels_.empty()) levels_.back()->somethingStays = true;
+  if (opened.Ok()) return;
+  Level& holder = *levels_.back();
+  holder.entries.clear();
+  holder.next = 0;
+  holder.somethingStays = true;
+  holder.trouble = opened.text;
 }
 
 }  // namespace zq::cli

@@ -138,7 +138,24 @@ Located Locate(const std::string& path) {
 
 std::uint64_t LengthBytes(const std::string& path) {
   struct stat facts {};
-  return ::lstat(path.c_str(), &facts) == 0 ? static_cast<std::uint64_t>(facts.st_size) : 0;
+  // A walk gets to paths that are longer than the system takes: those are followed in parts.
+  int folder = AT_FDCWD;
+  std::size_t start = 0;
+  bool found = true;
+  while (found && path.size() - start >= PATH_MAX) {
+    const std::size_t slash = path.rfind('/', start + PATH_MAX - 1);
+    found = slash != std::string::npos && slash > start;
+    const int next =
+        found ? ::openat(folder, path.substr(start, slash - start).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)
+              : -1;
+    if (folder != AT_FDCWD) ::close(folder);
+    folder = next;
+    found = folder >= 0;
+    start = slash + 1;
+  }
+  found = found && ::fstatat(folder, path.c_str() + start, &facts, AT_SYMLINK_NOFOLLOW) == 0;
+  if (folder >= 0) ::close(folder);
+  return found ? static_cast<std::uint64_t>(facts.st_size) : 0;
 }
 
 bool Exists(const std::string& path) {

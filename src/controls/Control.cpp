@@ -1,6 +1,7 @@
 #include "controls/Control.h"
 
 #include "controls/Pictures.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 
@@ -13,10 +14,18 @@ void Control::Attach() {
   Attached();
 }
 
+std::string WindowText(HWND hwnd) {
+  std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(hwnd)) + 1, L'\0');
+  text.resize(static_cast<std::size_t>(::GetWindowTextW(hwnd, text.data(), static_cast<int>(text.size()))));
+  return FromWide(text);
+}
+
 std::string Control::Text() const {
-  std::string text(static_cast<std::size_t>(::GetWindowTextLengthA(hwnd_)) + 1, '\0');
-  text.resize(static_cast<std::size_t>(::GetWindowTextA(hwnd_, text.data(), static_cast<int>(text.size()))));
-  return text;
+  return WindowText(hwnd_);
+}
+
+void Control::SetText(const std::string& text) {
+  ::SetWindowTextW(hwnd_, ToWide(text).c_str());
 }
 
 RECT Control::Place() const {
@@ -31,18 +40,18 @@ void Control::Move(const RECT& rect) {
 }
 
 void Label::SetBold() {
-  LOGFONTA font{};
-  ::GetObjectA(reinterpret_cast<HFONT>(::SendMessageA(Handle(), WM_GETFONT, 0, 0)), sizeof font, &font);
+  LOGFONTW font{};
+  ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(Handle(), WM_GETFONT, 0, 0)), sizeof font, &font);
   font.lfWeight = FW_BOLD;
-  font_.Reset(::CreateFontIndirectA(&font));
-  ::SendMessageA(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), TRUE);
+  font_.Reset(::CreateFontIndirectW(&font));
+  ::SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), TRUE);
 }
 
 void Image::Attached() {
   RECT rect{};
   ::GetClientRect(Handle(), &rect);
   icon_ = LoadPicture(pictureName_, static_cast<int>(rect.bottom));
-  ::SendMessageA(Handle(), STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon_.Get()));
+  ::SendMessageW(Handle(), STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon_.Get()));
 }
 
 }  // namespace zq

@@ -12,6 +12,9 @@
 
 namespace zq {
 
+// The text of a window of ours, or its caption.
+std::string WindowText(HWND hwnd);
+
 // Bound to the control `id` of the form's template. Usable once the form has been created.
 class Control {
  public:
@@ -23,7 +26,7 @@ class Control {
   int Id() const { return id_; }
   HWND Handle() const { return hwnd_; }
   std::string Text() const;
-  void SetText(const std::string& text) { ::SetWindowTextA(hwnd_, text.c_str()); }
+  void SetText(const std::string& text);
   bool IsEnabled() const { return ::IsWindowEnabled(hwnd_) != FALSE; }
   void SetEnabled(bool enabled) { ::EnableWindow(hwnd_, enabled); }
   void SetVisible(bool visible) { ::ShowWindow(hwnd_, visible ? SW_SHOW : SW_HIDE); }
@@ -74,9 +77,9 @@ class CheckBox : public Control {
   using Control::Control;
   // 1 ticked, 0 clear.
   void SetValue(int value) {
-    ::SendMessageA(Handle(), BM_SETCHECK, value == 1 ? BST_CHECKED : BST_UNCHECKED, 0);
+    ::SendMessageW(Handle(), BM_SETCHECK, value == 1 ? BST_CHECKED : BST_UNCHECKED, 0);
   }
-  int Value() const { return ::SendMessageA(Handle(), BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0; }
+  int Value() const { return ::SendMessageW(Handle(), BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0; }
 };
 
 class TextBox : public Control {
@@ -85,11 +88,11 @@ class TextBox : public Control {
   std::function<void()> Change;  // by the user or by code
   std::function<void()> GotFocus;
 
-  void SelectAll() { ::SendMessageA(Handle(), EM_SETSEL, 0, -1); }
+  void SelectAll() { ::SendMessageW(Handle(), EM_SETSEL, 0, -1); }
 
  protected:
   // As long a text as anybody likes.
-  void Attached() override { ::SendMessageA(Handle(), EM_LIMITTEXT, 0, 0); }
+  void Attached() override { ::SendMessageW(Handle(), EM_LIMITTEXT, 0, 0); }
   void OnCommand(WORD code) override {
     if (code == EN_CHANGE && Change) Change();
     if (code == EN_SETFOCUS && GotFocus) GotFocus();

@@ -37,7 +37,7 @@ void DockStudio::CreateShortcuts() {
     keys.push_back(
         {static_cast<BYTE>(FVIRTKEY | (shortcut.ctrl ? FCONTROL : 0)), shortcut.key, static_cast<WORD>(id)});
   }
-  shortcuts_.Reset(::CreateAcceleratorTableA(keys.data(), static_cast<int>(keys.size())));
+  shortcuts_.Reset(::CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size())));
 }
 
 void DockStudio::LoadPictures() {
@@ -112,7 +112,7 @@ void DockStudio::OnDpiChanged() {
 }
 
 bool DockStudio::TranslateShortcut(MSG& message) {
-  return ::TranslateAcceleratorA(owner_, shortcuts_.Get(), &message) != 0;
+  return ::TranslateAcceleratorW(owner_, shortcuts_.Get(), &message) != 0;
 }
 
 const Tool* DockStudio::ToolOf(UINT commandId) const {

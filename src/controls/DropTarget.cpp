@@ -77,7 +77,7 @@ class DropTarget::Target final : public IDropTarget {
       DroppedPaths paths;
       if (accepts_ && ReadFileList(*data, paths)) {
         waiting_.push_back(std::move(paths));
-        ::PostMessageA(hwnd_, kDroppedMessage, 0, 0);
+        ::PostMessageW(hwnd_, kDroppedMessage, 0, 0);
       }
     } catch (...) {
       ReportAndEnd(std::current_exception());

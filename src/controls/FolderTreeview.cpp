@@ -120,7 +120,7 @@ std::optional<int> CompareItems(IShellFolder& folder, LPARAM rule, PCUIDLIST_REL
 
 void FolderTreeview::Attached() {
   TreeView_SetUnicodeFormat(Handle(), TRUE);
-  ::SendMessageA(Handle(), TVM_SETEXTENDEDSTYLE, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
+  ::SendMessageW(Handle(), TVM_SETEXTENDEDSTYLE, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
   SHFILEINFOW info{};
   const auto images = reinterpret_cast<HIMAGELIST>(
       ::SHGetFileInfoW(L"folder", FILE_ATTRIBUTE_DIRECTORY, &info, sizeof info,

@@ -8,6 +8,7 @@
 #include "controls/MessageLoop.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/RunTimeErrorReport.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
@@ -32,13 +33,13 @@ void CentreOver(HWND window, HWND owner) {
   ::GetWindowRect(window, &rect);
   MONITORINFO monitor{};
   monitor.cbSize = sizeof monitor;
-  ::GetMonitorInfoA(::MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
+  ::GetMonitorInfoW(::MonitorFromWindow(owner, MONITOR_DEFAULTTONEAREST), &monitor);
   if (::IsIconic(owner) || !::IsWindowVisible(owner)) ownerRect = monitor.rcWork;
   const RECT& work = monitor.rcWork;
   LONG width = rect.right - rect.left;
   LONG height = rect.bottom - rect.top;
   UINT keepSize = SWP_NOSIZE;
-  if ((::GetWindowLongA(window, GWL_STYLE) & WS_THICKFRAME) != 0) {
+  if ((::GetWindowLongW(window, GWL_STYLE) & WS_THICKFRAME) != 0) {
     width = std::min(width, work.right - work.left);
     height = std::min(height, work.bottom - work.top);
     keepSize = 0;
@@ -66,12 +67,12 @@ class DepthGuard {
 Form::~Form() {
   std::erase(OpenForms(), this);
   if (!hwnd_) return;
-  ::SetWindowLongPtrA(hwnd_, DWLP_USER, 0);
+  ::SetWindowLongPtrW(hwnd_, DWLP_USER, 0);
   ::DestroyWindow(hwnd_);
 }
 
 void Form::Create() {
-  ::CreateDialogParamA(::GetModuleHandleA(nullptr), MAKEINTRESOURCEA(dialogId_), nullptr,
+  ::CreateDialogParamW(::GetModuleHandleW(nullptr), MAKEINTRESOURCEW(dialogId_), nullptr,
                        &Form::DialogProcedure, reinterpret_cast<LPARAM>(this));
   if (!hwnd_) throw RunTimeError(ErrorNumber::OutOfMemory);
   for (Control* control : controls_) control->Attach();
@@ -87,7 +88,7 @@ void Form::ShowAs(int showCommand) {
   ::ShowWindow(hwnd_, showCommand);
   if (std::exchange(focusGiven_, true)) return;
   const HWND first = ::GetNextDlgTabItem(hwnd_, nullptr, FALSE);
-  if (first) ::SendMessageA(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
+  if (first) ::SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
 }
 
 void Form::Hide() {
@@ -98,13 +99,17 @@ void Form::Repaint() {
   ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
 }
 
+void Form::SetCaption(const std::string& text) {
+  ::SetWindowTextW(hwnd_, ToWide(text).c_str());
+}
+
 int Form::Dpi() const {
   return static_cast<int>(::GetDpiForWindow(hwnd_));
 }
 
 void Form::ShowModal(HWND owner) {
   const DepthGuard guard(depth_);
-  ::SetWindowLongPtrA(hwnd_, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
+  ::SetWindowLongPtrW(hwnd_, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
   CentreOver(hwnd_, owner);
   modalOwner_ = owner;
   modal_ = true;
@@ -112,7 +117,7 @@ void Form::ShowModal(HWND owner) {
   Show();
   MSG message{};
   while (modal_) {
-    if (::GetMessageA(&message, nullptr, 0, 0) <= 0) {
+    if (::GetMessageW(&message, nullptr, 0, 0) <= 0) {
       ::PostQuitMessage(static_cast<int>(message.wParam));
       break;
     }
@@ -137,7 +142,7 @@ void Form::Close(CloseReason reason) {
   const HWND window = hwnd_;
   hwnd_ = nullptr;
   std::erase(OpenForms(), this);
-  ::SetWindowLongPtrA(window, DWLP_USER, 0);
+  ::SetWindowLongPtrW(window, DWLP_USER, 0);
   ::DestroyWindow(window);
   if (closed_) closed_();
 }
@@ -161,11 +166,11 @@ INT_PTR CALLBACK Form::DialogProcedure(HWND hwnd, UINT message, WPARAM wParam, L
   Form* form = nullptr;
   if (message == WM_INITDIALOG) {
     form = reinterpret_cast<Form*>(lParam);
-    ::SetWindowLongPtrA(hwnd, DWLP_USER, lParam);
+    ::SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
     form->hwnd_ = hwnd;
     OpenForms().push_back(form);
   } else {
-    form = reinterpret_cast<Form*>(::GetWindowLongPtrA(hwnd, DWLP_USER));
+    form = reinterpret_cast<Form*>(::GetWindowLongPtrW(hwnd, DWLP_USER));
   }
   if (!form) return FALSE;
   try {
@@ -178,7 +183,7 @@ INT_PTR CALLBACK Form::DialogProcedure(HWND hwnd, UINT message, WPARAM wParam, L
 
 INT_PTR Form::Process(UINT message, WPARAM wParam, LPARAM lParam) {
   if (const std::optional<LRESULT> result = OnMessage(message, wParam, lParam)) {
-    if (hwnd_) ::SetWindowLongPtrA(hwnd_, DWLP_MSGRESULT, *result);
+    if (hwnd_) ::SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, *result);
     return TRUE;
   }
   switch (message) {
@@ -222,7 +227,7 @@ bool Form::DispatchNotify(LPARAM lParam) {
     if (control->Handle() == header->hwndFrom) {
       LRESULT result = 0;
       if (!control->OnNotify(*header, result)) return false;
-      if (hwnd_) ::SetWindowLongPtrA(hwnd_, DWLP_MSGRESULT, result);
+      if (hwnd_) ::SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, result);
       return true;
     }
   }

@@ -39,7 +39,7 @@ class Form {
 
   HWND Handle() const { return hwnd_; }
   bool IsVisible() const { return ::IsWindowVisible(hwnd_) != FALSE; }
-  void SetCaption(const std::string& text) { ::SetWindowTextA(hwnd_, text.c_str()); }
+  void SetCaption(const std::string& text);
   int Dpi() const;
 
   // The form of a top-level window, or null for a window that isn't a form's.

@@ -11,7 +11,7 @@ void ImageList::AddIcon(HICON icon) {
   const std::vector<BYTE> opaque(maskBytes, 0xFF);
   const std::vector<BYTE> black(maskBytes, 0);
   const UniqueIcon blank(
-      ::CreateIcon(::GetModuleHandleA(nullptr), pixels_, pixels_, 1, 1, opaque.data(), black.data()));
+      ::CreateIcon(::GetModuleHandleW(nullptr), pixels_, pixels_, 1, 1, opaque.data(), black.data()));
   ::ImageList_ReplaceIcon(images_, -1, blank.Get());
 }
 

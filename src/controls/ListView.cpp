@@ -7,7 +7,7 @@
 namespace zq {
 
 void ListView::Attached() {
-  // Notifications with UTF-16 texts, whatever code page the parent's procedure works in.
+  // Notifications with UTF-16 texts, whatever the parent is taken for.
   ListView_SetUnicodeFormat(Handle(), TRUE);
   ListView_SetExtendedListViewStyle(Handle(), LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER | LVS_EX_LABELTIP);
   // The state that we are asked for row by row; the rest is the control's.
@@ -17,13 +17,14 @@ void ListView::Attached() {
 void ListView::SetColumns(std::span<const ListColumn> columns) {
   int index = 0;
   for (const ListColumn& column : columns) {
-    LVCOLUMNA item{};
+    LVCOLUMNW item{};
     item.mask = LVCF_TEXT | LVCF_FMT | LVCF_WIDTH | LVCF_SUBITEM;
     item.fmt = column.alignment;
     item.cx = 100;
     item.iSubItem = index;
-    item.pszText = const_cast<char*>(column.caption);
-    ::SendMessageA(Handle(), LVM_INSERTCOLUMNA, static_cast<WPARAM>(index++),
+    std::wstring caption = ToWide(column.caption);
+    item.pszText = caption.data();
+    ::SendMessageW(Handle(), LVM_INSERTCOLUMNW, static_cast<WPARAM>(index++),
                    reinterpret_cast<LPARAM>(&item));
   }
 }

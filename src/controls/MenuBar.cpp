@@ -1,6 +1,7 @@
 #include "controls/MenuBar.h"
 
 #include "controls/Pictures.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
@@ -34,17 +35,17 @@ void MenuBar::Create(HWND owner, std::span<const Menu> menus, UINT firstId) {
     const HMENU popup = ::CreatePopupMenu();
     for (const Tool& tool : menu.tools) {
       if (tool.name.empty()) {
-        ::AppendMenuA(popup, MF_SEPARATOR, 0, nullptr);
+        ::AppendMenuW(popup, MF_SEPARATOR, 0, nullptr);
         continue;
       }
       std::string text(tool.caption);
       if (tool.shortcut.key) text += "\t" + ShortcutText(tool.shortcut);
-      ::AppendMenuA(popup, MF_STRING, firstId + tools_.size(), text.c_str());
+      ::AppendMenuW(popup, MF_STRING, firstId + tools_.size(), ToWide(text).c_str());
       tools_.push_back(&tool);
       popupOfTool_.push_back(popup);
     }
     popups_.push_back(popup);
-    ::AppendMenuA(bar_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), std::string(menu.caption).c_str());
+    ::AppendMenuW(bar_, MF_POPUP, reinterpret_cast<UINT_PTR>(popup), ToWide(menu.caption).c_str());
   }
   ::SetMenu(owner, bar_);
 }
@@ -55,11 +56,11 @@ void MenuBar::LoadPictures(int dpi) {
     if (tools_[i]->smallPicture.empty()) continue;
     pictures[i] =
         LoadMenuPicture(std::string(tools_[i]->smallPicture).c_str(), ScaleForDpi(kSmallPicture, dpi));
-    MENUITEMINFOA item{};
+    MENUITEMINFOW item{};
     item.cbSize = sizeof item;
     item.fMask = MIIM_BITMAP;
     item.hbmpItem = pictures[i].Get();
-    ::SetMenuItemInfoA(popupOfTool_[i], static_cast<UINT>(firstId_ + i), FALSE, &item);
+    ::SetMenuItemInfoW(popupOfTool_[i], static_cast<UINT>(firstId_ + i), FALSE, &item);
   }
   pictures_ = std::move(pictures);  // the ones before go only now that no item shows them
 }

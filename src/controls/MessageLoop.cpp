@@ -7,16 +7,16 @@ namespace zq {
 void DispatchToForms(MSG& message) {
   const HWND root = message.hwnd ? ::GetAncestor(message.hwnd, GA_ROOT) : nullptr;
   Form* form = root ? Form::FromHandle(root) : nullptr;
-  if (!form || (!form->TranslateShortcut(message) && !::IsDialogMessageA(root, &message))) {
+  if (!form || (!form->TranslateShortcut(message) && !::IsDialogMessageW(root, &message))) {
     ::TranslateMessage(&message);
-    ::DispatchMessageA(&message);
+    ::DispatchMessageW(&message);
   }
   Form::DestroyClosed();
 }
 
 void PumpMessages() {
   MSG message{};
-  while (::PeekMessageA(&message, nullptr, 0, 0, PM_REMOVE)) {
+  while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
     if (message.message == WM_QUIT) {
       // For the loop below this one on the stack.
       ::PostQuitMessage(static_cast<int>(message.wParam));
@@ -28,7 +28,7 @@ void PumpMessages() {
 
 void RunMessageLoop() {
   MSG message{};
-  while (::GetMessageA(&message, nullptr, 0, 0) > 0) DispatchToForms(message);
+  while (::GetMessageW(&message, nullptr, 0, 0) > 0) DispatchToForms(message);
 }
 
 }  // namespace zq

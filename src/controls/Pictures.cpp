@@ -8,11 +8,13 @@
 #include <cstdint>
 #include <string_view>
 
+#include "platform/win32/Wide.h"
+
 namespace zq {
 namespace {
 
 HINSTANCE Module() {
-  return ::GetModuleHandleA(nullptr);
+  return ::GetModuleHandleW(nullptr);
 }
 
 // A top-down bitmap of 32 bits a pixel, cleared to transparent.
@@ -27,10 +29,15 @@ UniqueBitmap MakeAlphaBitmap(int width, int height, void** bits) {
   return UniqueBitmap(::CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, bits, nullptr, 0));
 }
 
+UniqueIcon LoadIconResource(const wchar_t* name, int pixels) {
+  return UniqueIcon(
+      static_cast<HICON>(::LoadImageW(Module(), name, IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR)));
+}
+
 // A file among the resources; nothing where there is none of that name. It lies in memory as long as the
 // process.
 std::string_view ResourceBytes(const char* name) {
-  const HRSRC resource = ::FindResourceA(Module(), name, MAKEINTRESOURCEA(10));  // RT_RCDATA
+  const HRSRC resource = ::FindResourceW(Module(), ToWide(name).c_str(), RT_RCDATA);
   const HGLOBAL loaded = resource ? ::LoadResource(Module(), resource) : nullptr;
   const void* data = loaded ? ::LockResource(loaded) : nullptr;
   if (!data) return {};
@@ -54,8 +61,11 @@ bool MenusBlendAlpha() {
 }  // namespace
 
 UniqueIcon LoadPicture(const char* name, int pixels) {
-  return UniqueIcon(
-      static_cast<HICON>(::LoadImageA(Module(), name, IMAGE_ICON, pixels, pixels, LR_DEFAULTCOLOR)));
+  return LoadIconResource(ToWide(name).c_str(), pixels);
+}
+
+UniqueIcon LoadProgramIcon(int pixels) {
+  return LoadIconResource(MAKEINTRESOURCEW(1), pixels);
 }
 
 UniqueBitmap LoadMenuPicture(const char* name, int pixels) {

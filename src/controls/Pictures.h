@@ -11,6 +11,9 @@ namespace zq {
 // The named picture at `pixels` square: the nearest size that the resource holds, scaled where it must be.
 UniqueIcon LoadPicture(const char* name, int pixels);
 
+// The program's own icon, likewise.
+UniqueIcon LoadProgramIcon(int pixels);
+
 // The same as a bitmap for a menu: with alpha where menus blend it, else on the menus' colour.
 UniqueBitmap LoadMenuPicture(const char* name, int pixels);
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "controls/Control.h"
 #include "controls/Pictures.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/Wide.h"
@@ -179,10 +180,7 @@ void PreviewBar::ShowFound(const std::string& text) const {
 }
 
 std::string PreviewBar::Text(PreviewBarId id) const {
-  const HWND item = Item(id);
-  std::wstring text(static_cast<std::size_t>(::GetWindowTextLengthW(item)) + 1, L'\0');
-  text.resize(static_cast<std::size_t>(::GetWindowTextW(item, text.data(), static_cast<int>(text.size()))));
-  return FromWide(text);
+  return WindowText(Item(id));
 }
 
 }  // namespace zq

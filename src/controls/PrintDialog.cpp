@@ -2,6 +2,7 @@
 #include <windows.h>
 #include <cderr.h>
 #include <commdlg.h>
+#include <winspool.h>
 
 #include <algorithm>
 #include <memory>
@@ -55,14 +56,22 @@ std::string TextOfSystemError(DWORD error) {
   return result;
 }
 
-bool KnowsColours(HDC printer, const DEVMODEW* mode) {
+// False where the printer has none, or the user wants none.
+bool KnowsColours(const PrintOrder& order, const DEVMODEW* mode) {
   if (mode && (mode->dmFields & DM_COLOR) && mode->dmColor == DMCOLOR_MONOCHROME) return false;
-  return ::GetDeviceCaps(printer, BITSPIXEL) * ::GetDeviceCaps(printer, PLANES) > 1;
+  if (::DeviceCapabilitiesW(order.device.c_str(), order.port.c_str(), DC_COLORDEVICE, nullptr, mode) == 0)
+    return false;
+  return ::GetDeviceCaps(order.printer, BITSPIXEL) * ::GetDeviceCaps(order.printer, PLANES) > 1;
 }
 
 }  // namespace
 
 void VSPrinter::PrintWithDialog() {
+  // The dialog has a box of its own for this, which not every system leaves out when it is asked to.
+  if (!HasPrinter()) {
+    if (PrintFailed) PrintFailed(kNoPrinter);
+    return;
+  }
   PRINTDLGW dialog{};
   dialog.lStructSize = sizeof dialog;
   dialog.hwndOwner = form().Handle();
@@ -95,7 +104,6 @@ void VSPrinter::PrintWithDialog() {
   order.collated = (dialog.Flags & PD_COLLATE) != 0;
   {
     const Locked<DEVMODEW> mode(modeMemory);
-    order.colours = KnowsColours(printer.Get(), mode.Get());
     const Locked<DEVNAMES> names(namesMemory);
     if (names.Get()) {
       const auto* base = reinterpret_cast<const wchar_t*>(names.Get());
@@ -104,6 +112,7 @@ void VSPrinter::PrintWithDialog() {
       // The dialog's box "Print to file" comes as this port: the driver asks for the name.
       if (dialog.Flags & PD_PRINTTOFILE) order.output = L"FILE:";
     }
+    order.colours = KnowsColours(order, mode.Get());
   }
   PrintTo(order);
 }

@@ -125,6 +125,17 @@ PageSetup RegionsPaper() {
   return letter ? SetupFor(kLetter[0], kLetter[1]) : SetupFor(kA4[0], kA4[1]);
 }
 
+// Its name; "" where there is none, which is so only where there is no printer at all.
+std::wstring DefaultPrinter() {
+  DWORD length = 0;
+  ::GetDefaultPrinterW(nullptr, &length);
+  if (length == 0) return L"";
+  std::wstring name(length, L'\0');
+  if (!::GetDefaultPrinterW(name.data(), &length)) return L"";
+  name.resize(length - 1);
+  return name;
+}
+
 }  // namespace
 
 PageSetup PaperOf(HDC printer) {
@@ -140,12 +151,13 @@ PageSetup PaperOf(HDC printer) {
   return SetupFor(width, height);
 }
 
+bool HasPrinter() {
+  return !DefaultPrinter().empty();
+}
+
 PageSetup PaperOfDefaultPrinter() {
-  DWORD length = 0;
-  ::GetDefaultPrinterW(nullptr, &length);
-  if (length == 0) return RegionsPaper();
-  std::wstring name(length, L'\0');
-  if (!::GetDefaultPrinterW(name.data(), &length)) return RegionsPaper();
+  const std::wstring name = DefaultPrinter();
+  if (name.empty()) return RegionsPaper();
   const UniqueDc printer(::CreateICW(L"WINSPOOL", name.c_str(), nullptr, nullptr));
   return printer ? PaperOf(printer.Get()) : RegionsPaper();
 }

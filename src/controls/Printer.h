@@ -23,6 +23,8 @@ struct PrintOrder {
   std::wstring output;  // a file in the place of the printer's port; "" for the port
 };
 
+bool HasPrinter();
+
 // The page of a printer, or of the system's region where there is no printer.
 PageSetup PaperOf(HDC printer);
 PageSetup PaperOfDefaultPrinter();

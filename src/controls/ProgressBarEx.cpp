@@ -37,7 +37,7 @@ COLORREF ReadableOn(COLORREF background) {
 void ProgressBarEx::SetValue(int value) {
   if (value == value_) return;
   value_ = value;
-  ::SendMessageA(Handle(), PBM_SETPOS, static_cast<WPARAM>(std::clamp(value, 0, 100)), 0);
+  ::SendMessageW(Handle(), PBM_SETPOS, static_cast<WPARAM>(std::clamp(value, 0, 100)), 0);
   ::InvalidateRect(Handle(), nullptr, FALSE);
 }
 
@@ -52,7 +52,7 @@ void ProgressBarEx::SetColour(COLORREF colour) {
 }
 
 void ProgressBarEx::Attached() {
-  ::SendMessageA(Handle(), PBM_SETRANGE32, 0, 100);
+  ::SendMessageW(Handle(), PBM_SETRANGE32, 0, 100);
   ::SetWindowSubclass(Handle(), &ProgressBarEx::SubclassProcedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
 
@@ -87,7 +87,7 @@ void ProgressBarEx::Paint(HDC target) const {
   const HDC context = ::CreateCompatibleDC(target);
   const UniqueBitmap bitmap(::CreateCompatibleBitmap(target, client.right, client.bottom));
   const HGDIOBJ bitmapBefore = ::SelectObject(context, bitmap.Get());
-  const auto font = reinterpret_cast<HFONT>(::SendMessageA(form().Handle(), WM_GETFONT, 0, 0));
+  const auto font = reinterpret_cast<HFONT>(::SendMessageW(form().Handle(), WM_GETFONT, 0, 0));
   const HGDIOBJ fontBefore = ::SelectObject(context, font);
   ::SetBkMode(context, TRANSPARENT);
 

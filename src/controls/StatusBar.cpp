@@ -6,20 +6,21 @@
 #include <vector>
 
 #include "controls/Pictures.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 
 void StatusBar::Create(HWND owner, std::span<const Panel> panels) {
   owner_ = owner;
   panels_ = panels;
-  bar_ = ::CreateWindowExA(0, STATUSCLASSNAMEA, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0,
-                           owner, nullptr, ::GetModuleHandleA(nullptr), nullptr);
+  bar_ = ::CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0,
+                           owner, nullptr, ::GetModuleHandleW(nullptr), nullptr);
   LayOut(static_cast<int>(::GetDpiForWindow(owner)));
   for (const Panel& panel : panels) SetText(panel.name, std::string(panel.text));
 }
 
 void StatusBar::LayOut(int dpi) {
-  ::SendMessageA(bar_, WM_SIZE, 0, 0);
+  ::SendMessageW(bar_, WM_SIZE, 0, 0);
   RECT client{};
   ::GetClientRect(owner_, &client);
   int fixed = 0;
@@ -32,13 +33,13 @@ void StatusBar::LayOut(int dpi) {
     rights.push_back(right);
   }
   if (!rights.empty()) rights.back() = -1;  // to the bar's end
-  ::SendMessageA(bar_, SB_SETPARTS, rights.size(), reinterpret_cast<LPARAM>(rights.data()));
+  ::SendMessageW(bar_, SB_SETPARTS, rights.size(), reinterpret_cast<LPARAM>(rights.data()));
 }
 
 void StatusBar::SetText(std::string_view panelName, const std::string& text) {
   for (std::size_t i = 0; i < panels_.size(); ++i) {
     if (panels_[i].name == panelName)
-      ::SendMessageA(bar_, SB_SETTEXTA, i, reinterpret_cast<LPARAM>(text.c_str()));
+      ::SendMessageW(bar_, SB_SETTEXTW, i, reinterpret_cast<LPARAM>(ToWide(text).c_str()));
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "controls/MenuBar.h"
 #include "controls/Pictures.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
@@ -21,10 +22,10 @@ ToolBands::~ToolBands() {
 void ToolBands::Create(HWND owner, std::span<const Tool> tools, UINT firstId) {
   owner_ = owner;
   firstId_ = firstId;
-  rebar_ = ::CreateWindowExA(0, REBARCLASSNAMEA, nullptr,
+  rebar_ = ::CreateWindowExW(0, REBARCLASSNAMEW, nullptr,
                              WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | RBS_VARHEIGHT |
                                  RBS_BANDBORDERS | CCS_NODIVIDER | CCS_TOP,
-                             0, 0, 0, 0, owner, nullptr, ::GetModuleHandleA(nullptr), nullptr);
+                             0, 0, 0, 0, owner, nullptr, ::GetModuleHandleW(nullptr), nullptr);
   HWND band = CreateBand();
   for (const Tool& tool : tools) {
     if (tool.name.empty()) {
@@ -36,28 +37,28 @@ void ToolBands::Create(HWND owner, std::span<const Tool> tools, UINT firstId) {
 }
 
 HWND ToolBands::CreateBand() {
-  const HWND band = ::CreateWindowExA(0, TOOLBARCLASSNAMEA, "ToolBar1",
+  const HWND band = ::CreateWindowExW(0, TOOLBARCLASSNAMEW, L"ToolBar1",
                                       WS_CHILD | WS_VISIBLE | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS |
                                           CCS_NODIVIDER | CCS_NORESIZE | CCS_NOPARENTALIGN,
-                                      0, 0, 0, 0, rebar_, nullptr, ::GetModuleHandleA(nullptr), nullptr);
-  ::SendMessageA(band, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
+                                      0, 0, 0, 0, rebar_, nullptr, ::GetModuleHandleW(nullptr), nullptr);
+  ::SendMessageW(band, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
   // What isn't whole on the band is in the chevron's menu.
-  ::SendMessageA(band, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_HIDECLIPPEDBUTTONS);
-  const auto font = ::SendMessageA(owner_, WM_GETFONT, 0, 0);
-  ::SendMessageA(band, WM_SETFONT, static_cast<WPARAM>(font), FALSE);
+  ::SendMessageW(band, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_HIDECLIPPEDBUTTONS);
+  const auto font = ::SendMessageW(owner_, WM_GETFONT, 0, 0);
+  ::SendMessageW(band, WM_SETFONT, static_cast<WPARAM>(font), FALSE);
   bands_.push_back(band);
   return band;
 }
 
 void ToolBands::AddButton(HWND band, const Tool& tool) {
-  const std::string caption(tool.caption);
+  const std::wstring caption = ToWide(tool.caption);
   TBBUTTON button{};
   button.iBitmap = static_cast<int>(tools_.size());
   button.idCommand = static_cast<int>(firstId_ + tools_.size());
   button.fsState = TBSTATE_ENABLED;
   button.fsStyle = BTNS_BUTTON | BTNS_AUTOSIZE;
   button.iString = reinterpret_cast<INT_PTR>(caption.c_str());
-  ::SendMessageA(band, TB_ADDBUTTONSA, 1, reinterpret_cast<LPARAM>(&button));
+  ::SendMessageW(band, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
   tools_.push_back(&tool);
   bandOfTool_.push_back(band);
 }
@@ -71,8 +72,8 @@ void ToolBands::LoadPictures(int dpi) {
     ::ImageList_ReplaceIcon(pictures, -1, icon.Get());
   }
   for (const HWND band : bands_) {
-    ::SendMessageA(band, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
-    ::SendMessageA(band, TB_AUTOSIZE, 0, 0);
+    ::SendMessageW(band, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
+    ::SendMessageW(band, TB_AUTOSIZE, 0, 0);
   }
   if (pictures_) ::ImageList_Destroy(pictures_);
   pictures_ = pictures;
@@ -85,13 +86,13 @@ void ToolBands::SizeBands() {
   RECT client{};
   ::GetClientRect(owner_, &client);
   ::SetWindowPos(rebar_, nullptr, 0, 0, client.right, 0, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
-  const bool exist = ::SendMessageA(rebar_, RB_GETBANDCOUNT, 0, 0) > 0;
+  const bool exist = ::SendMessageW(rebar_, RB_GETBANDCOUNT, 0, 0) > 0;
   for (std::size_t i = 0; i < bands_.size(); ++i) {
     SIZE size{};
-    ::SendMessageA(bands_[i], TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&size));
+    ::SendMessageW(bands_[i], TB_GETMAXSIZE, 0, reinterpret_cast<LPARAM>(&size));
     RECT firstButton{};
-    ::SendMessageA(bands_[i], TB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&firstButton));
-    REBARBANDINFOA band{};
+    ::SendMessageW(bands_[i], TB_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&firstButton));
+    REBARBANDINFOW band{};
     band.cbSize = sizeof band;
     band.fMask = RBBIM_CHILD | RBBIM_CHILDSIZE | RBBIM_IDEALSIZE | RBBIM_STYLE | RBBIM_ID;
     band.fStyle = RBBS_GRIPPERALWAYS | RBBS_USECHEVRON;
@@ -102,7 +103,7 @@ void ToolBands::SizeBands() {
     band.wID = static_cast<UINT>(i + 1);
     if (exist) band.fMask &= ~static_cast<UINT>(RBBIM_STYLE);  // it holds where the user began a row
     const WPARAM place = exist ? IndexOfBand(static_cast<int>(i + 1)) : static_cast<WPARAM>(-1);
-    ::SendMessageA(rebar_, exist ? RB_SETBANDINFOA : RB_INSERTBANDA, place, reinterpret_cast<LPARAM>(&band));
+    ::SendMessageW(rebar_, exist ? RB_SETBANDINFOW : RB_INSERTBANDW, place, reinterpret_cast<LPARAM>(&band));
   }
   if (exist) return;
   for (WPARAM place = 0; place < bands_.size(); ++place) ShowWholeBand(place);
@@ -110,35 +111,35 @@ void ToolBands::SizeBands() {
 
 // As wide as its tools and what the bar draws around them, which only the bar itself knows.
 void ToolBands::ShowWholeBand(WPARAM place) {
-  REBARBANDINFOA band{};
+  REBARBANDINFOW band{};
   band.cbSize = sizeof band;
   band.fMask = RBBIM_IDEALSIZE | RBBIM_HEADERSIZE | RBBIM_CHILD;
-  ::SendMessageA(rebar_, RB_GETBANDINFOA, place, reinterpret_cast<LPARAM>(&band));
+  ::SendMessageW(rebar_, RB_GETBANDINFOW, place, reinterpret_cast<LPARAM>(&band));
   band.fMask = RBBIM_SIZE;
   band.cx = band.cxIdeal + band.cxHeader;
-  ::SendMessageA(rebar_, RB_SETBANDINFOA, place, reinterpret_cast<LPARAM>(&band));
+  ::SendMessageW(rebar_, RB_SETBANDINFOW, place, reinterpret_cast<LPARAM>(&band));
   RECT tools{};
   ::GetClientRect(band.hwndChild, &tools);
   const int missing = static_cast<int>(band.cxIdeal) - static_cast<int>(tools.right);
   if (missing <= 0) return;
   band.cx += static_cast<UINT>(missing);
-  ::SendMessageA(rebar_, RB_SETBANDINFOA, place, reinterpret_cast<LPARAM>(&band));
+  ::SendMessageW(rebar_, RB_SETBANDINFOW, place, reinterpret_cast<LPARAM>(&band));
 }
 
 WPARAM ToolBands::IndexOfBand(int band) const {
-  return static_cast<WPARAM>(::SendMessageA(rebar_, RB_IDTOINDEX, static_cast<WPARAM>(band), 0));
+  return static_cast<WPARAM>(::SendMessageW(rebar_, RB_IDTOINDEX, static_cast<WPARAM>(band), 0));
 }
 
 void ToolBands::SetEnabled(UINT id, bool enabled) {
-  ::SendMessageA(bandOfTool_[id - firstId_], TB_ENABLEBUTTON, id, MAKELPARAM(enabled, 0));
+  ::SendMessageW(bandOfTool_[id - firstId_], TB_ENABLEBUTTON, id, MAKELPARAM(enabled, 0));
 }
 
 bool ToolBands::IsEnabled(UINT id) const {
-  return ::SendMessageA(bandOfTool_[id - firstId_], TB_ISBUTTONENABLED, id, 0) != 0;
+  return ::SendMessageW(bandOfTool_[id - firstId_], TB_ISBUTTONENABLED, id, 0) != 0;
 }
 
 void ToolBands::SetChecked(UINT id, bool checked) {
-  ::SendMessageA(bandOfTool_[id - firstId_], TB_CHECKBUTTON, id, MAKELPARAM(checked, 0));
+  ::SendMessageW(bandOfTool_[id - firstId_], TB_CHECKBUTTON, id, MAKELPARAM(checked, 0));
 }
 
 void ToolBands::SetTheme(const wchar_t* theme) {
@@ -156,19 +157,19 @@ void ToolBands::ShowHiddenTools(const NMREBARCHEVRON& chevron) {
     if (bandOfTool_[i] != band) continue;
     const auto id = static_cast<UINT>(firstId_ + i);
     RECT button{};
-    ::SendMessageA(band, TB_GETRECT, id, reinterpret_cast<LPARAM>(&button));
+    ::SendMessageW(band, TB_GETRECT, id, reinterpret_cast<LPARAM>(&button));
     if (button.right <= shown.right) continue;
-    std::string caption(tools_[i]->caption);
+    std::wstring caption = ToWide(tools_[i]->caption);
     pictures.push_back(
         LoadMenuPicture(std::string(tools_[i]->smallPicture).c_str(), ScaleForDpi(kSmallPicture, dpi_)));
-    MENUITEMINFOA item{};
+    MENUITEMINFOW item{};
     item.cbSize = sizeof item;
     item.fMask = MIIM_ID | MIIM_STRING | MIIM_STATE | MIIM_BITMAP;
     item.wID = id;
     item.fState = IsEnabled(id) ? MFS_ENABLED : MFS_GRAYED;
     item.hbmpItem = pictures.back().Get();
     item.dwTypeData = caption.data();
-    ::InsertMenuItemA(menu.Get(), static_cast<UINT>(::GetMenuItemCount(menu.Get())), TRUE, &item);
+    ::InsertMenuItemW(menu.Get(), static_cast<UINT>(::GetMenuItemCount(menu.Get())), TRUE, &item);
   }
   TPMPARAMS keepFree{sizeof keepFree, chevron.rc};
   ::MapWindowPoints(rebar_, HWND_DESKTOP, reinterpret_cast<POINT*>(&keepFree.rcExclude), 2);
@@ -178,12 +179,12 @@ void ToolBands::ShowHiddenTools(const NMREBARCHEVRON& chevron) {
 
 BarLayout ToolBands::Layout() const {
   BarLayout layout;
-  const auto count = static_cast<WPARAM>(::SendMessageA(rebar_, RB_GETBANDCOUNT, 0, 0));
+  const auto count = static_cast<WPARAM>(::SendMessageW(rebar_, RB_GETBANDCOUNT, 0, 0));
   for (WPARAM place = 0; place < count; ++place) {
-    REBARBANDINFOA band{};
+    REBARBANDINFOW band{};
     band.cbSize = sizeof band;
     band.fMask = RBBIM_ID | RBBIM_SIZE | RBBIM_STYLE;
-    ::SendMessageA(rebar_, RB_GETBANDINFOA, place, reinterpret_cast<LPARAM>(&band));
+    ::SendMessageW(rebar_, RB_GETBANDINFOW, place, reinterpret_cast<LPARAM>(&band));
     layout.push_back({static_cast<int>(band.wID), (band.fStyle & RBBS_BREAK) != 0,
                       ::MulDiv(static_cast<int>(band.cx), 96, dpi_)});
   }
@@ -193,15 +194,15 @@ BarLayout ToolBands::Layout() const {
 void ToolBands::Arrange(const BarLayout& layout) {
   WPARAM place = 0;
   for (const BandLayout& wanted : layout)
-    ::SendMessageA(rebar_, RB_MOVEBAND, IndexOfBand(wanted.band), static_cast<LPARAM>(place++));
+    ::SendMessageW(rebar_, RB_MOVEBAND, IndexOfBand(wanted.band), static_cast<LPARAM>(place++));
   place = 0;
   for (const BandLayout& wanted : layout) {
-    REBARBANDINFOA band{};
+    REBARBANDINFOW band{};
     band.cbSize = sizeof band;
     band.fMask = RBBIM_SIZE | RBBIM_STYLE;
     band.fStyle = RBBS_GRIPPERALWAYS | RBBS_USECHEVRON | (wanted.newRow ? RBBS_BREAK : 0u);
     band.cx = static_cast<UINT>(ScaleForDpi(wanted.width, dpi_));
-    ::SendMessageA(rebar_, RB_SETBANDINFOA, place++, reinterpret_cast<LPARAM>(&band));
+    ::SendMessageW(rebar_, RB_SETBANDINFOW, place++, reinterpret_cast<LPARAM>(&band));
   }
 }
 
@@ -210,7 +211,7 @@ void ToolBands::LayOut() {
   RECT client{};
   ::GetClientRect(owner_, &client);
   for (int tries = 0; tries < 2; ++tries) {
-    const auto height = static_cast<int>(::SendMessageA(rebar_, RB_GETBARHEIGHT, 0, 0));
+    const auto height = static_cast<int>(::SendMessageW(rebar_, RB_GETBARHEIGHT, 0, 0));
     ::MoveWindow(rebar_, 0, 0, client.right, height, TRUE);
   }
 }

@@ -7,7 +7,7 @@ namespace zq {
 
 class WaitCursor {
  public:
-  WaitCursor() : before_(::SetCursor(::LoadCursorA(nullptr, IDC_WAIT))) {}
+  WaitCursor() : before_(::SetCursor(::LoadCursorW(nullptr, IDC_WAIT))) {}
   ~WaitCursor() { ::SetCursor(before_); }
   WaitCursor(const WaitCursor&) = delete;
   WaitCursor& operator=(const WaitCursor&) = delete;

@@ -41,6 +41,10 @@ Status Folder::Identity(EntryId&) {
   return Status::Refusal("it can't be told from others");
 }
 
+Status Folder::OpenAbove(std::unique_ptr<Folder>&) {
+  return Status::Refusal("the system has no way to it");
+}
+
 Status Device::Identify(const std::string&, EntryId&) {
   return Status::Refusal("it can't be told from others");
 }

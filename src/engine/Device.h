@@ -6,6 +6,7 @@
 // says so. A call that returns a failure has changed nothing, or at most written a part of the data.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <compare>
@@ -204,6 +205,14 @@ class Folder {
   // Opens a folder inside this one; refused if it is a link.
   virtual Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) = 0;
   virtual Status AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) = 0;
+  // Opens the folder that holds this one by now, wherever that is: the caller has to look which one it is.
+  // Only where Device::OpenAtOnce limits the levels of a walk.
+  virtual Status OpenAbove(std::unique_ptr<Folder>& folder);
+
+  // The length of a name in the units in which the file system stores it, at least 1.
+  virtual std::size_t NameLength(const std::string& name) const {
+    return std::max<std::size_t>(name.size(), 1);
+  }
 
   // The folder's own named streams, as for File.
   virtual Status ListStreams(std::vector<std::string>& names) = 0;
@@ -317,8 +326,13 @@ class Device {
   virtual Status Split(const std::string& path, std::string& folderPath, std::string& name) const = 0;
   virtual std::string Join(const std::string& folderPath, const std::string& name) const = 0;
 
-  // The length of a name in the units in which the file system stores it, at least 1.
-  virtual std::size_t NameLength(const std::string& name) const = 0;
+  // How many may be open at once, so that enough is left for the rest of the process.
+  struct Limits {
+    std::size_t files = SIZE_MAX;
+    std::size_t folders = SIZE_MAX;  // that are kept for something to be done in them later
+    std::size_t levels = SIZE_MAX;   // on the way from the top of a walk down to where it is
+  };
+  virtual Limits OpenAtOnce() const { return {}; }
 
   // Whether a folder can be renamed while folders inside it are open, and these can be worked on after.
   virtual bool RenamesOpenFolders() const { return false; }
@@ -334,15 +348,21 @@ class Device {
   virtual void FlushEntries(std::span<File* const> files, std::span<Status> outcomes);
   virtual void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes);
 
+  // Makes durable what has become of the entries of these folders since they were opened, those among it
+  // that are gone by now. May take in more of the file system than they are.
+  virtual void FlushRemovals(std::span<Folder* const> folders, std::span<Status> outcomes) {
+    FlushFolders(folders, outcomes);
+  }
+
   // Before folders are removed, all of the file system of `folder`, and after what was removed from them is
   // durable: writes them to their place. Freed while a change is only in a journal, a folder's block would
   // keep the old names.
   virtual void WriteHome(Folder& folder);
 
   // After entries of `folder`, or of other folders with the same log, are gone for good: clears what the log
-  // keeps of them. What can't be done, but puts no content at risk, is told in `note`, as a sentence, unless
-  // it holds one. A failure is that content may be left. `mayGoOn` is asked several times a second; after a
-  // no what is left to be done is left, and told.
+  // keeps of them. What can't be done, but puts no content at risk, is told in `note`, as a sentence. A
+  // failure is that content may be left. `mayGoOn` is asked several times a second; after a no what is left
+  // to be done is left, and told.
   virtual Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note);
 };
 

@@ -27,6 +27,7 @@ void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, c
       if (!HoldsFileOfSeveralNames() && failure.trouble != Trouble::TooManyOpen) throw;
       item->file.reset();
       Run();
+      if (failure.trouble == Trouble::TooManyOpen && makeRoom_) makeRoom_();
       open();
     }
     if (HoldsSameFile(*item->file)) {
@@ -70,7 +71,7 @@ bool FileBatch::HoldsSameFile(FileWipe& file) const {
 }
 
 bool FileBatch::IsFull() const {
-  return bytes_ >= kMostBytes || parts_ >= operation_.pace.FilesAtOnce();
+  return bytes_ >= kMostBytes || parts_ >= std::min(operation_.pace.FilesAtOnce(), mostOpen_);
 }
 
 template <typename Step>
@@ -257,8 +258,10 @@ void FileBatch::Erase(std::size_t first) {
     Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
   } while (end < items_.size() && operation_.clock.Now() - started < kLongestHiding);
   group_ = std::span(items_).subspan(first, end - first);
-  FlushEntries();
-  FlushPlaces(true);
+  if (!operation_.flushesNamesLater) {
+    FlushEntries();
+    FlushPlaces(true);
+  }
   for (const auto& item : group_) {
     Try(*item, [&] {
       if (item->file) {
@@ -268,13 +271,14 @@ void FileBatch::Erase(std::size_t first) {
                 item->linkItem.path + " (now named " + item->link.name + ')');
       }
       item->place->hasLostEntries = true;
+      item->place->isUnflushed = operation_.flushesNamesLater;
     });
   }
-  FlushPlaces(false);
+  if (!operation_.flushesNamesLater) FlushPlaces(false);
 }
 
 void FileBatch::HideLink(Item& link) {
-  HideName(operation_, link.link.name, link.linkItem.path, link.place->shortestName,
+  HideName(operation_, *link.place->folder, link.link.name, link.linkItem.path, link.place->shortestName,
            [&](const std::string& newName) {
              Status status = link.place->folder->Rename(link.link, newName);
              if (status.Ok()) link.link.name = newName;

@@ -23,7 +23,9 @@ namespace zq::engine {
 // comes later leaves of each file either nothing, or the file with its name, overwritten.
 class FileBatch {
  public:
-  explicit FileBatch(Operation& operation) : operation_(operation) {}
+  // `makeRoom`, if there is one, closes what others keep open, when the system opens no more.
+  explicit FileBatch(Operation& operation, std::function<void()> makeRoom = nullptr)
+      : operation_(operation), makeRoom_(std::move(makeRoom)) {}
 
   // Opens the file `name` of `place`; runs the batch before, if the file would make it too large or is in it
   // under another name, or after, if it is full then. Throws Cancelled; a failure is told as the file's end.
@@ -73,6 +75,8 @@ class FileBatch {
   void FlushPlaces(bool ofLinksAlone);
 
   Operation& operation_;
+  const std::function<void()> makeRoom_;
+  const std::size_t mostOpen_ = operation_.device.OpenAtOnce().files;
   std::vector<std::unique_ptr<Item>> items_;
   std::span<const std::unique_ptr<Item>> group_;  // of items_, those that are being taken out
   std::uint64_t bytes_ = 0;

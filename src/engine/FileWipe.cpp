@@ -195,11 +195,12 @@ void FileWipe::Hide() {
   if (!file.SetDates().Ok()) {
     operation_.AddNote("The dates of what was wiped could not be changed everywhere and may still be found.");
   }
-  HideName(operation_, nameNow_, hiddenPath_, place_.shortestName, [&](const std::string& name) {
-    Status status = file.Rename(name);
-    if (status.Ok()) nameNow_ = name;
-    return status;
-  });
+  HideName(operation_, *place_.folder, nameNow_, hiddenPath_, place_.shortestName,
+           [&](const std::string& name) {
+             Status status = file.Rename(name);
+             if (status.Ok()) nameNow_ = name;
+             return status;
+           });
   hiddenPath_ = item_.path + " (already overwritten, now named " + nameNow_ + ')';
 }
 

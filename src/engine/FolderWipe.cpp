@@ -8,9 +8,6 @@
 namespace zq::engine {
 namespace {
 
-// Folders stay open until they are removed, and a process may have only so many open.
-constexpr std::size_t kMostLeftFolders = 128;
-
 // After this much time in renaming folders, those that have been renamed are removed first.
 constexpr Clock::Time kLongestRenaming{60'000};
 
@@ -71,12 +68,11 @@ void FolderWipe::Walk() {
     if (level->next < level->entries.size()) {
       Visit(level, std::exchange(level->entries[level->next++], {}));
     } else {
-      level->entries = {};
-      left_.push_back(level);
-      levels_.pop_back();
+      Leave();
     }
-    if (left_.size() >= kMostLeftFolders) batch_.Run();
-    if (batch_.HasRun() || left_.size() >= kMostLeftFolders) RemoveLeftFolders();
+    if (way_.AreTooMany()) MakeRoom();
+    if (left_.size() >= mostLeft_) batch_.Run();
+    if (batch_.HasRun() || left_.size() >= mostLeft_) RemoveLeftFolders();
     operation_.traces.KeepFew(operation_);
   }
 }
@@ -88,8 +84,45 @@ void FolderWipe::Enter(std::unique_ptr<Folder> folder, std::string name, std::st
   level->name = std::move(name);
   level->path = std::move(path);
   if (!levels_.empty()) level->parent = levels_.back();
-  Require(level->folder->List(level->entries), "Listing", level->path);
+  Require(WithRoom([&] { return level->folder->List(level->entries); }), "Listing", level->path);
+  way_.Enter(level->folder, level->name);
   levels_.push_back(std::move(level));
+}
+
+void FolderWipe::Leave() {
+  const std::shared_ptr<Level> level = levels_.back();
+  const Status opened = WithRoom([&] { return way_.OpenHolder(); });
+  way_.Leave();
+  levels_.pop_back();
+  level->entries = {};
+  if (level->folder) {
+    left_.push_back(level);
+  } else if (level->parent) {  // it wasn't found again, and that is told
+    level->parent->somethingStays = true;
+  }
+  if (opened.Ok()) return;
+  // What else there was in it is out of reach.
+  Level& holder = *levels_.back();
+  holder.entries.clear();
+  holder.next = 0;
+  Fail(holder, MakeFailure("Opening", holder.path, opened));
+}
+
+void FolderWipe::MakeRoom() {
+  batch_.Run();
+  CloseFolders();
+}
+
+void FolderWipe::CloseFolders() {
+  RemoveLeftFolders();
+  way_.CloseOuter();
+}
+
+Status FolderWipe::WithRoom(const std::function<Status()>& open) {
+  Status status = open();
+  if (status.trouble != Trouble::TooManyOpen) return status;
+  MakeRoom();
+  return open();
 }
 
 void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) {
@@ -103,7 +136,7 @@ void FolderWipe::Visit(const std::shared_ptr<Level>& level, const Entry& entry) 
       case EntryKind::Folder:
         if (selection_.subFolders) {
           std::unique_ptr<Folder> folder;
-          Require(level->folder->OpenFolder(entry.name, folder), "Opening", path);
+          Require(WithRoom([&] { return level->folder->OpenFolder(entry.name, folder); }), "Opening", path);
           Enter(std::move(folder), entry.name, path);
         }
         break;
@@ -178,7 +211,9 @@ void FolderWipe::CheckRemovable(Level& level) {
     if (!level.somethingStays) {
       WipeFolderStreams(operation_, *level.folder, level.path);
       if (!PlaceOf(level).folder) {
-        throw MakeFailure("Removing", level.path, "the root of a drive can't be removed");
+        throw MakeFailure("Removing", level.path,
+                          level.parent ? "the folder that holds it can't be opened any more"
+                                       : "the root of a drive can't be removed");
       }
     }
   } catch (const Failure& failure) {
@@ -213,7 +248,7 @@ std::size_t FolderWipe::RenameFolders(std::span<const std::shared_ptr<Level>> le
         // Where it can't be renamed while it is open; what is in it is removed through it elsewhere.
         if (!operation_.device.RenamesOpenFolders()) level->folder.reset();
         Place& above = PlaceOf(*level);
-        HideName(operation_, level->self.name, level->path, above.shortestName,
+        HideName(operation_, *above.folder, level->self.name, level->path, above.shortestName,
                  [&](const std::string& newName) {
                    Status status = above.folder->Rename(level->self, newName);
                    if (status.Ok()) level->self.name = newName;

@@ -1,6 +1,7 @@
 // The walk through a folder: wipes the files in it, and the folders themselves where that is wanted.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <vector>
 
 #include "engine/FileBatch.h"
+#include "engine/OpenLevels.h"
 #include "engine/Operation.h"
 
 namespace zq::engine {
@@ -24,12 +26,15 @@ class FolderWipe {
   };
 
   FolderWipe(Operation& operation, Selection selection)
-      : operation_(operation), selection_(std::move(selection)), batch_(operation) {}
+      : operation_(operation), selection_(std::move(selection)) {}
 
   // Wipes the folder at `path`, which has to be the one that is meant, if that is given. Throws Cancelled.
   void Run(const std::string& path, const EntryId* meant);
 
  private:
+  // Folders stay open until they are removed: this many, or fewer where a process may have only so many open.
+  static constexpr std::size_t kMostLeft = 128;
+
   // A folder on the way from the top to where the walk is. Not a recursion: a tree can be deeper than the
   // stack.
   struct Level : Place {
@@ -47,6 +52,12 @@ class FolderWipe {
   void Walk();
   void Enter(std::unique_ptr<Folder> folder, std::string name, std::string path);
   void Visit(const std::shared_ptr<Level>& level, const Entry& entry);
+  void Leave();
+  // Closes what can be closed, by having done in it what is to be done.
+  void MakeRoom();
+  void CloseFolders();
+  // Carries it out, and once more with all closed that can be, should the system open no more.
+  Status WithRoom(const std::function<Status()>& open);
 
   // What the walk has left waits here for its files, which are in the batch, and is removed together.
   void RemoveLeftFolders();
@@ -68,9 +79,11 @@ class FolderWipe {
 
   Operation& operation_;
   Selection selection_;
-  FileBatch batch_;
+  FileBatch batch_{operation_, [this] { CloseFolders(); }};
   Place above_{operation_};  // the folder that holds the top one; none above a root
   std::vector<std::shared_ptr<Level>> levels_;
+  OpenLevels way_{operation_.device};  // the same
+  const std::size_t mostLeft_ = std::min(operation_.device.OpenAtOnce().folders, kMostLeft);
   std::vector<std::shared_ptr<Level>> left_;  // each after all that are in it
   bool holdsFailures_ = false;                // they are told later
   std::vector<std::pair<Level*, Failure>> heldFailures_;

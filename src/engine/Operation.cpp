@@ -69,8 +69,8 @@ std::span<const std::byte> Operation::Pattern(std::uint8_t pattern, std::size_t 
   return unit;
 }
 
-std::string HideName(Operation& operation, std::string name, const std::string& path, std::size_t& shortest,
-                     const std::function<Status(const std::string& newName)>& rename) {
+std::string HideName(Operation& operation, const Folder& folder, std::string name, const std::string& path,
+                     std::size_t& shortest, const std::function<Status(const std::string& newName)>& rename) {
   constexpr std::size_t kLongestDetour = 4;
   // Of a batch's many files in one folder only some find a name of one character.
   const auto triesOfLength = [](std::size_t length) { return length == 1 ? 2 : (length == 2 ? 4 : 16); };
@@ -78,10 +78,10 @@ std::string HideName(Operation& operation, std::string name, const std::string& 
   const std::string oldName = name;
   const auto subject = [&] { return name == oldName ? path : path + ", now named " + name + ','; };
 
-  const std::size_t length = operation.device.NameLength(name);
+  const std::size_t length = folder.NameLength(name);
   for (const std::size_t goal : {length, length / 2, std::size_t{1}}) {
     const std::size_t step = std::min(std::max(goal, shortest), length);
-    if (goal != length && step == operation.device.NameLength(name)) continue;
+    if (goal != length && step == folder.NameLength(name)) continue;
     Status status;
     bool renamed = false;
     // In a folder full of short names the wanted length may be used up: then a little longer has to do.

@@ -81,11 +81,15 @@ class Operation {
   // The files of which a name has gone, and how many names each of them has left.
   std::map<FileId, std::uint32_t> namesLeft;
   // Of names, for the end of the operation.
-  Traces traces;
+  Traces traces{device};
+  // Whether the renamings and removals of the running call are made durable at the end of the operation, once
+  // for each folder. Who loses the power before may find entries of what is overwritten already.
+  bool flushesNamesLater = false;
 
   // Forgets what belongs to the call before.
   void BeginCall(std::int32_t level) {
     passes = PassesOfLevel(level);
+    flushesNamesLater = false;
     note.clear();
     namesLeft.clear();
     failureCount = 0;
@@ -146,12 +150,12 @@ class Operation {
   std::array<std::size_t, 2> patternBytes_{};  // so much of the small and of the large unit is filled
 };
 
-// Steps through random names for an entry that is now called `name`: one of the same length, so that the
-// name is overwritten where it stands, then one half as long and one of a single character, so that not
-// even the length is kept. `rename` carries out one step; a taken name is tried again with another one.
+// Steps through random names for an entry of `folder` that is now called `name`: one of the same length, so
+// that the name is overwritten where it stands, then one half as long and one of a single character, so that
+// not even the length is kept. `rename` carries out one step; a taken name is tried again with another one.
 // `shortest` belongs to the folder: 1 at first, it grows as the short names there are used up.
 // Throws Failure, with `path` as the subject; returns the last name.
-std::string HideName(Operation& operation, std::string name, const std::string& path, std::size_t& shortest,
-                     const std::function<Status(const std::string& newName)>& rename);
+std::string HideName(Operation& operation, const Folder& folder, std::string name, const std::string& path,
+                     std::size_t& shortest, const std::function<Status(const std::string& newName)>& rename);
 
 }  // namespace zq::engine

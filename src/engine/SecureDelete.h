@@ -54,14 +54,15 @@ class SecureDelete {
   // Wipes and removes one regular file.
   bool WipeFile(const std::string& path, std::int32_t level, const EntryId* meant = nullptr) noexcept;
 
-  // The same for several files of one folder. One that fails stays, and the rest goes on.
+  // The same for several files of one folder, which has to be `meantFolder`, if that is given: its identity
+  // as the folder itself tells it. One that fails stays, and the rest goes on.
   struct NamedFile {
     std::string name;
     std::string path;  // what events and error texts call it
     EntryId meant;
   };
-  bool WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
-                 std::int32_t level) noexcept;
+  bool WipeFiles(const std::string& folderPath, std::span<const NamedFile> files, std::int32_t level,
+                 const EntryId* meantFolder = nullptr) noexcept;
 
   // Wipes all files in the folder and beneath it, and removes the folders and the folder itself. A file
   // that fails stays, with the folders above it, and the rest goes on.

@@ -221,7 +221,7 @@ Code OpenPatiently(WindowsCalls& calls, Volume& volume, const std::wstring& path
   return OpenWith(calls, volume, kPatienceAtOpening, [&] { return calls.Open(path, how, handle); });
 }
 
-Status RemoveEntry(WindowsCalls& calls, SystemHandle& handle, const std::wstring& path) {
+Status RemoveEntry(WindowsCalls& calls, SystemHandle& handle, const std::wstring& path, bool readOnlyAgain) {
   milliseconds patience = kPatienceAtRemoval;
   // Taken out of the folder at once even while a scanner still looks at the file; FAT and exFAT can't do it.
   Code code = TryPatiently(calls, patience, [&] {
@@ -229,6 +229,12 @@ Status RemoveEntry(WindowsCalls& calls, SystemHandle& handle, const std::wstring
     return atOnce == kSuccess ? atOnce : calls.Remove(handle, false);
   });
   if (code != kSuccess) return calls.StatusOf(code);
+  // Not before: a read-only file isn't removed.
+  std::uint32_t attributes = 0;
+  std::uint32_t tag = 0;
+  if (readOnlyAgain && calls.Look(handle, attributes, tag) == kSuccess) {
+    (void)calls.SetAttributes(handle, attributes | kAttributeReadOnly);
+  }
   calls.Close(handle);
   handle = nullptr;
   milliseconds wait = kFirstWait;

@@ -55,7 +55,8 @@ Code OpenPatiently(WindowsCalls& calls, Volume& volume, const std::wstring& path
                    SystemHandle& handle);
 
 // Removes the entry at `path`, which `handle` is open to. Closes the handle in any case of success: an entry
-// may go only with its last one. Ok if the entry is gone.
-Status RemoveEntry(WindowsCalls& calls, SystemHandle& handle, const std::wstring& path);
+// may go only with its last one. Ok if the entry is gone. `readOnlyAgain` puts the read-only attribute back
+// that the file's other names had, too.
+Status RemoveEntry(WindowsCalls& calls, SystemHandle& handle, const std::wstring& path, bool readOnlyAgain);
 
 }  // namespace zq::engine::win32

@@ -23,7 +23,7 @@ namespace {
 
 class PosixDevice final : public Device {
  public:
-  explicit PosixDevice(const DeviceOptions& options) : options_(options) {}
+  PosixDevice(const DeviceOptions& options, std::size_t mostOpen) : options_(options), mostOpen_(mostOpen) {}
 
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override {
     UniqueFd fd(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -50,8 +50,10 @@ class PosixDevice final : public Device {
     if (!status.Ok()) return status;
     id = {facts.Id(), facts.mount};
     // The engine needs descriptors, too.
-    constexpr int kMostHeld = 256;
-    if (fd.IsOpen() && fd.Get() < kMostHeld) id.hold = std::make_shared<UniqueFd>(std::move(fd));
+    constexpr std::size_t kMostHeld = 256;
+    const std::size_t mostHeld = std::min(mostOpen_ / 4, kMostHeld);
+    if (fd.IsOpen() && static_cast<std::size_t>(fd.Get()) < mostHeld)
+      id.hold = std::make_shared<UniqueFd>(std::move(fd));
     return {};
   }
 
@@ -73,16 +75,12 @@ class PosixDevice final : public Device {
     return folderPath + '/' + name;
   }
 
-  // File systems that take more than 255 bytes count in units of UTF-16, and 255 of these.
-  std::size_t NameLength(const std::string& name) const override {
-    constexpr std::size_t kMostBytes = 255;
-    if (name.size() <= kMostBytes) return std::max<std::size_t>(name.size(), 1);
-    std::size_t units = 0;
-    for (const char c : name) {
-      const auto byte = static_cast<unsigned char>(c);
-      if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
-    }
-    return std::clamp<std::size_t>(units, 1, kMostBytes);
+  // Shares of what the process may have: the rest is for what is opened for a moment.
+  Limits OpenAtOnce() const override {
+    constexpr std::size_t kMostFolders = 128;
+    constexpr std::size_t kMostLevels = 64;
+    const std::size_t share = std::max<std::size_t>(mostOpen_ / 8, 4);
+    return {share * 2, std::min(share, kMostFolders), std::min(share, kMostLevels)};
   }
 
   // All work goes by descriptors, which don't care what a folder is called.
@@ -123,6 +121,10 @@ class PosixDevice final : public Device {
   }
 
   void FlushContents(std::span<File* const> files, std::span<Status> outcomes) {
+    if (files.size() == 1) {
+      outcomes[0] = static_cast<PosixFile&>(*files[0]).Flush();
+      return;
+    }
     for (std::size_t i = 0; i < files.size(); ++i) {
       auto& file = static_cast<PosixFile&>(*files[i]);
       // Where a single file's data may go through the journal, each is asked.
@@ -145,6 +147,12 @@ class PosixDevice final : public Device {
     FlushMetadata<PosixFolder>(folders, outcomes, [](PosixFolder& folder) { return folder.Flush(); });
   }
 
+  // Without an order the inodes of what is gone, with its dates, have a way to the device of their own.
+  void FlushRemovals(std::span<Folder* const> folders, std::span<Status> outcomes) override {
+    FlushMetadata<PosixFolder>(
+        folders, outcomes, [](PosixFolder& folder) { return folder.Flush(); }, LittleIsUnwritten());
+  }
+
   // Where the checkpoint isn't allowed, the changes of others have to be written too.
   void WriteHome(Folder& folder) override {
     auto& posix = static_cast<PosixFolder&>(folder);
@@ -159,10 +167,7 @@ class PosixDevice final : public Device {
     const Volume& volume = posix.OnVolume();
     if (volume.magic == kXfsMagic) {
       XfsFillLog(posix.Fd(), volume.device, mayGoOn);
-      if (note.empty()) {
-        note =
-            "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
-      }
+      note = "The names of what was wiped may stay in the file system's log and in freed blocks for a while.";
       return {};
     }
     if (!volume.mayHaveJournal) return {};
@@ -171,7 +176,6 @@ class PosixDevice final : public Device {
       return Checkpoint(posix.Fd(), kZeroOut) ? Status{} : LastError();
     }
     Ext4FillJournal(posix.Fd(), mayGoOn);
-    if (!note.empty()) return {};
     note =
         "The names of what was wiped may stay in the file system's journal for a while, which only an "
         "administrator may clear.";
@@ -180,12 +184,13 @@ class PosixDevice final : public Device {
 
  private:
   // What is true of names, lengths and dates for files and folders alike. Without an order among them each
-  // has to be flushed, or with many of them the whole file system, which has to write what others have
-  // changed too, but does it in one go.
+  // has to be flushed, or with many of them, or if it is wanted, the whole file system, which has to write
+  // what others have changed too, but does it in one go.
   template <typename Posix, typename Base, typename Flush>
-  static void FlushMetadata(std::span<Base* const> all, std::span<Status> outcomes, const Flush& flush) {
+  static void FlushMetadata(std::span<Base* const> all, std::span<Status> outcomes, const Flush& flush,
+                            bool wholeFileSystem = false) {
     constexpr std::size_t kFew = 4;
-    const bool many = all.size() > kFew;
+    const bool many = wholeFileSystem || all.size() > kFew;
     for (std::size_t i = 0; i < all.size(); ++i) {
       auto& one = static_cast<Posix&>(*all[i]);
       const bool together = one.OnVolume().isOrdered || (many && one.OnVolume().oneFlushForAll);
@@ -220,6 +225,7 @@ class PosixDevice final : public Device {
   }
 
   DeviceOptions options_;
+  std::size_t mostOpen_;  // what the process may have open
 };
 
 }  // namespace
@@ -228,10 +234,10 @@ std::unique_ptr<Device> MakeSystemDevice(const DeviceOptions& options) {
   // As many as the process may have without asking anybody.
   rlimit limit{};
   if (::getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
-    limit.rlim_cur = limit.rlim_max;
-    ::setrlimit(RLIMIT_NOFILE, &limit);
+    const rlim_t before = std::exchange(limit.rlim_cur, limit.rlim_max);
+    if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) limit.rlim_cur = before;
   }
-  return std::make_unique<PosixDevice>(options);
+  return std::make_unique<PosixDevice>(options, static_cast<std::size_t>(limit.rlim_cur));
 }
 
 }  // namespace zq::engine

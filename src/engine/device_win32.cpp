@@ -106,10 +106,6 @@ class WindowsDevice final : public Device {
     return folderPath + '\\' + name;
   }
 
-  std::size_t NameLength(const std::string& name) const override {
-    return std::max<std::size_t>(Wide(name).size(), 1);
-  }
-
   std::unique_ptr<TransferQueue> MakeQueue() override {
     if (!options_.oneTransferAtATime) {
       if (std::unique_ptr<TransferQueue> queue = MakeWindowsQueue()) return queue;

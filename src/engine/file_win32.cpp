@@ -54,7 +54,7 @@ Status WindowsFile::Info(FileInfo& info) {
   info.allocatedBytes = static_cast<std::uint64_t>(standard.AllocationSize.QuadPart);
   info.clusterBytes = volume.clusterBytes;
   info.mostBytes = MostBytesOn(volume);
-  info.names = standard.NumberOfLinks;
+  info.names = names_ = standard.NumberOfLinks;
   info.caveat = CaveatOf(volume);
   if (!info.caveat.empty() && !opened_.caveat.empty()) info.caveat += ' ';
   info.caveat += opened_.caveat;
@@ -151,7 +151,7 @@ Status WindowsFile::FlushEntry() {
 }
 
 Status WindowsFile::Remove() {
-  return RemoveEntry(*place_.calls, opened_.handle, Path());
+  return RemoveEntry(*place_.calls, opened_.handle, Path(), opened_.wasReadOnly && names_ > 1);
 }
 
 }  // namespace zq::engine::win32

@@ -68,6 +68,7 @@ class WindowsFile final : public File {
   FolderPlace place_;
   std::wstring name_;
   OpenedFile opened_;
+  std::uint32_t names_ = 1;       // hard links, as they were last seen
   std::optional<Places> places_;  // as they were when the file was first looked at
 };
 

@@ -119,6 +119,32 @@ Status PosixFolder::AddFolder(const std::string& name, std::unique_ptr<Folder>& 
   return status;
 }
 
+Status PosixFolder::OpenAbove(std::unique_ptr<Folder>& folder) {
+  UniqueFd fd(::openat(fd_.Get(), "..", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!fd.IsOpen()) return LastError();
+  EntryFacts facts;
+  if (Status status = LookAt(fd.Get(), "", facts); !status.Ok()) return status;
+  if (facts.mount != facts_.mount || facts.device != facts_.device) {
+    return Status::Refusal("it is in another file system");
+  }
+  auto opened = std::make_unique<PosixFolder>(std::move(fd), facts, volume_, trusted_);
+  opened->insideWalk_ = insideWalk_;
+  folder = std::move(opened);
+  return {};
+}
+
+std::size_t PosixFolder::NameLength(const std::string& name) const {
+  constexpr std::size_t kMost = 255;
+  // Where nothing tells how they are counted, more than 255 bytes can't be bytes.
+  if (!volume_.countsNamesInUtf16 && name.size() <= kMost) return std::max<std::size_t>(name.size(), 1);
+  std::size_t units = 0;
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
+  }
+  return std::clamp<std::size_t>(units, 1, kMost);
+}
+
 Status PosixFolder::ListStreams(std::vector<std::string>& names) {
   return ListContentAttributes(fd_.Get(), names);
 }

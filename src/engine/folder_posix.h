@@ -34,6 +34,10 @@ class PosixFolder final : public Folder {
 
   Status AddFolder(const std::string& name, std::unique_ptr<Folder>& folder) override;
 
+  Status OpenAbove(std::unique_ptr<Folder>& folder) override;
+
+  std::size_t NameLength(const std::string& name) const override;
+
   // The extended attributes.
   Status ListStreams(std::vector<std::string>& names) override;
   Status OpenStream(const std::string& name, Access, std::unique_ptr<File>& stream) override;

@@ -27,6 +27,10 @@ class WindowsFolder final : public Folder {
     return code == kSuccess ? Status{} : FromCode(code);
   }
 
+  std::size_t NameLength(const std::string& name) const override {
+    return std::max<std::size_t>(Wide(name).size(), 1);
+  }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};
@@ -159,7 +163,7 @@ class WindowsFolder final : public Folder {
     Closing handle(*place_.calls);
     std::wstring path;
     if (Status status = OpenEntry(entry, handle.handle, path); !status.Ok()) return status;
-    return RemoveEntry(*place_.calls, handle.handle, path);
+    return RemoveEntry(*place_.calls, handle.handle, path, false);
   }
 
   // Windows has no promise for the flush of a folder. Where it takes one, it is asked; where it doesn't,

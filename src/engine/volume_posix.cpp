@@ -62,6 +62,13 @@ constexpr std::int64_t kOneDeviceFileSystems[] = {
 
 constexpr std::int64_t kFuseMagic = 0x65735546;
 
+// File systems that store names in units of UTF-16, of which a name has at most 255. Others take bytes.
+constexpr std::int64_t kUtf16FileSystems[] = {
+    0x4D44,      // FAT
+    0x2011BAB0,  // exFAT
+    0x7366746E,  // NTFS, by the kernel's own driver
+};
+
 constexpr NamesStay kNamesStay[] = {
     {0x4D44, NameRoom::Kind::Slots},      // FAT
     {0x2011BAB0, NameRoom::Kind::Slots},  // exFAT
@@ -200,6 +207,7 @@ Status LookAtVolume(int fd, const EntryFacts& facts, bool trusted, Volume& volum
   }
   const Mount mount = FindMount(facts);
   LookWhetherInPlace(fd, facts, trusted, mount, volume);
+  volume.countsNamesInUtf16 = volume.isNtfs3g || std::ranges::count(kUtf16FileSystems, volume.magic) > 0;
   if (volume.magic == kExtMagic) LookAtJournal(fd, facts, mount, volume);
   return {};
 }

@@ -40,6 +40,7 @@ struct Volume {
   bool journalsData = false;     // content goes through the journal, too
   bool mayJournalData = false;   // nothing tells whether it does: each file is asked
   bool mayClearJournal = false;  // an ext4 that we are allowed to
+  bool countsNamesInUtf16 = false;
   const NamesStay* namesStay = nullptr;
 
   bool IsInMemory() const { return isInMemory; }

@@ -22,6 +22,10 @@ class Process {
   // Takes the waiting window messages through their handlers, then returns.
   virtual void PumpMessages() = 0;
 
+  // Shows the system that the program is alive where no message may be taken: looks whether one waits, and
+  // leaves it there. May be called as often as one likes; it looks a few times a second.
+  virtual void LookAtMessages() = 0;
+
   // Ends the process at once: no window gets an unload event.
   virtual void End() = 0;
 };

@@ -13,7 +13,7 @@ inline constexpr std::uint32_t kRegistryString = 1;  // REG_SZ
 
 struct RegistryValue {
   std::uint32_t type = 0;
-  std::string bytes;  // as stored: a string usually ends in a null, but need not
+  std::string bytes;  // as stored, a string in UTF-8: it usually ends in a null, but need not
 };
 
 class Registry {

@@ -31,12 +31,12 @@ frmPrintReport::frmPrintReport(AppState& state, Platform& platform)
 
 void frmPrintReport::Load() {
   const auto icon = [this](int metric) {
-    return LoadPicture(MAKEINTRESOURCEA(1), ::GetSystemMetricsForDpi(metric, static_cast<UINT>(Dpi())));
+    return LoadProgramIcon(::GetSystemMetricsForDpi(metric, static_cast<UINT>(Dpi())));
   };
   smallIcon_ = icon(SM_CXSMICON);
   largeIcon_ = icon(SM_CXICON);
-  ::SendMessageA(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallIcon_.Get()));
-  ::SendMessageA(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeIcon_.Get()));
+  ::SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallIcon_.Get()));
+  ::SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeIcon_.Get()));
 
   ClearReportLists();
   const ReportData report = DecodeReport(DataFolder(platform_.files, state_).Read(kReportFile));
@@ -60,8 +60,8 @@ std::optional<LRESULT> frmPrintReport::OnMessage(UINT message, WPARAM wParam, LP
     case WM_GETMINMAXINFO: {
       // No narrower than the tool bar.
       RECT least{0, 0, VS1.LeastWidth(), VS1.LeastWidth() / 2};
-      ::AdjustWindowRectExForDpi(&least, static_cast<DWORD>(::GetWindowLongA(Handle(), GWL_STYLE)), FALSE,
-                                 static_cast<DWORD>(::GetWindowLongA(Handle(), GWL_EXSTYLE)),
+      ::AdjustWindowRectExForDpi(&least, static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_STYLE)), FALSE,
+                                 static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_EXSTYLE)),
                                  ::GetDpiForWindow(Handle()));
       auto* info = reinterpret_cast<MINMAXINFO*>(lParam);
       info->ptMinTrackSize = {least.right - least.left, least.bottom - least.top};

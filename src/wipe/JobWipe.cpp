@@ -1,5 +1,7 @@
 #include "wipe/JobWipe.h"
 
+#include <utility>
+
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
 #include "core/state/ItemExists.h"
@@ -136,7 +138,8 @@ void JobWipe::CountRows() {
 void JobWipe::CountRow(const JobRow& row) {
   std::string path = row.NameAndLocation;
   if (HasSubFoldersText(row)) {
-    SearchFolder(platform_.files, path, "*", row.FolderMask, IncludesSubFolders(row), state_.TotalWipeItems);
+    SearchFolder(platform_.files, platform_.process, path, "*", row.FolderMask, IncludesSubFolders(row),
+                 state_.TotalWipeItems);
   } else {
     ++state_.TotalWipeItems;
     ClearAttributes(platform_.files, path);
@@ -151,11 +154,13 @@ void JobWipe::WipeRows() {
     }
     Whole(const Whole&) = delete;
     Whole& operator=(const Whole&) = delete;
-    ~Whole() {
-      if (wipes_) wipes_->EndWhole();
+    ~Whole() { End(); }
+    bool End() {
+      WholeWipes* const wipes = std::exchange(wipes_, nullptr);
+      return wipes == nullptr || wipes->EndWhole();
     }
     WholeWipes* wipes_;
-  } const whole(whole_);
+  } whole(whole_);
   const std::int16_t end = jobList_.RowLoopEnd();
   for (int row = 1; row <= end; ++row) {
     const JobRow& item = jobList_.Row(row);
@@ -168,6 +173,8 @@ void JobWipe::WipeRows() {
     platform_.process.PumpMessages();
     if (state_.CancelRequested) break;
   }
+  // It belongs to no row: the rows have been told as what they were then.
+  if (!whole.End()) state_.ReportErrors.Add(SFD1->GetLastErrorText());
 }
 
 void JobWipe::WipeFolderRow(int row) {
@@ -250,11 +257,6 @@ void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal,
   statusWindow_.SetCaption(update.caption);
   // While a file is in work, a click on Cancel gets through here alone.
   platform_.process.PumpMessages();
-}
-
-void JobWipe::SFD1_WipeError(std::int32_t errorCode, const std::string& errorText) {
-  // A job wipe asks for the text when a member has failed; a free-space wipe has this event alone.
-  if (state_.FreeSpaceActive && errorCode != 0) state_.FreeSpaceError = errorText;
 }
 
 void JobWipe::SFD1_ItemWiped(const std::string& /*itemName*/) {

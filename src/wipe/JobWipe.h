@@ -45,7 +45,6 @@ class JobWipe final : public WipeEvents {
 
   void SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t unused,
                          const std::string& itemName) override;
-  void SFD1_WipeError(std::int32_t errorCode, const std::string& errorText) override;
   void SFD1_ItemWiped(const std::string& itemName) override;
 
  private:

@@ -4,6 +4,7 @@
 
 #include "platform/Files.h"
 #include "platform/Like.h"
+#include "platform/Process.h"
 #include "platform/Text.h"
 
 namespace zq {
@@ -15,12 +16,13 @@ constexpr std::size_t kLongestWalkedPath = 259;
 
 }  // namespace
 
-void SearchFolder(Files& files, std::string& path, const std::string& pathPattern, const std::string& mask,
-                  bool includeSubFolders, FixedPoint& totalWipeItems) {
+void SearchFolder(Files& files, Process& process, std::string& path, const std::string& pathPattern,
+                  const std::string& mask, bool includeSubFolders, FixedPoint& totalWipeItems) {
   if (!path.ends_with('\\')) path += '\\';
   const std::string pattern = path + "*";
   if (Utf16Length(pattern) > kLongestWalkedPath) return;
   files.List(pattern, [&](const FileEntry& entry) {
+    process.LookAtMessages();
     const std::string name = TrimAtNull(entry.name);
     if (!(entry.attributes & kAttributeDirectory)) {
       if (Like(path, pathPattern) && Like(name, mask)) {
@@ -36,7 +38,7 @@ void SearchFolder(Files& files, std::string& path, const std::string& pathPatter
       }
       // Links to folders are followed as well.
       std::string subFolder = path + name;
-      SearchFolder(files, subFolder, pathPattern, mask, includeSubFolders, totalWipeItems);
+      SearchFolder(files, process, subFolder, pathPattern, mask, includeSubFolders, totalWipeItems);
     }
   });
 }

@@ -83,6 +83,16 @@ TEST(Cage, WritesNowhereButOnItsDrive) {
   EXPECT_TRUE(Opens("cage-test", GENERIC_WRITE, CREATE_NEW));
 }
 
+// There begins a wipe of the free space, and C: lies on the disk of the machine.
+TEST(Cage, TakesNothingNewInTheRootOfItsDrive) {
+  if (Variable("ZQ_CAGE") != "namespaces") return;
+  EXPECT_FALSE(Opens("C:\\cage-test", GENERIC_WRITE, CREATE_NEW));
+  EXPECT_FALSE(::CreateDirectoryA("C:\\cage-test", nullptr));
+  EXPECT_FALSE(IsSeen("C:\\cage-test"));
+  EXPECT_TRUE(Opens("C:\\windows\\temp\\cage-test", GENERIC_WRITE, CREATE_ALWAYS)) << "in a folder it does";
+  EXPECT_TRUE(::DeleteFileA("C:\\windows\\temp\\cage-test"));
+}
+
 TEST(Cage, ReadsNoDisk) {
   for (const char* device : {"PhysicalDrive0", "PhysicalDrive1", "C:", "HarddiskVolume1", "CdRom0"}) {
     const std::string path = std::string("\\\\.\\") + device;

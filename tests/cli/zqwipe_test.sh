@@ -59,6 +59,26 @@ on_terminal() {
   ((code == wanted)) || fail "exit code $code, not $wanted, of: $3 ($out)"
 }
 
+# meanwhile CODE CHANGE COMMAND: the same, where CHANGE is run while the question stands, and the answer is yes.
+meanwhile() {
+  local wanted=$1 change=$2 code=0 limit=$((SECONDS + 60)) terminal
+  guard
+  rm -f -- "$scratch/answers" "$scratch/shown"
+  mkfifo -- "$scratch/answers"
+  script --quiet --return --flush --command "$3" "$scratch/shown" <"$scratch/answers" >/dev/null &
+  terminal=$!
+  exec {answers}>"$scratch/answers"
+  until grep -qsF "Type yes to destroy them: " -- "$scratch/shown"; do
+    ((SECONDS < limit)) && [[ -d /proc/$terminal ]] || { fail "there was no question"; break; }
+  done
+  eval "$change"
+  echo yes >&"$answers"
+  wait "$terminal" || code=$?
+  exec {answers}>&-
+  out=$(<"$scratch/shown")
+  ((code == wanted)) || fail "exit code $code, not $wanted, of: $3 ($out)"
+}
+
 gone() { local path; for path in "$@"; do [[ ! -e $path && ! -L $path ]] || fail "$path is still there"; done; }
 there() { local path; for path in "$@"; do [[ -e $path || -L $path ]] || fail "$path is gone"; done; }
 says() { [[ $1 == *"$2"* ]] || fail "'$2' is missing in: $1"; }
@@ -297,6 +317,43 @@ zq 2 --yes --recursive bin
 zq 2 --yes bin/zqwipe
 there bin/zqwipe
 program=$installed
+
+begin "wipes nothing that has come in its place while the question stood"
+swap="mv way moved; ln -s other way"
+for command in "way/d/f" "--recursive way/d" "--recursive --mask *.* way/d"; do
+  rm -rf way moved other; mkdir -p way/d other/d
+  echo agreed >way/d/f; echo precious >other/d/f
+  meanwhile 1 "$swap" "set -f; '$program' $command"
+  says "$out" "something else is there now"
+  is "$(cat other/d/f)" precious
+  is "$(cat moved/d/f)" agreed
+done
+# It is the same file there, but not what was named.
+rm -rf way moved other; mkdir -p way/d other/d
+echo agreed >way/d/f; ln way/d/f other/d/f
+meanwhile 1 "$swap" "'$program' way/d/f"
+says "$out" "something else is there now"
+is "$(cat other/d/f)" agreed
+# Without a change it goes.
+rm -rf way moved other; mkdir -p way/d
+echo agreed >way/d/f
+meanwhile 0 true "'$program' --recursive way"
+gone way
+
+begin "wipes a tree of paths that are too long to be named"
+name=$(printf 'n%.0s' {1..255})
+mkdir top
+(
+  cd top || exit
+  for ((i = 0; i < 40; i++)); do mkdir "$name" && cd "./$name" || exit; done
+  head -c 20000 /dev/zero >bottom
+)
+zq 0 --recursive --dry-run --json top
+is "$(json '[item["bytes"] for item in o["items"] if item["kind"] == "file"]')" "[20000]"
+zq 0 --yes --recursive top
+is "$out" "Wiped: 1 file (19.5 KiB), 41 folders. Kept: nothing."
+is "$err" ""
+gone top
 
 begin "refuses what it does not understand"
 echo 1 >a

@@ -106,6 +106,40 @@ TEST_F(Jobs, SavedJobIsListedAndOpenedAtALaterStart) {
   EXPECT_EQ(StatusPanels(main.statusBar).at(1), "Job: Grüße & mehr");
 }
 
+// Puts the focus on a box by the dialog's own way, and types over its text.
+void TypeInto(Window dialog, Window box, std::string_view text) {
+  dialog.Post(WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(box.Handle()), TRUE);
+  Await("the focus on " + box.Describe(), [box] { return box.HasFocus(); });
+  TypeText(dialog, text);
+  box.WaitText(text);
+}
+
+// The euro sign, a Thai letter, CJK: three bytes each in the files.
+TEST_F(Jobs, TypedCharactersOfThreeBytesAreStoredWhole) {
+  Prepare();
+  scratch_.Make("papers\\a.txt", "a");
+  const std::string folder = scratch_ / "papers";
+  const Program program(exe_, "\"" + folder + "\"");
+  const Window adding = program.WaitWindow("Add Folder");
+  TypeInto(adding, adding.ChildOfClass("Edit"), "*.ไ€");
+  adding.Child("OK").Press();
+  adding.WaitGone();
+  const MainWindow main(program);
+  main.list.WaitRows(1);
+  EXPECT_THAT(main.list.Row(0), ElementsAre(folder, "N/A", "*.ไ€", "No"));
+
+  main.PressTool("Save Job");
+  const Window saving = program.WaitWindow("Save Job", "#32770");
+  TypeInto(saving, saving.ChildOfClass("Edit"), "ภาษาไทย 漢字 5 €");
+  TakePicture(saving, "jobs-save-typed");
+  saving.Child("OK").Press();
+  saving.WaitGone();
+  main.window.Close();
+  EXPECT_EQ(program.WaitExit(), 0u);
+  EXPECT_EQ(ReadFileBytes(folder_ + "\\Jobs\\ภาษาไทย 漢字 5 €.zqj"),
+            "\"N/A\"\r\n\"[FOLDERS]\"\r\n\"" + folder + "\"\r\n\"*.ไ€\"\r\n\"No\"\r\n\"[FILES]\"\r\n");
+}
+
 TEST_F(Jobs, BarsComeBackAsTheyWereLeft) {
   Prepare();
   const std::string path = folder_ + "\\Zeroquill.dsl";

@@ -45,7 +45,7 @@ constexpr Command kActionsCommands[] = {
     {{"mnuActionsRemove",        "&Remove Selected Item", kDelete, "delete",         ""}, &Commands::RemoveSelectedItem},
     {{"mnuActionsEdit",          "&Edit Folder Item...",  kNoKey,  "",               ""}, &Commands::EditFolderItem},
     kSeparator,
-    {{"mnuActionsWipeFreeSpace", "Wipe &Free Space...",   kNoKey,  "wipspacesmall",  ""}, nullptr},
+    {{"mnuActionsWipeFreeSpace", "Wipe &Free Space...",   kNoKey,  "wipspacesmall",  ""}, &Commands::WipeFreeSpace},
     kSeparator,
     {{"mnuActionsWipeNow",       "&Wipe Now",             kF10,    "MainSmall",      ""}, &Commands::RunJobWipe},
 };
@@ -67,7 +67,7 @@ constexpr Command kToolBarCommands[] = {
     {{"AddFolder",     "Add Folder",      kNoKey, "addfoldersmall", "addfolderlarge"}, &Commands::AddFolder},
     kSeparator,
     {{"WipeNow",       "Wipe Now",        kNoKey, "MainSmall",      "MainLarge"},      &Commands::RunJobWipe},
-    {{"WipeFreeSpace", "Wipe Free Space", kNoKey, "wipspacesmall",  "wipespacelarge"}, nullptr},
+    {{"WipeFreeSpace", "Wipe Free Space", kNoKey, "wipspacesmall",  "wipespacelarge"}, &Commands::WipeFreeSpace},
 };
 
 struct MenuCommands {

@@ -13,6 +13,7 @@
 #include "platform/MessageBoxes.h"
 #include "platform/Platform.h"
 #include "platform/RunTimeError.h"
+#include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
 
 namespace zq {
@@ -146,6 +147,14 @@ void Commands::ViewReport() {
 void Commands::RunJobWipe() {
   wiping_ = true;
   parts_.jobWipe.RunJobWipe();  // what it raises ends the process
+  wiping_ = false;
+}
+
+void Commands::WipeFreeSpace() {
+  parts_.windows.ShowDriveWipe();
+  if (parts_.state.FreeSpaceDrive.empty()) return;
+  wiping_ = true;
+  parts_.freeSpaceWipe.RunFreeSpaceWipe();  // what it raises ends the process
   wiping_ = false;
 }
 

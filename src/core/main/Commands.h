@@ -13,6 +13,7 @@ struct JobRow;
 struct Platform;
 class AddFiles;
 class FolderDialog;
+class FreeSpaceWipe;
 class JobLifecycle;
 class JobList;
 class JobWipe;
@@ -32,6 +33,7 @@ class CommandWindows {
   virtual ~CommandWindows() = default;
   virtual AddFilesChoice ShowAddFiles(const std::string& initialFolder) = 0;
   virtual void ShowEdit(const JobRow& row) = 0;  // OK is ChangeFolderItem
+  virtual void ShowDriveWipe() = 0;  // OK sets FreeSpaceDrive and FreeSpacePasses, all else clears the drive
   virtual void ShowAbout() = 0;
   // Closes the main window, which asks CloseForExit.
   virtual void CloseMainWindow() = 0;
@@ -48,6 +50,7 @@ struct CommandParts {
   AddFiles& addFiles;
   JobLifecycle& jobLifecycle;
   JobWipe& jobWipe;
+  FreeSpaceWipe& freeSpaceWipe;
   FolderDialog& folderDialog;
   CommandWindows& windows;
   ReportViewer* reportViewer = nullptr;  // null: there is no window for reports, and none opens
@@ -67,11 +70,11 @@ class Commands {
   // A double click into the list: the same as Edit on a folder row, nothing elsewhere.
   void ListDoubleClicked();
 
-  // The main window is to close. False if it has to stay; see JobLifecycle::CloseForExit. While a job is
-  // wiped it stays, and the job with it.
+  // The main window is to close. False if it has to stay; see JobLifecycle::CloseForExit. While a wipe
+  // runs it stays, and the job with it.
   bool CloseForExit();
 
-  // The session is to end; see JobLifecycle::AllowSessionEnd. False while a job is wiped.
+  // The session is to end; see JobLifecycle::AllowSessionEnd. False while a wipe runs.
   bool AllowSessionEnd();
 
   // The session ends now: leaves no job, but to a wipe the rows that it walks.
@@ -93,6 +96,7 @@ class Commands {
   void ToggleQuickWipeBin();
   void ViewReport();
   void RunJobWipe();
+  void WipeFreeSpace();
   void About();
   void Exit();
 

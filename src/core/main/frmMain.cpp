@@ -15,6 +15,7 @@
 #include "platform/Process.h"
 #include "platform/Regional.h"
 #include "platform/Twips.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
@@ -85,7 +86,9 @@ frmMain::frmMain(AppState& state, Platform& platform)
       jobLifecycle_(state, jobList_, platform, icons_, DockStudio1, *this),
       reportWindow_(*this),
       jobWipe_(state, jobList_, platform, *this, statusWindow_, &reportWindow_),
-      SFD1(jobWipe_),
+      freeSpaceWipe_(state, platform, *this, spaceStatusWindow_),
+      wipeHandlers_(jobWipe_, freeSpaceWipe_),
+      SFD1(wipeHandlers_),
       commands_({.state = state,
                  .jobList = jobList_,
                  .platform = platform,
@@ -93,10 +96,12 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .addFiles = addFiles_,
                  .jobLifecycle = jobLifecycle_,
                  .jobWipe = jobWipe_,
+                 .freeSpaceWipe = freeSpaceWipe_,
                  .folderDialog = *this,
                  .windows = *this,
                  .reportViewer = &reportWindow_}) {
   jobWipe_.SetEngine(&SFD1, &SFD1);
+  freeSpaceWipe_.SetEngine(&SFD1);
   jobList_.SetView(this);
 
   DockStudio1.ToolClick = [this](std::string_view tool) { commands_.Run(tool); };
@@ -118,12 +123,10 @@ void frmMain::Load() {
   const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_USEREX_CLASSES};
   ::InitCommonControlsEx(&classes);
 
-  smallWindowIcon_ =
-      LoadPicture(MAKEINTRESOURCEA(1), ::GetSystemMetricsForDpi(SM_CXSMICON, static_cast<UINT>(Dpi())));
-  largeWindowIcon_ =
-      LoadPicture(MAKEINTRESOURCEA(1), ::GetSystemMetricsForDpi(SM_CXICON, static_cast<UINT>(Dpi())));
-  ::SendMessageA(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallWindowIcon_.Get()));
-  ::SendMessageA(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeWindowIcon_.Get()));
+  smallWindowIcon_ = LoadProgramIcon(::GetSystemMetricsForDpi(SM_CXSMICON, static_cast<UINT>(Dpi())));
+  largeWindowIcon_ = LoadProgramIcon(::GetSystemMetricsForDpi(SM_CXICON, static_cast<UINT>(Dpi())));
+  ::SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallWindowIcon_.Get()));
+  ::SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeWindowIcon_.Get()));
   ImageList3.Create(ScaleForDpi(16, Dpi()));
   ImageList3.AddPicture("folder");
   ImageList3.AddPicture("file");
@@ -183,8 +186,8 @@ void frmMain::LoadBarLayout() {
 
 void frmMain::SetDesignSize() {
   RECT rect{0, 0, TwipsToPixels(kDesignWidthTwips, Dpi()), TwipsToPixels(kDesignHeightTwips, Dpi())};
-  ::AdjustWindowRectExForDpi(&rect, static_cast<DWORD>(::GetWindowLongA(Handle(), GWL_STYLE)), TRUE,
-                             static_cast<DWORD>(::GetWindowLongA(Handle(), GWL_EXSTYLE)),
+  ::AdjustWindowRectExForDpi(&rect, static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_STYLE)), TRUE,
+                             static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_EXSTYLE)),
                              static_cast<UINT>(Dpi()));
   ::SetWindowPos(Handle(), nullptr, 0, 0, rect.right - rect.left, rect.bottom - rect.top,
                  SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -238,7 +241,7 @@ void frmMain::Unloaded() {
 }
 
 void frmMain::Activated() {
-  if (FirstRun && shown_) ::PostMessageA(Handle(), kShowWelcome, 0, 0);
+  if (FirstRun && shown_) ::PostMessageW(Handle(), kShowWelcome, 0, 0);
 }
 
 std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -308,7 +311,7 @@ void frmMain::RowsChanged() {
   }
   if (rowsPending_) return;
   rowsPending_ = true;
-  ::PostMessageA(Handle(), kShowRows, 0, 0);
+  ::PostMessageW(Handle(), kShowRows, 0, 0);
 }
 
 void frmMain::ShowPendingRows() {
@@ -327,21 +330,21 @@ void frmMain::SelectionChanged(int row) {
 }
 
 std::string frmMain::WindowsFolder() {
-  std::string folder(MAX_PATH, '\0');
-  folder.resize(::GetWindowsDirectoryA(folder.data(), static_cast<UINT>(folder.size())));
-  return folder;
+  std::wstring folder(MAX_PATH, L'\0');
+  folder.resize(::GetWindowsDirectoryW(folder.data(), static_cast<UINT>(folder.size())));
+  return FromWide(folder);
 }
 
 void frmMain::MeasureSmallIcon(const std::string& key, std::uint32_t flags) {
-  SHFILEINFOA info{};
+  SHFILEINFOW info{};
   const auto images = reinterpret_cast<HIMAGELIST>(
-      ::SHGetFileInfoA(key.c_str(), 0, &info, sizeof info, SHGFI_SYSICONINDEX | flags));
+      ::SHGetFileInfoW(ToWide(key).c_str(), 0, &info, sizeof info, SHGFI_SYSICONINDEX | flags));
   if (images) ::ImageList_GetIconSize(images, &IconWidth, &IconHeight);
 }
 
 void frmMain::DrawFileIcon(const std::string& key, std::uint32_t flags) {
-  SHFILEINFOA info{};
-  ::SHGetFileInfoA(key.c_str(), FILE_ATTRIBUTE_NORMAL, &info, sizeof info, SHGFI_ICON | flags);
+  SHFILEINFOW info{};
+  ::SHGetFileInfoW(ToWide(key).c_str(), FILE_ATTRIBUTE_NORMAL, &info, sizeof info, SHGFI_ICON | flags);
   drawnIcon_.Reset(info.hIcon);
 }
 

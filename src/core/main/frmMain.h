@@ -22,8 +22,11 @@
 #include "platform/Platform.h"
 #include "reports/frmPrintReport.h"
 #include "resource.h"
+#include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
 #include "wipe/SFD1.h"
+#include "wipe/WipeHandlers.h"
+#include "wipe/frmSpaceStatus.h"
 #include "wipe/frmStatus.h"
 
 namespace zq {
@@ -43,6 +46,7 @@ class frmMain final : public Form,
   void Hide() override { Form::Hide(); }
 
   JobWipe& Driver() { return jobWipe_; }
+  FreeSpaceWipe& FreeSpaceDriver() { return freeSpaceWipe_; }
 
   // The main list and its bars, as tests look at them.
   JobList& Jobs() { return jobList_; }
@@ -86,6 +90,7 @@ class frmMain final : public Form,
   // CommandWindows
   AddFilesChoice ShowAddFiles(const std::string& initialFolder) override;
   void ShowEdit(const JobRow& row) override;
+  void ShowDriveWipe() override;
   void ShowAbout() override;
   void CloseMainWindow() override;
   void DoBusily(const std::function<void()>& work) override;
@@ -106,6 +111,9 @@ class frmMain final : public Form,
   StatusWindow statusWindow_;
   ReportWindow reportWindow_;
   JobWipe jobWipe_;
+  SpaceStatusWindow spaceStatusWindow_;
+  FreeSpaceWipe freeSpaceWipe_;
+  WipeHandlers wipeHandlers_;
   zq::SFD1 SFD1;
   Commands commands_;
   ImageList ImageList3;

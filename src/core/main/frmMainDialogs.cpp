@@ -11,6 +11,7 @@
 #include "jobs/frmNew.h"
 #include "jobs/frmOpenJob.h"
 #include "jobs/frmSave.h"
+#include "wipe/frmDriveWipe.h"
 
 namespace zq {
 namespace {
@@ -42,6 +43,10 @@ void frmMain::ShowEdit(const JobRow& row) {
   form.txtMask.SetText(row.FolderMask);
   form.chkSub.SetValue(row.SubFolders == kYes ? 1 : 0);
   form.ShowModal(Handle());
+}
+
+void frmMain::ShowDriveWipe() {
+  Default<frmDriveWipe>::Touch().ShowModal(Handle());
 }
 
 void frmMain::ShowAbout() {

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/RunTimeError.h"
+#include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
@@ -27,9 +28,9 @@ std::string TextOf(const std::exception_ptr& exception) {
 }  // namespace
 
 void ReportAndEnd(const std::exception_ptr& exception) {
-  const std::string text = TextOf(exception);
+  const std::wstring text = ToWide(TextOf(exception));
   // Task-modal, so that no window of ours takes a command while the report is up.
-  ::MessageBoxA(nullptr, text.c_str(), "Zeroquill", MB_ICONERROR | MB_OK | MB_TASKMODAL | MB_SETFOREGROUND);
+  ::MessageBoxW(nullptr, text.c_str(), L"Zeroquill", MB_ICONERROR | MB_OK | MB_TASKMODAL | MB_SETFOREGROUND);
   ::ExitProcess(kRunTimeErrorExitCode);
 }
 

@@ -15,12 +15,14 @@ class Win32Process final : public Process {
   std::string ApplicationPath() override;
   std::string CommandLine() override;
   void PumpMessages() override { pump_(); }
+  void LookAtMessages() override;
   void End() override;
 
  private:
   void (*pump_)();
   UniqueKernelHandle instanceMutex_;
   bool earlierInstance_ = false;
+  ULONGLONG lastLook_ = 0;  // in milliseconds of the system's run; 0 for none yet
 };
 
 }  // namespace zq

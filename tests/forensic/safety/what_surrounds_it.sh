@@ -272,22 +272,40 @@ case_few_descriptors() {
   wiped "$top"
 }
 
+# Each file has more than the least that could be an image in use, which is asked of the system by descriptors, too.
+case_few_descriptors_for_larger_files() {
+  local i
+  mkdir "$top"
+  for ((i = 0; i < 600; i++)); do put "$top/f$i" 17000; done
+  wipe_as bash -c 'ulimit -n 80; exec "$@"' - "$work/wipe_tool" "$top"
+  wiped "$top"
+}
+
+case_few_descriptors_in_a_deep_tree() {
+  mkdir "$top"
+  new_mark
+  secret[bottom]=$mark
+  perl -e 'my ($top, $text) = @ARGV; chdir $top or die;
+    for (1 .. 1500) { mkdir "d" or die; chdir "d" or die; }
+    open my $file, ">", "bottom" or die; print $file $text; close $file or die' "$top" "$(text 20000)"
+  wipe_as bash -c 'ulimit -n 64; exec "$@"' - "$work/wipe_tool" "$top"
+  wiped "$top"
+}
+
 case_forty_levels_of_the_longest_names() {
   local name i
   name=$(printf 'n%.0s' {1..255})
   mkdir "$top"
+  new_mark  # a subshell would have another one
+  secret[bottom]=$mark
   (
     cd "$top" || exit
     for ((i = 0; i < 40; i++)); do
       mkdir "$name"
       cd "./$name" 2>/dev/null || exit
     done
-    new_mark
     text 20000 >bottom
   )
-  new_mark  # the same as in there
-  secret[bottom]=$mark
-  marks=$((marks + 1))
   wipe "$top"
   wiped "$top"
   ! grep -q '^error' "$work/output" || fault "errors are told of a tree that is gone"

@@ -1,5 +1,6 @@
 #include "support/driver/Window.h"
 
+#include <initializer_list>
 #include <utility>
 
 #include "support/driver/Text.h"
@@ -234,17 +235,39 @@ std::vector<Window> TopLevelWindows(const std::function<bool(Window)>& condition
   return all;
 }
 
-void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers) {
+namespace {
+
+void TypeInFront(Window window, std::vector<INPUT>&& inputs) {
   ::SetForegroundWindow(window.Handle());
   Await("the front place of " + window.Describe(),
         [&] { return ::GetForegroundWindow() == window.Handle(); });
+  const auto count = static_cast<UINT>(inputs.size());
+  if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw DriverError("can't type a key");
+}
+
+}  // namespace
+
+void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers) {
   std::vector<INPUT> inputs;
   for (WORD modifier : modifiers) inputs.push_back(KeyInput(modifier, false));
   inputs.push_back(KeyInput(key, false));
   inputs.push_back(KeyInput(key, true));
   for (auto it = modifiers.rbegin(); it != modifiers.rend(); ++it) inputs.push_back(KeyInput(*it, true));
-  const auto count = static_cast<UINT>(inputs.size());
-  if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw DriverError("can't type a key");
+  TypeInFront(window, std::move(inputs));
+}
+
+void TypeText(Window window, std::string_view text) {
+  std::vector<INPUT> inputs;
+  for (wchar_t unit : ToWide(text)) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wScan = unit;
+    for (const DWORD released : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
+      input.ki.dwFlags = KEYEVENTF_UNICODE | released;
+      inputs.push_back(input);
+    }
+  }
+  TypeInFront(window, std::move(inputs));
 }
 
 void StepMouseTo(POINT screen) {

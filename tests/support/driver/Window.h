@@ -88,6 +88,8 @@ std::vector<Window> TopLevelWindows(const std::function<bool(Window)>& condition
 // Real keys and mouse, which go to the window that is in front: brings `window` there first.
 // Modifiers are virtual keys such as VK_CONTROL, held down meanwhile.
 void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers = {});
+// The text's characters, as an input method for any language gives them.
+void TypeText(Window window, std::string_view text);
 // Moves the mouse by input, as a hand does, and returns at once; or when the pointer rests there.
 void StepMouseTo(POINT screen);
 void MoveMouseTo(POINT screen);

@@ -19,6 +19,7 @@ class FakeCommandWindows final : public CommandWindows, public FolderDialog {
   AddFilesChoice choice;                      // in the Add Files dialog
   std::function<void()> inFolder;             // what the user does in frmFolder; nothing is Cancel
   std::function<void(const JobRow&)> inEdit;  // and in frmEdit
+  std::function<void()> inDriveWipe;          // and in frmDriveWipe
 
   AddFilesChoice ShowAddFiles(const std::string& initialFolder) override {
     log_.push_back("Add Files in " + initialFolder);
@@ -31,6 +32,10 @@ class FakeCommandWindows final : public CommandWindows, public FolderDialog {
   void ShowEdit(const JobRow& row) override {
     log_.push_back("frmEdit of " + row.NameAndLocation);
     if (inEdit) inEdit(row);
+  }
+  void ShowDriveWipe() override {
+    log_.push_back("frmDriveWipe");
+    if (inDriveWipe) inDriveWipe();
   }
   void ShowAbout() override { log_.push_back("frmAbout"); }
   void CloseMainWindow() override { log_.push_back("main: close"); }

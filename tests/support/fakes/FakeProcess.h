@@ -17,6 +17,7 @@ class FakeProcess final : public Process {
   std::string applicationPath = "C:\\Zeroquill";
   std::string commandLine;
   std::function<void()> onPump;  // what the waiting messages do
+  int looks = 0;                 // at messages that are left where they are
 
   bool EarlierInstanceRuns() override { return earlierInstanceRuns; }
   std::string ApplicationPath() override { return applicationPath; }
@@ -25,6 +26,7 @@ class FakeProcess final : public Process {
     log_.push_back("pump");
     if (onPump) onPump();
   }
+  void LookAtMessages() override { ++looks; }
   void End() override { log_.push_back("end"); }
 
  private:

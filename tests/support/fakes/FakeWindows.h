@@ -5,6 +5,7 @@
 
 #include "core/state/MainWindow.h"
 #include "support/fakes/EventLog.h"
+#include "wipe/FreeSpaceProgress.h"
 #include "wipe/JobWipe.h"
 #include "wipe/WipeProgress.h"
 
@@ -33,6 +34,19 @@ class FakeStatusWindow final : public WipeStatusWindow {
   void SetCurrent(int percent) override { log_.push_back("status: current " + std::to_string(percent)); }
   void SetOverall(int percent) override { log_.push_back("status: overall " + std::to_string(percent)); }
   void SetCaption(const std::string& text) override { log_.push_back("status: caption " + text); }
+
+ private:
+  EventLog& log_;
+};
+
+class FakeFreeSpaceStatusWindow final : public FreeSpaceStatusWindow {
+ public:
+  explicit FakeFreeSpaceStatusWindow(EventLog& log) : log_(log) {}
+  void Show() override { log_.push_back("space: show"); }
+  void Unload() override { log_.push_back("space: unload"); }
+  void SetStatus(const std::string& text) override { log_.push_back("space: text " + text); }
+  void SetCurrent(int percent) override { log_.push_back("space: current " + std::to_string(percent)); }
+  void SetCaption(const std::string& text) override { log_.push_back("space: caption " + text); }
 
  private:
   EventLog& log_;

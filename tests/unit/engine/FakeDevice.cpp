@@ -18,6 +18,9 @@ Status NotFound() {
 Status Taken() {
   return {Trouble::Exists, 183, "The name is taken."};
 }
+Status TooMany() {
+  return {Trouble::TooManyOpen, 24, "Too many open files"};
+}
 Status Full() {
   return {Trouble::NoSpace, 112, "The disk is full."};
 }
@@ -300,9 +303,11 @@ class FakeFolder final : public Folder {
   FakeFolder(FakeDevice& device, std::shared_ptr<Node> node, std::string path)
       : device_(device), node_(std::move(node)), path_(std::move(path)) {
     ++device_.openHandles;
+    device_.mostOpenFolders = std::max(device_.mostOpenFolders, ++device_.openFolders);
   }
   ~FakeFolder() override {
     --device_.openHandles;
+    --device_.openFolders;
     if (holdsLock_) node_->locked = false;
   }
 
@@ -334,9 +339,7 @@ class FakeFolder final : public Folder {
         return Status::Refusal("it is a link");
     }
     if (found->second->readOnly) return {Trouble::Other, 5, "Access is denied."};
-    if (device_.mostOpenFiles > 0 && device_.openHandles >= device_.mostOpenFiles) {
-      return {Trouble::TooManyOpen, 24, "Too many open files"};
-    }
+    if (device_.HasTooManyOpen()) return TooMany();
     if (device_.opensForOneAlone && found->second->openCount > 0) {
       return {Trouble::Other, 32, "The file is in use."};
     }
@@ -421,7 +424,17 @@ class FakeFolder final : public Folder {
       return Status::Refusal("it is a link");
     }
     if (found->second->kind != EntryKind::Folder) return Status::Refusal("it is not a folder");
+    if (device_.HasTooManyOpen()) return TooMany();
     folder = std::make_unique<FakeFolder>(device_, found->second, PathOf(name));
+    return {};
+  }
+
+  Status OpenAbove(std::unique_ptr<Folder>& folder) override {
+    if (Status status = device_.Begin("open above", path_); !status.Ok()) return status;
+    if (device_.HasTooManyOpen()) return TooMany();
+    const std::string path = device_.HolderOf(*node_, "/");
+    if (path.empty()) return NotFound();
+    folder = std::make_unique<FakeFolder>(device_, device_.Find(path), path);
     return {};
   }
 
@@ -627,6 +640,15 @@ void FakeDevice::MakeHardLink(const std::string& path, const std::string& existi
   const std::shared_ptr<Node> node = Find(existing);
   MakeFolder(folderPath)->children[name] = node;
   ++node->names;
+}
+
+std::string FakeDevice::HolderOf(const Node& node, const std::string& path) const {
+  for (const auto& [name, child] : Find(path)->children) {
+    if (child.get() == &node) return path;
+    if (child->kind != EntryKind::Folder) continue;
+    if (std::string found = HolderOf(node, Join(path, name)); !found.empty()) return found;
+  }
+  return {};
 }
 
 std::shared_ptr<Node> FakeDevice::Find(const std::string& path) const {

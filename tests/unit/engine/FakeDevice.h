@@ -98,8 +98,9 @@ class FakeDevice final : public Device {
   bool direct = true;          // whether it can do without the cache
   std::size_t queueDepth = 1;  // with more, transfers are carried out at Wait, the latest first
   bool renamesOpenFolders = false;
-  bool opensForOneAlone = false;           // a file that is open can't be opened under another name
-  int mostOpenFiles = 0;                   // more than these can't be open at once; 0: no end
+  bool opensForOneAlone = false;  // a file that is open can't be opened under another name
+  int mostOpenFiles = 0;          // more files and folders can't be open at once; 0: no end
+  Limits openAtOnce;
   bool mergesEqual = false;                // streams must never be written with a pattern
   std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
   std::uint64_t log = 0;                   // of all folders; 0: there is none
@@ -140,6 +141,8 @@ class FakeDevice final : public Device {
   int openHandles = 0;
   std::uint64_t FreeBytes() const;
   bool ReserveIsGivenOut() const { return reserveBytes == 0 || !reserveGiven_.expired(); }
+  int openFolders = 0;      // among them
+  int mostOpenFolders = 0;  // at any moment
   std::uint64_t UsedBytes() const;
   // How many operations of one kind succeeded.
   std::size_t Count(const std::string& kind) const;
@@ -149,7 +152,7 @@ class FakeDevice final : public Device {
   Status OpenFolder(const std::string& path, std::unique_ptr<Folder>& folder) override;
   Status Split(const std::string& path, std::string& folderPath, std::string& name) const override;
   std::string Join(const std::string& folderPath, const std::string& name) const override;
-  std::size_t NameLength(const std::string& name) const override { return name.size(); }
+  Limits OpenAtOnce() const override { return openAtOnce; }
   bool RenamesOpenFolders() const override { return renamesOpenFolders; }
   std::unique_ptr<TransferQueue> MakeQueue() override;
   Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note) override;
@@ -162,6 +165,9 @@ class FakeDevice final : public Device {
   // Records the operation. Not Ok if the fault has hit it.
   Status Begin(const std::string& kind, const std::string& path, std::uint64_t offset = 0,
                std::size_t size = 0);
+  bool HasTooManyOpen() const { return mostOpenFiles > 0 && openHandles >= mostOpenFiles; }
+  // The path of the folder that holds the node beneath `path`; empty if there is none.
+  std::string HolderOf(const Node& node, const std::string& path) const;
   bool HitBy(Fault wanted) const { return fault == wanted && ops.size() == faultAt; }
   bool IsShort() const {
     return HitBy(Fault::ShortWrite) || (fault == Fault::ShortFromThenOn && ops.size() >= faultAt);

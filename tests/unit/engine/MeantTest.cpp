@@ -71,5 +71,28 @@ TEST(Meant, FolderIsLeftAloneWhenAnotherHasItsName) {
   }
 }
 
+// The other name of the same file isn't what was named.
+TEST(Meant, FilesAreLeftAloneWhenAnotherFolderIsThere) {
+  EngineRig rig;
+  rig.device.MakeFile("/f/way/file", Secret(5'000));
+  const EntryId file = IdOf(rig, "/f/way/file");
+  const EntryId folder = IdOf(rig, "/f/way");
+  const std::vector<SecureDelete::NamedFile> files = {{"file", "/f/way/file", file}};
+  rig.device.MakeHardLink("/f/other/file", "/f/way/file");
+  rig.device.Find("/f")->children["way"] = rig.device.Find("/f/other");
+  EXPECT_FALSE(rig.engine.WipeFiles("/f/way", files, 3, &folder));
+  ExpectUntouched(rig, "/f/other/file");
+  EXPECT_EQ(rig.events.Of("end").size(), 1u) << "the file's end is told";
+}
+
+TEST(Meant, FilesGoWhenTheirFolderIsTheSame) {
+  EngineRig rig;
+  rig.device.MakeFile("/f/way/file", Secret(5'000));
+  const EntryId folder = IdOf(rig, "/f/way");
+  const std::vector<SecureDelete::NamedFile> files = {{"file", "/f/way/file", IdOf(rig, "/f/way/file")}};
+  EXPECT_TRUE(rig.engine.WipeFiles("/f/way", files, 3, &folder)) << rig.engine.LastErrorText();
+  EXPECT_FALSE(rig.device.Exists("/f/way/file"));
+}
+
 }  // namespace
 }  // namespace zq::engine::test

@@ -164,7 +164,6 @@ class MadeUpDevice final : public Device {
   std::string Join(const std::string& folderPath, const std::string& name) const override {
     return folderPath + '/' + name;
   }
-  std::size_t NameLength(const std::string& name) const override { return name.size(); }
 
  private:
   const Shape shape_;

@@ -354,7 +354,6 @@ class WatchedDevice final : public Device {
   std::string Join(const std::string& folderPath, const std::string& name) const override {
     return real_->Join(folderPath, name);
   }
-  std::size_t NameLength(const std::string& name) const override { return real_->NameLength(name); }
   bool RenamesOpenFolders() const override { return real_->RenamesOpenFolders(); }
   std::unique_ptr<TransferQueue> MakeQueue() override { return real_->MakeQueue(); }
   void FlushMany(std::span<File* const> files, std::span<Status> outcomes) override {

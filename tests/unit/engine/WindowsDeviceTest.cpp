@@ -253,10 +253,24 @@ TEST(WindowsDevice, KnowsTheRootsOfDrivesAndShares) {
 }
 
 TEST(WindowsDevice, CountsNamesInTheUnitsOfTheFileSystem) {
-  const std::unique_ptr<Device> device = MakeSystemDevice();
-  EXPECT_EQ(device->NameLength("abc"), 3u);
-  EXPECT_EQ(device->NameLength("日記"), 2u);
-  EXPECT_EQ(device->NameLength("🙂"), 2u);
+  const Scratch scratch;
+  std::unique_ptr<Folder> folder;
+  ASSERT_TRUE(MakeSystemDevice()->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  EXPECT_EQ(folder->NameLength("abc"), 3u);
+  EXPECT_EQ(folder->NameLength("日記"), 2u);
+  EXPECT_EQ(folder->NameLength("🙂"), 2u);
+}
+
+TEST(WindowsDevice, LeavesTheOtherNamesOfAReadOnlyFileReadOnly) {
+  Scratch scratch;
+  RealEngine real;
+  WriteBytes(scratch / "one", Secret(5'000));
+  fs::create_hard_link(scratch / "one", scratch / "two");
+  ASSERT_NE(::SetFileAttributesW((scratch / "one").c_str(), FILE_ATTRIBUTE_READONLY), 0);
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "one"), 3)) << real.engine.LastErrorText();
+  EXPECT_FALSE(fs::exists(scratch / "one"));
+  EXPECT_EQ(fs::file_size(scratch / "two"), 0u);
+  EXPECT_NE(::GetFileAttributesW((scratch / "two").c_str()) & FILE_ATTRIBUTE_READONLY, 0u);
 }
 
 TEST(WindowsDevice, RemovesAFolderThatExplorerHasMarkedAsReadOnly) {

@@ -283,7 +283,7 @@ TEST(WindowsRemoval, WaitsAboutASecondForAPendingOne) {
   calls.open = 1;
   calls.removesFail = {kInvalidParameter};  // FAT knows only the removal with the last handle
   calls.existsSays = {kAccessDenied, kDeletePending, kSuccess};
-  EXPECT_TRUE(RemoveEntry(calls, handle, L"x").Ok());
+  EXPECT_TRUE(RemoveEntry(calls, handle, L"x", false).Ok());
   EXPECT_EQ(handle, nullptr);
   EXPECT_THAT(calls.story, ElementsAre("remove at once", "remove", "close"));
   EXPECT_GT(calls.waited, milliseconds(0));
@@ -291,15 +291,24 @@ TEST(WindowsRemoval, WaitsAboutASecondForAPendingOne) {
   FakeWindowsCalls other;
   handle = &other;
   other.existsSays.assign(1'000, kDeletePending);
-  EXPECT_THAT(RemoveEntry(other, handle, L"x").text, HasSubstr("for as long as another program has it open"));
+  EXPECT_THAT(RemoveEntry(other, handle, L"x", false).text,
+              HasSubstr("for as long as another program has it open"));
   EXPECT_EQ(other.waited, milliseconds(1'000));
+}
+
+TEST(WindowsRemoval, LeavesTheFilesOtherNamesReadOnlyAsTheyWere) {
+  FakeWindowsCalls calls;
+  SystemHandle handle = &calls;
+  calls.open = 1;
+  EXPECT_TRUE(RemoveEntry(calls, handle, L"x", true).Ok());
+  EXPECT_THAT(calls.story, ElementsAre("remove at once", "look", "set read-only", "close"));
 }
 
 TEST(WindowsRemoval, TellsWhyItFails) {
   FakeWindowsCalls calls;
   SystemHandle handle = &calls;
   calls.removesFail.assign(1'000, kAccessDenied);
-  EXPECT_EQ(RemoveEntry(calls, handle, L"x").code, 5);
+  EXPECT_EQ(RemoveEntry(calls, handle, L"x", false).code, 5);
   EXPECT_EQ(calls.waited, milliseconds(1'000));
   EXPECT_EQ(handle, &calls) << "it is still open";
 }

@@ -1,4 +1,4 @@
-// What the engine's events do during a job wipe and during a free-space wipe.
+// What the engine's events do during a job wipe.
 #include "unit/wipe/JobWipeFixture.h"
 
 namespace zq {
@@ -41,18 +41,6 @@ TEST_F(JobWipeEventsTest, FilesThatWereNotCountedCarryTheOverallBarPastAHundred)
 TEST_F(JobWipeEventsTest, DuringAFreeSpaceWipeProgressOfFilesIsNotShown) {
   state.FreeSpaceActive = true;
   wipe.SFD1_WipeProgress(1, 2, 0, "C:\\a.txt");
-  EXPECT_THAT(log, IsEmpty());
-}
-
-TEST_F(JobWipeEventsTest, AnErrorEventCountsDuringAFreeSpaceWipeAlone) {
-  wipe.SFD1_WipeError(5, "Access denied");
-  EXPECT_EQ(state.FreeSpaceError, "");
-  state.FreeSpaceActive = true;
-  wipe.SFD1_WipeError(0, "Nothing");
-  EXPECT_EQ(state.FreeSpaceError, "");
-  wipe.SFD1_WipeError(5, "Access denied");
-  wipe.SFD1_WipeError(-1, "Disk full");
-  EXPECT_EQ(state.FreeSpaceError, "Disk full");
   EXPECT_THAT(log, IsEmpty());
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "support/fakes/FakeFiles.h"
+#include "support/fakes/FakeProcess.h"
 #include "wipe/RecursiveSearch.h"
 
 namespace zq {
@@ -18,10 +19,12 @@ class RecursiveSearchTest : public testing::Test {
   std::int64_t Search(std::string path, const std::string& mask, bool includeSubFolders,
                       const std::string& pathPattern = "*") {
     FixedPoint total;
-    SearchFolder(files, path, pathPattern, mask, includeSubFolders, total);
+    SearchFolder(files, process, path, pathPattern, mask, includeSubFolders, total);
     return total.Whole();
   }
   test::FakeFiles files;
+  test::EventLog events;
+  test::FakeProcess process{events};
 };
 
 TEST_F(RecursiveSearchTest, TheWalkIsDepthFirstInTheFileSystemsOrder) {
@@ -101,13 +104,23 @@ TEST_F(RecursiveSearchTest, ThePathHasToMatchItsPatternToo) {
   EXPECT_THAT(files.log, ElementsAre("attributes C:\\r\\sub\\b.txt 128"));
 }
 
+// A large folder takes longer than the system waits for a program; but a click that waits must not be taken.
+TEST_F(RecursiveSearchTest, MessagesAreLookedAtWithEachEntryAndNoneIsTaken) {
+  files.AddFile("C:\\r\\a.txt");
+  files.AddFile("C:\\r\\b.doc");
+  files.AddFile("C:\\r\\sub\\c.txt");
+  EXPECT_EQ(Search("C:\\r", "*.txt", true), 2);
+  EXPECT_GE(process.looks, 4) << "three files and a folder";
+  EXPECT_THAT(events, IsEmpty());
+}
+
 TEST_F(RecursiveSearchTest, TheCallersPathGetsItsBackslash) {
   files.AddFile("C:\\a.txt");
   FixedPoint total;
   std::string path = "C:";
-  SearchFolder(files, path, "*", "*", false, total);
+  SearchFolder(files, process, path, "*", "*", false, total);
   EXPECT_EQ(path, "C:\\");
-  SearchFolder(files, path, "*", "*", false, total);
+  SearchFolder(files, process, path, "*", "*", false, total);
   EXPECT_EQ(path, "C:\\");
   EXPECT_THAT(files.log, ElementsAre("attributes C:\\a.txt 128", "attributes C:\\a.txt 128"));
   EXPECT_EQ(total, FixedPoint(2));  // the sum runs on
@@ -197,9 +210,11 @@ class PaddingFiles final : public Files {
 
 TEST(RecursiveSearch, ANameEndsAtItsFirstNull) {
   PaddingFiles files;
+  test::EventLog events;
+  test::FakeProcess process{events};
   FixedPoint total;
   std::string path = "C:\\r";
-  SearchFolder(files, path, "*", "*.txt", true, total);
+  SearchFolder(files, process, path, "*", "*.txt", true, total);
   EXPECT_EQ(total, FixedPoint(1));
   EXPECT_THAT(files.log, ElementsAre("list C:\\r\\*", "attributes C:\\r\\a.txt", "list C:\\r\\sub\\*"));
 }

@@ -113,9 +113,8 @@ TEST(CommandTable, NamesTheOperationOfEachTool) {
       {&Commands::CloseJob, {"mnuFileClose"}},
       {&Commands::NewJob, {"NewJob", "mnuFileNew"}},
       {&Commands::DeleteOpenJob, {"mnuFileDelete"}},
-      {nullptr,
-       {"mnuHelpContents", "mnuHelpWebPage", "mnuFileLaunch", "mnuFilePreferences", "WipeFreeSpace",
-        "mnuActionsWipeFreeSpace"}},
+      {&Commands::WipeFreeSpace, {"WipeFreeSpace", "mnuActionsWipeFreeSpace"}},
+      {nullptr, {"mnuHelpContents", "mnuHelpWebPage", "mnuFileLaunch", "mnuFilePreferences"}},
   };
   std::size_t tools = 0;
   for (const Row& row : kRows) {

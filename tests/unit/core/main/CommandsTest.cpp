@@ -27,7 +27,9 @@
 #include "support/fakes/FakeRegistry.h"
 #include "support/fakes/FakeToolStates.h"
 #include "support/fakes/FakeWindows.h"
+#include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
+#include "wipe/WipeHandlers.h"
 
 namespace zq {
 namespace {
@@ -50,6 +52,7 @@ class CommandsTest : public testing::Test {
   CommandsTest() {
     state.AppFolder = "C:\\Zeroquill\\";
     jobWipe.SetEngine(&engine);
+    freeSpaceWipe.SetEngine(&engine);
   }
 
   void Answer(MessageAnswer answer) { boxes.answers = {answer}; }
@@ -88,11 +91,14 @@ class CommandsTest : public testing::Test {
   test::FakeCommandWindows windows{log};
   test::FakeMainWindow mainWindow{log};
   test::FakeStatusWindow statusWindow{log};
+  test::FakeFreeSpaceStatusWindow spaceStatusWindow{log};
   test::FakeReportViewer reportViewer{log};
   AddFiles addFiles{state, jobList, files, icons, regional, &windows};
   JobLifecycle jobLifecycle{state, jobList, platform, icons, tools, dialogs};
   JobWipe jobWipe{state, jobList, platform, mainWindow, statusWindow, &reportViewer};
-  test::FakeEngine engine{log, jobWipe};
+  FreeSpaceWipe freeSpaceWipe{state, platform, mainWindow, spaceStatusWindow};
+  WipeHandlers handlers{jobWipe, freeSpaceWipe};
+  test::FakeEngine engine{log, handlers};
   CommandParts parts{.state = state,
                      .jobList = jobList,
                      .platform = platform,
@@ -100,6 +106,7 @@ class CommandsTest : public testing::Test {
                      .addFiles = addFiles,
                      .jobLifecycle = jobLifecycle,
                      .jobWipe = jobWipe,
+                     .freeSpaceWipe = freeSpaceWipe,
                      .folderDialog = windows,
                      .windows = windows,
                      .reportViewer = &reportViewer};
@@ -119,6 +126,7 @@ TEST_F(CommandsTest, EachToolRunsItsOperation) {
       {{"mnuFileView"}, "box No Report"},
       {{"mnuHelpAbout"}, "frmAbout"},
       {{"WipeNow", "mnuActionsWipeNow"}, "box No Items Found"},
+      {{"WipeFreeSpace", "mnuActionsWipeFreeSpace"}, "frmDriveWipe"},
   };
   state.Settings.LastFilesFolder = "C:\\";
   for (const auto& [names, seen] : kSeen) {
@@ -337,6 +345,53 @@ TEST_F(CommandsTest, ExitIsRefusedWhileAJobIsWipedAndTheJobStays) {
   commands.Run("WipeNow");
   EXPECT_TRUE(refused);
   EXPECT_THAT(boxes.answers, IsEmpty());
+  EXPECT_TRUE(commands.CloseForExit()) << "the wipe is over";
+}
+
+TEST_F(CommandsTest, FreeSpaceIsWipedIfADriveCameBack) {
+  windows.inDriveWipe = [this] {
+    state.FreeSpaceDrive = "D:\\";
+    state.FreeSpacePasses = 5;
+  };
+  boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
+  commands.Run("WipeFreeSpace");
+  EXPECT_THAT(log, ElementsAre("frmDriveWipe", "box Wipe Operation", "main: hide", "space: show",
+                               "WipeFreeSpace D:\\ 5", "space: unload", "main: show",
+                               "box Free Space Wipe Complete"));
+}
+
+TEST_F(CommandsTest, FreeSpaceIsLeftAloneIfNoDriveCameBack) {
+  state.FreeSpaceDrive = "D:\\";
+  windows.inDriveWipe = [this] { state.FreeSpaceDrive = ""; };
+  commands.Run("mnuActionsWipeFreeSpace");
+  EXPECT_THAT(log, ElementsAre("frmDriveWipe"));
+}
+
+TEST_F(CommandsTest, FreeSpaceWipeKeepsTheJobAsItIs) {
+  files.AddFile("C:\\1.txt", "secret");
+  List(1, 1);
+  state.ReportFiles.Add("C:\\former.txt");
+  windows.inDriveWipe = [this] { state.FreeSpaceDrive = "D:\\"; };
+  boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
+  commands.Run("WipeFreeSpace");
+  EXPECT_THAT(Paths(), ElementsAre("C:\\1.txt"));
+  EXPECT_THAT(state.ReportFiles.Items(), ElementsAre("C:\\former.txt"));
+  EXPECT_FALSE(files.Exists(kReport)) << "no report is written";
+  EXPECT_EQ(files.Read("C:\\1.txt"), "secret");
+}
+
+TEST_F(CommandsTest, ExitIsRefusedWhileFreeSpaceIsWiped) {
+  bool refused = false;
+  bool sessionHeld = false;
+  engine.work = [&](const std::string&, WipeEvents&) {
+    refused = !commands.CloseForExit();
+    sessionHeld = !commands.AllowSessionEnd();
+  };
+  windows.inDriveWipe = [this] { state.FreeSpaceDrive = "D:\\"; };
+  boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
+  commands.Run("WipeFreeSpace");
+  EXPECT_TRUE(refused);
+  EXPECT_TRUE(sessionHeld);
   EXPECT_TRUE(commands.CloseForExit()) << "the wipe is over";
 }
 

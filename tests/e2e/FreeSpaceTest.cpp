@@ -1,0 +1,263 @@
+// The wipe of free space in the real program: its dialog, its boxes, its progress, and what it leaves. It is
+// done on a drive of a few megabytes alone.
+#include <algorithm>
+
+#include "e2e/Wiping.h"
+#include "support/driver/Text.h"
+
+namespace zq::test {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::StartsWith;
+
+constexpr char kDialog[] = "Wipe Drive Free Space";
+constexpr wchar_t kSmallDrive[] = L"D:\\";
+constexpr ULONGLONG kSmallDriveBytes = 64u << 20;
+constexpr Limit kLongestWipe{300000};
+
+// What the drive has free for us, in bytes.
+ULONGLONG FreeBytes() {
+  ULARGE_INTEGER free{};
+  if (!::GetDiskFreeSpaceExW(kSmallDrive, &free, nullptr, nullptr))
+    throw DriverError("there is no drive D: of a few megabytes");
+  return free.QuadPart;
+}
+
+// Nothing here may fill up this machine's disk: D: must be small, and nothing can begin on C:.
+void RequireDrivesThatMayBeFilled() {
+  ULARGE_INTEGER total{};
+  if (!::GetDiskFreeSpaceExW(kSmallDrive, nullptr, &total, nullptr) || total.QuadPart > kSmallDriveBytes)
+    throw DriverError("drive D: is none of a few megabytes");
+  if (::CreateDirectoryW(L"C:\\zq-guard", nullptr)) {
+    ::RemoveDirectoryW(L"C:\\zq-guard");
+    throw DriverError(
+        "the root of drive C: takes new folders, and a wipe of its free space would fill the disk");
+  }
+}
+
+// The number, in groups of three, between these two texts, which make up the rest of the line.
+int FigureIn(const std::string& line, std::string_view before, std::string_view behind) {
+  if (!line.starts_with(before) || !line.ends_with(behind) || line.size() <= before.size() + behind.size())
+    throw DriverError("not of the form that was expected: " + line);
+  std::string digits = line.substr(before.size(), line.size() - before.size() - behind.size());
+  std::erase(digits, ',');
+  return std::stoi(digits);
+}
+
+std::vector<std::string> NamesOnSmallDrive() {
+  std::vector<std::string> names;
+  WIN32_FIND_DATAW found{};
+  HANDLE search = ::FindFirstFileW(L"D:\\*", &found);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    const std::string name = ToUtf8(found.cFileName);
+    if (name != "." && name != "..") names.push_back(name);
+  } while (::FindNextFileW(search, &found));
+  ::FindClose(search);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+class FreeSpace : public ZeroquillTest {
+ protected:
+  void SetUp() override {
+    RequireDrivesThatMayBeFilled();
+    Prepare();
+    WriteFileBytes(kKept, kKeptContent);
+  }
+
+  // Opens the dialog and chooses the drive by its letter, and the level by its button.
+  static Window OpenDialog(const Program& program, const MainWindow& main) {
+    main.PressTool("Wipe Free Space");
+    return program.WaitWindow(kDialog);
+  }
+  static void Choose(Window dialog, WORD driveKey, std::string_view level) {
+    TypeKey(dialog, driveKey);
+    dialog.Child(level).Press();
+    Await("the level to be chosen", [&] { return dialog.Child(level).IsChecked(); });
+  }
+  static std::string Question(const std::string& drive) {
+    return "This operation will securely wipe the free space on drive " + drive +
+           ".  The operation can take some time for larger drives.\r\n\r\nAre you sure you wish to continue?";
+  }
+  // Presses OK and reads the question, which must be of this drive. It is left open.
+  static MessageBoxView Ask(const Program& program, Window dialog, const std::string& drive) {
+    dialog.Child("OK").Press();
+    const MessageBoxView box = program.WaitBox("Wipe Operation");
+    ExpectBox(box, "Wipe Operation", Question(drive), BoxIcon::Question, {"OK", "Cancel"}, "OK");
+    if (box.text != Question(drive)) throw DriverError("another drive than " + drive + " would be wiped");
+    return box;
+  }
+  static Window WaitStatus(const Program& program) {
+    Window status;
+    Await("the status window", [&] {
+      for (Window candidate : program.Windows()) {
+        if (::FindWindowExW(candidate.Handle(), nullptr, L"Button", L"Cancel Operation")) status = candidate;
+      }
+      return static_cast<bool>(status);
+    });
+    return status;
+  }
+  static void ExpectAsBefore(ULONGLONG freeBytes) {
+    EXPECT_EQ(ReadFileBytes(kKept), kKeptContent);
+    EXPECT_THAT(NamesOnSmallDrive(), ElementsAre("kept.txt"));
+    EXPECT_EQ(FreeBytes(), freeBytes);
+  }
+
+  static constexpr char kKept[] = "D:\\kept.txt";
+  static constexpr char kKeptContent[] = "this file is live, and stays";
+};
+
+constexpr char kLevel3[] = "Level 3 Wiping (9 data writes per byte) - Strong Security";
+constexpr char kLevel7[] = "Level 7 Wiping (21 data writes per byte) - Strongest Security";
+
+TEST_F(FreeSpace, DialogOffersTheDrivesAndStartsAtC) {
+  const Program program(exe_);
+  const MainWindow main(program);
+  main.ChooseMenu('A', 'F');
+  const Window dialog = program.WaitWindow(kDialog);
+  EXPECT_EQ(dialog.Owner(), main.window);
+  EXPECT_FALSE(main.window.IsEnabled());
+  const Window drives = dialog.ChildOfClass("ComboBox");
+  EXPECT_EQ(drives.Send(CB_GETCOUNT), 2);
+  EXPECT_EQ(drives.Send(CB_GETCURSEL), 0);
+  EXPECT_TRUE(drives.HasFocus());
+  EXPECT_TRUE(dialog.Child(kLevel3).IsChecked());
+  ExpectLabelsFit(dialog);
+  TakePicture(dialog, "freespace-dialog");
+  TypeKey(dialog, 'D');
+  Await("drive D", [&] { return drives.Send(CB_GETCURSEL) == 1; });
+  drives.Post(CB_SHOWDROPDOWN, TRUE);
+  Await("the list", [&] { return drives.Send(CB_GETDROPPEDSTATE) != 0; });
+  TakePicture(dialog, "freespace-dialog-list");
+  drives.Send(CB_SHOWDROPDOWN, FALSE);
+  dialog.Child("Cancel").Press();
+  dialog.WaitGone();
+  main.window.WaitEnabled();
+  EXPECT_TRUE(program.Boxes().empty());
+}
+
+TEST_F(FreeSpace, IsNotTouchedWithoutAnOkToBoth) {
+  const ULONGLONG free = FreeBytes();
+  const Program program(exe_);
+  const MainWindow main(program);
+  OpenDialog(program, main).Close();
+  main.window.WaitEnabled();
+  const Window dialog = OpenDialog(program, main);
+  Choose(dialog, 'D', kLevel3);
+  const MessageBoxView box = Ask(program, dialog, "D:\\");
+  TakePicture(box.window, "freespace-question");
+  box.Answer("Cancel");
+  main.window.WaitEnabled();
+  EXPECT_TRUE(main.window.IsVisible());
+  ExpectAsBefore(free);
+}
+
+TEST_F(FreeSpace, IsWipedAndGivenBack) {
+  WriteFileBytes("D:\\deleted.txt", Marked("to be overwritten ", 100000));
+  ASSERT_TRUE(::DeleteFileW(L"D:\\deleted.txt"));
+  const ULONGLONG free = FreeBytes();
+  const StampWindow stamps;
+  const Program program(exe_);
+  const MainWindow main(program);
+  const Window dialog = OpenDialog(program, main);
+  Choose(dialog, 'D', kLevel3);
+  Ask(program, dialog, "D:\\").Answer("OK");
+
+  const MessageBoxView box = program.WaitBox("Free Space Wipe Complete", kLongestWipe);
+  TakePicture(box.window, "freespace-complete");
+  const std::vector<std::string> lines = Lines(box.text);
+  ASSERT_EQ(lines.size(), 8u) << box.text;
+  EXPECT_EQ(lines[0], "Drive D:\\ has been successfully wiped.");
+  EXPECT_EQ(lines[1], "");
+  EXPECT_EQ(lines[2], "Details:");
+  EXPECT_EQ(lines[3], "");
+  const std::string started = "Wipe Started:  ";
+  const std::string ended = "Wipe Ended:  ";
+  EXPECT_THAT(lines[4], StartsWith(started));
+  EXPECT_TRUE(stamps.Has(lines[4].substr(started.size()))) << lines[4];
+  EXPECT_THAT(lines[5], StartsWith(ended));
+  EXPECT_TRUE(stamps.Has(lines[5].substr(ended.size()))) << lines[5];
+  EXPECT_EQ(lines[6], "Security Level:  3");
+  // What the file system needs for the fillers themselves comes off.
+  const int wipedKB = FigureIn(lines[7], "Free Space Wiped:  ", " KB");
+  const auto freeKB = static_cast<int>(free / 1024);
+  EXPECT_LE(wipedKB, freeKB);
+  EXPECT_GE(wipedKB, freeKB - freeKB / 20);
+  ExpectBox(box, "Free Space Wipe Complete", box.text, BoxIcon::Information, {"OK"}, "OK");
+  EXPECT_TRUE(main.window.IsVisible()) << "it is back before the box";
+  box.Answer("OK");
+  main.window.WaitEnabled();
+  EXPECT_FALSE(PathExists(reportPath_)) << "there is no report of it";
+  ExpectAsBefore(free);
+}
+
+TEST_F(FreeSpace, CancelStopsTheWipeAndGivesTheSpaceBack) {
+  for (const bool byCloseBox : {false, true}) {
+    SCOPED_TRACE(byCloseBox ? "close box" : "Cancel button");
+    const ULONGLONG free = FreeBytes();
+    const Program program(exe_);
+    const MainWindow main(program);
+    const Window dialog = OpenDialog(program, main);
+    Choose(dialog, 'D', kLevel7);
+    Ask(program, dialog, "D:\\").Answer("OK");
+    const Window status = WaitStatus(program);
+    const auto cancel = [&] {
+      if (byCloseBox) {
+        status.Close();
+      } else {
+        status.Child("Cancel Operation").Press();
+      }
+      return program.WaitBox("Cancel");
+    };
+    const MessageBoxView first = cancel();
+    ExpectBox(first, "Cancel", "Cancel the current operation?", BoxIcon::Question, {"Yes", "No"}, "Yes");
+    EXPECT_EQ(first.window.Owner(), status);
+    EXPECT_FALSE(main.window.IsVisible());
+    if (!byCloseBox) {
+      TakePicture(first.window, "freespace-cancel");
+      // Aside, for a look at the window that it covers.
+      ::SetWindowPos(first.window.Handle(), nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+      const int percent = FigureIn(status.Text(), "", "% - Wipe Drive Free Space (D:\\)");
+      EXPECT_EQ(ReadProgress(status.ChildOfClass(PROGRESS_CLASSA)).position, percent);
+      ExpectLabelsFit(status);
+      TakePicture(status, "freespace-status");
+    }
+    first.Answer("No");
+    EXPECT_TRUE(static_cast<bool>(status));
+    const MessageBoxView second = cancel();
+    second.Answer("Yes");
+    const MessageBoxView box = program.WaitBox("Cancelled");
+    ExpectBox(box, "Cancelled", "The drive wipe operation was cancelled.", BoxIcon::Information, {"OK"},
+              "OK");
+    if (!byCloseBox) TakePicture(box.window, "freespace-cancelled");
+    EXPECT_FALSE(static_cast<bool>(status));
+    EXPECT_TRUE(main.window.IsVisible());
+    box.Answer("OK");
+    main.window.WaitEnabled();
+    ExpectAsBefore(free);
+  }
+}
+
+TEST_F(FreeSpace, DriveThatTakesNoFolderIsToldAsAnError) {
+  const ULONGLONG free = FreeBytes();
+  const Program program(exe_);
+  const MainWindow main(program);
+  const Window dialog = OpenDialog(program, main);
+  Choose(dialog, 'C', kLevel3);
+  Ask(program, dialog, "C:\\").Answer("OK");
+  const MessageBoxView box = program.WaitBox("Error");
+  TakePicture(box.window, "freespace-error");
+  const std::string start = "An error was encountered wiping drive C:\\.\r\n\r\nError Details: ";
+  EXPECT_THAT(box.text, StartsWith(start));
+  EXPECT_GT(box.text.size(), start.size());
+  EXPECT_EQ(box.text.find('\n', start.size()), std::string::npos) << "the details are one line";
+  ExpectBox(box, "Error", box.text, BoxIcon::Information, {"OK"}, "OK");
+  box.Answer("OK");
+  main.window.WaitEnabled();
+  ExpectAsBefore(free);
+}
+
+}  // namespace
+}  // namespace zq::test
