@@ -92,7 +92,7 @@ void FreeSpaceWipe::Run(const std::string& drive) {
   bytesBefore_ = 0;
   Tell();
   place_.reset();
-  operation_.traces.Add(std::move(root_), path_, false);  // its place has flushed it
+  operation_.traces.Add(std::move(root_), path_, false);
 }
 
 void FreeSpaceWipe::Work() {

@@ -139,10 +139,10 @@ class FakeDevice final : public Device {
   std::size_t recordsTaken = 0;  // of recordSlots, now
   std::size_t mostRecordsTaken = 0;
   int openHandles = 0;
-  int openFolders = 0;      // among them
-  int mostOpenFolders = 0;  // at any moment
   std::uint64_t FreeBytes() const;
   bool ReserveIsGivenOut() const { return reserveBytes == 0 || !reserveGiven_.expired(); }
+  int openFolders = 0;      // among them
+  int mostOpenFolders = 0;  // at any moment
   std::uint64_t UsedBytes() const;
   // How many operations of one kind succeeded.
   std::size_t Count(const std::string& kind) const;
