@@ -26,7 +26,8 @@ packages_of() {
       printf '%s\n' googletest clang libclang-rt-dev clang-format clang-tidy cppcheck shellcheck \
         imagemagick icoutils librsvg2-bin python3 ghostscript unrtf
       # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
-      printf '%s\n' e2fsprogs ntfs-3g xfsprogs btrfs-progs dosfstools procps sleuthkit testdisk secure-delete wipe
+      printf '%s\n' e2fsprogs ntfs-3g xfsprogs btrfs-progs dosfstools fuse-overlayfs procps sleuthkit testdisk \
+        secure-delete wipe
       ;;
     forensic)
       # For FAT where this machine's kernel has none, and for cases that need Perl; beside `test`.

@@ -140,6 +140,10 @@ class File {
   // Makes length, dates and name durable.
   virtual Status FlushEntry() = 0;
 
+  // Whether another program has it open, as far as the system tells; false where it doesn't. For the reason
+  // of a failure alone: it is asked by keeping the other ones waiting for a moment.
+  virtual bool IsOpenElsewhere() { return false; }
+
   // Removes the entry (or the stream) and closes the file, which is of no use after. Ok only if the entry
   // is gone. The same identity rule as for Rename.
   virtual Status Remove() = 0;

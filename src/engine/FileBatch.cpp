@@ -202,6 +202,10 @@ void FileBatch::FlushParts() {
     for (const std::size_t end = first + count; first < end; ++first) {
       Overwriter& part = *parts[first].second;
       bytes[part.HowOpened() == Access::Direct] += part.UnflushedBytes();
+      // Direct writes that meet those of another program's mapping end in a flush that fails.
+      if (!outcomes[first].Ok() && part.TheFile().IsOpenElsewhere()) {
+        outcomes[first].text += "; another program has it open, which may be why";
+      }
       Try(*parts[first].first, [&] { Require(outcomes[first], "Flushing", part.Path()); });
       part.FlushedByOthers();
     }

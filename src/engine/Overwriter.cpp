@@ -102,10 +102,12 @@ void Overwriter::Compare(const Pipeline::Transfer& transfer) {
       // What others have done since the last pass can be seen, mostly.
       FileInfo info;
       const bool othersDid = file_->Info(info).Ok() && !info.notInPlace.empty();
-      failure_ = MakeFailure(
-          kReading, path_,
-          othersDid ? info.notInPlace
-                    : "the device doesn't hold what was written, or another program has written to it");
+      failure_ = MakeFailure(kReading, path_,
+                             othersDid ? info.notInPlace
+                             : file_->IsOpenElsewhere()
+                                 ? "another program has it open, and has written to it during the wipe"
+                                 : "the device doesn't hold what was written, or another program has "
+                                   "written to it");
       return;
     }
     done += size;

@@ -257,6 +257,13 @@ Status PosixFile::FlushEntry() {
   return FlushFolder(folderFd_);
 }
 
+bool PosixFile::IsOpenElsewhere() {
+  // Given only to whom alone has it open, mappings included.
+  if (::fcntl(fd_.Get(), F_SETLEASE, F_WRLCK) != 0) return errno == EAGAIN;
+  ::fcntl(fd_.Get(), F_SETLEASE, F_UNLCK);
+  return false;
+}
+
 Status PosixFile::Remove() {
   EntryFacts facts;
   if (Status status = CheckEntry(facts); !status.Ok()) return status;

@@ -78,6 +78,8 @@ class PosixFile final : public PosixPart {
 
   Status FlushEntry() override;
 
+  bool IsOpenElsewhere() override;
+
   int Fd() const override { return fd_.Get(); }
   // This file does, by its own attribute or because it is in its inode, though others of its file system
   // don't.

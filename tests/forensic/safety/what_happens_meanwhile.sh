@@ -245,3 +245,63 @@ case_append_only_folder() {
   [[ $(find "$top" -mindepth 1 | wc -l) == 1 ]] || fault "there are other files than there were: $(ls "$top")"
   lost "$top/file"
 }
+
+# By a mapping, without a call that would show it: the program goes on writing from before the wipe to its end.
+case_mapped_file_that_is_written_to() {
+  if ! command -v python3 >/dev/null; then
+    say "not tested here: a mapped file, since python3 is not installed"
+    return
+  fi
+  local writer
+  mkdir "$top"
+  put "$top/file" 20000000
+  put "$top/other"
+  python3 -c 'import mmap, sys
+with open(sys.argv[1], "r+b") as file:
+    view = mmap.mmap(file.fileno(), 0)
+open(sys.argv[2], "w").close()
+while True:
+    view[100000:100008] = b"new text"' "$top/file" "$work/mapped" &
+  writer=$!
+  until [[ -e $work/mapped ]]; do kill -0 "$writer" || break; done
+  wipe "$top"
+  kill "$writer" 2>/dev/null || true
+  wait "$writer" 2>/dev/null || true
+  rm -f "$work/mapped"
+  # Where it was not given the processor meanwhile, it has not written.
+  ((status == 0)) || refused 'another program has'
+  ! grep -qa 'the device doesn.t hold' "$work/output" || fault "the device is blamed: $output"
+  gone "$top/other"
+  lost "$top/file"
+}
+
+# The second one comes while the first has all its files open: each file has one wipe, and none is called damaged.
+case_two_wipes_of_one_tree() {
+  local i
+  mkdir -p "$top/sub"
+  for ((i = 0; i < 30; i++)); do put "$top/f$i" 20000; done
+  for ((i = 0; i < 10; i++)); do put "$top/sub/g$i" 20000; done
+  wipe --at f7 "'$work/wipe_tool' '$top' >'$work/second' 2>&1; true" "$top"
+  wiped "$top"
+  grep -q '^failed: .*another program has locked it' "$work/second" || fault "the second: $(<"$work/second")"
+  ! grep -qa 'the device doesn.t hold' "$work/output" "$work/second" || fault "the device is blamed"
+}
+
+# Both from the start, in whatever order they come to the files.
+case_two_wipes_of_one_tree_at_once() {
+  local i second
+  mkdir -p "$top/sub"
+  for ((i = 0; i < 30; i++)); do put "$top/f$i" 20000; done
+  for ((i = 0; i < 10; i++)); do put "$top/sub/g$i" 20000; done
+  "$work/wipe_tool" "$top" >"$work/second" 2>&1 &
+  second=$!
+  wipe "$top"
+  wait "$second" || true
+  ! grep -qa 'the device doesn.t hold' "$work/output" "$work/second" || fault "the device is blamed"
+  if [[ -e $top ]]; then
+    # What one of them had under its hands when the other was through stays with its reason.
+    grep -qa '^failed: .' "$work/output" "$work/second" || fault "it is there, and nobody tells why"
+    wipe "$top"
+    wiped "$top"
+  fi
+}

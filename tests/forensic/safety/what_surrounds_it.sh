@@ -59,6 +59,24 @@ case_overlay() {
   [[ ! -e $mnt/upper/file ]] || fault "the refusal has made a copy of the file"
 }
 
+# The same by a program, as for containers without an administrator: its type doesn't tell what it is.
+case_overlay_by_fuse() {
+  if ! command -v fuse-overlayfs >/dev/null || [[ ! -c /dev/fuse ]]; then
+    say "not tested here: an overlay by FUSE"
+    return
+  fi
+  mkdir "$mnt/lower" "$mnt/upper" "$mnt/work" "$mnt/merged"
+  put "$mnt/lower/file" 300000
+  fuse-overlayfs -o "lowerdir=$mnt/lower,upperdir=$mnt/upper,workdir=$mnt/work" "$mnt/merged" 2>/dev/null
+  wipe "$mnt/merged/file"
+  refused 'fuse.fuse-overlayfs) isn.t known to overwrite in place'
+  wipe "$mnt/merged"
+  refused 'fuse.fuse-overlayfs) isn.t known to overwrite in place'
+  umount "$mnt/merged"
+  kept "$mnt/lower/file"
+  [[ ! -e $mnt/upper/file ]] || fault "the refusal has made a copy of the file"
+}
+
 case_unknown_file_system() {
   local other=$work/other
   mkdir "$other"
@@ -111,6 +129,25 @@ case_names_in_units_of_ntfs() {
   put "$top/$(printf '字%.0s' {1..255})"
   wipe "$top"
   wiped "$top"
+}
+
+# Names that ext4 would take, too, but in other lengths: counted in bytes, each new name would be three times as long
+# as the old one, which it then leaves standing.
+kind_of[names_are_overwritten_where_they_stand]=ntfs
+case_names_are_overwritten_where_they_stand() {
+  local name left
+  mkdir "$top"
+  name=$(printf '漢%.0s' {1..40})字母表
+  put "$top/$name"
+  put "$top/other"
+  wipe "$top/$name"
+  wiped "$top/$name"
+  kept "$top/other"
+  image_unmount "$mnt"
+  left=$(python3 -c 'import sys; print(open(sys.argv[1], "rb").read().count(sys.argv[2].encode("utf-16-le")))' \
+    "$work/image" "$name")
+  ((left == 0)) || fault "the name stands in $left places"
+  image_mount ntfs "$work/image" "$mnt"
 }
 
 kind_of[data_journal_that_is_hidden]=ext4-journal
@@ -253,6 +290,18 @@ case_read_only_file_of_ones_own() {
   [[ $(stat -c %a "$top/attribute") == 444 ]] || fault "it stays, and has other rights"
   kept "$top/attribute"
   unset 'secret[$top/attribute:attribute]'
+}
+
+# What another name of the file is, read-only, it stays.
+case_read_only_file_of_several_names() {
+  mkdir "$top"
+  put "$top/file"
+  ln "$top/file" "$top/other"
+  chmod 444 "$top/file"
+  chown -R 65534:65534 "$top"
+  wipe_as "${as_user[@]}" "$work/wipe_tool" "$top/file"
+  [[ $status == 0 && ! -e $top/file ]] || fault "it is not wiped: $output"
+  [[ $(stat -c '%a %s' "$top/other") == '444 0' ]] || fault "the other name is $(stat -c '%a %s' "$top/other")"
 }
 
 case_two_wipes_of_one_file() {
