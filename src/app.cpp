@@ -10,6 +10,7 @@
 #include "ancillary/frmOpen.h"
 #include "ancillary/frmWelcome.h"
 #include "controls/MessageLoop.h"
+#include "controls/SystemLongWork.h"
 #include "core/main/frmMain.h"
 #include "jobs/frmEdit.h"
 #include "jobs/frmFolder.h"
@@ -39,8 +40,11 @@ struct Program {
   Win32Process process{&PumpMessages};
   Win32Regional regional;
   Win32Registry registry;
+  SystemLongWork longWork{[] {
+    return Default<frmMain>::IsLoaded() ? static_cast<Form&>(Default<frmMain>::Touch()).Handle() : nullptr;
+  }};
+  Platform platform{files, messageBoxes, process, regional, registry, longWork};
   Win32Drives drives;
-  Platform platform{files, messageBoxes, process, regional, registry};
 };
 
 void TellForms(Program& program) {

@@ -1,5 +1,7 @@
 #include "ancillary/frmOpen.h"
 
+#include <utility>
+
 #include "controls/Pictures.h"
 #include "platform/Process.h"
 
@@ -44,10 +46,11 @@ void frmOpen::Load() {
 
 // The window takes exactly the picture's size, in the middle of the screen.
 void frmOpen::ShowPicture() {
-  picture_ = LoadPng(PictureFor(Dpi()));
+  UniqueBitmap picture = LoadPng(PictureFor(Dpi()));
   BITMAP size{};
-  if (!picture_ || !::GetObjectW(picture_.Get(), sizeof size, &size)) return;
-  ::SendMessageW(Picture1.Handle(), STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(picture_.Get()));
+  if (!picture || !::GetObjectW(picture.Get(), sizeof size, &size)) return;
+  ::SendMessageW(Picture1.Handle(), STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(picture.Get()));
+  picture_ = std::move(picture);  // the one before is shown until here
   Picture1.Move({0, 0, size.bmWidth, size.bmHeight});
   RECT work{};
   ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);

@@ -21,6 +21,7 @@ class frmOpen final : public Form {
   Control Picture1{*this, IDC_frmOpen_Picture1};
 
   void Load() override;
+  void DpiChanged() override { ShowPicture(); }
   void Unloaded() override;
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
   void Timer1_Timer();

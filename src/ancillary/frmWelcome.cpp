@@ -8,11 +8,16 @@ namespace zq {
 
 frmWelcome::frmWelcome(AppState& state, Platform& platform)
     : Form(IDD_frmWelcome), state_(state), platform_(platform) {
+  CloseOnEsc();
   cmdOK.Click = [this] { Unload(); };
 }
 
 void frmWelcome::Load() {
   Label1.SetBold();
+  CentrePicture();
+}
+
+void frmWelcome::CentrePicture() {
   RECT client{};
   ::GetClientRect(Handle(), &client);
   RECT picture = Image1.Place();

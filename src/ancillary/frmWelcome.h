@@ -19,6 +19,8 @@ class frmWelcome final : public Form {
   Button cmdOK{*this, IDC_frmWelcome_cmdOK};
 
   void Load() override;
+  void DpiChanged() override { CentrePicture(); }
+  void CentrePicture();
   void Unloaded() override;
 
   AppState& state_;

@@ -1,5 +1,7 @@
 #include "controls/Control.h"
 
+#include <utility>
+
 #include "controls/Ellipsis.h"
 #include "controls/Pictures.h"
 #include "platform/win32/Wide.h"
@@ -42,10 +44,12 @@ void Control::Move(const RECT& rect) {
 
 void Label::SetBold() {
   LOGFONTW font{};
-  ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(Handle(), WM_GETFONT, 0, 0)), sizeof font, &font);
+  ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(form().Handle(), WM_GETFONT, 0, 0)), sizeof font,
+               &font);
   font.lfWeight = FW_BOLD;
-  font_.Reset(::CreateFontIndirectW(&font));
-  ::SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(font_.Get()), TRUE);
+  UniqueFont bold(::CreateFontIndirectW(&font));
+  ::SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(bold.Get()), TRUE);
+  font_ = std::move(bold);  // the one before is in use until here
 }
 
 void LongLabel::OnDraw(const DRAWITEMSTRUCT& draw) {
@@ -67,11 +71,12 @@ void LongLabel::OnDraw(const DRAWITEMSTRUCT& draw) {
   ::RestoreDC(draw.hDC, saved);
 }
 
-void Image::Attached() {
+void Image::LoadSized() {
   RECT rect{};
   ::GetClientRect(Handle(), &rect);
-  icon_ = LoadPicture(pictureName_, static_cast<int>(rect.bottom));
-  ::SendMessageW(Handle(), STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon_.Get()));
+  UniqueIcon icon = LoadPicture(pictureName_, static_cast<int>(rect.bottom));
+  ::SendMessageW(Handle(), STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon.Get()));
+  icon_ = std::move(icon);  // the one before is shown until here
 }
 
 }  // namespace zq

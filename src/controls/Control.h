@@ -39,6 +39,8 @@ class Control {
   Form& form() const { return form_; }
   // Called once the window exists.
   virtual void Attached() {}
+  // The form's resolution is another; the control has its new place.
+  virtual void DpiChanged() {}
   virtual void OnCommand(WORD) {}
   virtual bool OnNotify(const NMHDR&, LRESULT&) { return false; }
   virtual void OnDraw(const DRAWITEMSTRUCT&) {}
@@ -57,6 +59,11 @@ class Label : public Control {
   using Control::Control;
   void Repaint() { ::UpdateWindow(Handle()); }
   void SetBold();
+
+ protected:
+  void DpiChanged() override {
+    if (font_) SetBold();
+  }
 
  private:
   UniqueFont font_;
@@ -115,9 +122,12 @@ class Image : public Control {
   Image(Form& form, int id, const char* pictureName) : Control(form, id), pictureName_(pictureName) {}
 
  protected:
-  void Attached() override;
+  void Attached() override { LoadSized(); }
+  void DpiChanged() override { LoadSized(); }
 
  private:
+  void LoadSized();
+
   const char* pictureName_;
   UniqueIcon icon_;
 };

@@ -18,12 +18,14 @@ constexpr UINT kFirstCommandId = 0x4000;
 }  // namespace
 
 // The tools of the menus are the first commands, then those of the tool bar.
-void DockStudio::Create(HWND owner, BarsDesign design) {
+void DockStudio::Create(HWND owner, BarsDesign design, int dpi) {
   owner_ = owner;
+  dpi_ = dpi;
   design_ = std::move(design);
   menuBar_.Create(owner, design_.menus, kFirstCommandId);
-  toolBands_.Create(owner, design_.toolBar, static_cast<UINT>(kFirstCommandId + menuBar_.Tools().size()));
-  statusBar_.Create(owner, design_.panels);
+  toolBands_.Create(owner, design_.toolBar, design_.bandNames,
+                    static_cast<UINT>(kFirstCommandId + menuBar_.Tools().size()));
+  statusBar_.Create(owner, design_.panels, dpi);
   CreateShortcuts();
   LoadPictures();
   LayOut();
@@ -41,8 +43,8 @@ void DockStudio::CreateShortcuts() {
 }
 
 void DockStudio::LoadPictures() {
-  menuBar_.LoadPictures(Dpi());
-  toolBands_.LoadPictures(Dpi());
+  menuBar_.LoadPictures(dpi_);
+  toolBands_.LoadPictures(dpi_);
 }
 
 void DockStudio::LoadLayout(Files& files, const std::string& path) {
@@ -72,6 +74,7 @@ bool DockStudio::OnCommand(WORD commandId) {
 }
 
 bool DockStudio::OnNotify(const NMHDR& header) {
+  if (toolBands_.OnTip(header)) return true;
   if (header.hwndFrom != toolBands_.Handle()) return false;
   switch (header.code) {
     case static_cast<UINT>(RBN_HEIGHTCHANGE):
@@ -90,6 +93,18 @@ void DockStudio::OnInitMenuPopup(HMENU menu) {
   if (!name.empty() && MenuOpening) MenuOpening(name);
 }
 
+bool DockStudio::OnMeasureItem(MEASUREITEMSTRUCT& item) const {
+  return menuBar_.OnMeasureItem(item) || toolBands_.OnMeasureItem(item);
+}
+
+bool DockStudio::OnDrawItem(const DRAWITEMSTRUCT& item) const {
+  return menuBar_.OnDrawItem(item) || toolBands_.OnDrawItem(item);
+}
+
+void DockStudio::OnLookChanged() {
+  LoadPictures();
+}
+
 void DockStudio::OnSize() {
   LayOut();
 }
@@ -99,13 +114,14 @@ void DockStudio::OnSize() {
 void DockStudio::LayOut() {
   if (std::exchange(layingOut_, true)) return;
   toolBands_.LayOut();
-  statusBar_.LayOut(Dpi());
+  statusBar_.LayOut(dpi_);
   layingOut_ = false;
   if (ClientAreaChanged) ClientAreaChanged();
 }
 
-void DockStudio::OnDpiChanged() {
+void DockStudio::OnDpiChanged(int dpi) {
   const BarLayout layout = toolBands_.Layout();
+  dpi_ = dpi;
   LoadPictures();
   toolBands_.Arrange(layout);
   LayOut();
@@ -166,6 +182,15 @@ void DockStudio::SetVisualStyle(int visualStyle) {
   toolBands_.SetTheme(theme);
   ::SetWindowTheme(statusBar_.Handle(), theme, theme);
   LayOut();
+}
+
+int DockStudio::Height() const {
+  int height = 0;
+  for (const HWND bar : {toolBands_.Handle(), statusBar_.Handle()}) {
+    RECT rect{};
+    if (::GetWindowRect(bar, &rect)) height += rect.bottom - rect.top;
+  }
+  return height;
 }
 
 RECT DockStudio::ClientArea() const {

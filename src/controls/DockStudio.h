@@ -29,15 +29,18 @@ class DockStudio final : public ToolStates {
   std::function<void(std::string_view menuName)> MenuOpening;
   std::function<void()> ClientAreaChanged;
 
-  // Makes the bars in `owner`, whose client area they share with whatever fills the rest.
-  void Create(HWND owner, BarsDesign design);
+  // Makes the bars in `owner`, whose client area they share with whatever fills the rest, for `dpi`.
+  void Create(HWND owner, BarsDesign design, int dpi);
 
   // The owner hands over what arrives for the bars; true: taken.
   bool OnCommand(WORD commandId);
   bool OnNotify(const NMHDR& header);
   void OnInitMenuPopup(HMENU menu);
+  bool OnMeasureItem(MEASUREITEMSTRUCT& item) const;
+  bool OnDrawItem(const DRAWITEMSTRUCT& item) const;
+  void OnLookChanged();  // other colours or another theme
   void OnSize();
-  void OnDpiChanged();
+  void OnDpiChanged(int dpi);
   bool TranslateShortcut(MSG& message);
 
   // By name; a name that no tool or panel has does nothing.
@@ -60,16 +63,19 @@ class DockStudio final : public ToolStates {
   // What the bars leave, in pixels of the owner's client area.
   RECT ClientArea() const;
 
+  // Of tool bar and status bar together, in pixels.
+  int Height() const;
+
  private:
   void CreateShortcuts();
   void LoadPictures();
   void LayOut();
   const Tool* ToolOf(UINT commandId) const;           // null for a command of somebody else's
   UINT CommandIdOf(std::string_view toolName) const;  // 0 for an unknown name
-  int Dpi() const { return static_cast<int>(::GetDpiForWindow(owner_)); }
 
   BarsDesign design_;
   HWND owner_ = nullptr;
+  int dpi_ = 96;  // that the bars are sized for
   MenuBar menuBar_;
   ToolBands toolBands_;
   StatusBar statusBar_;

@@ -121,6 +121,7 @@ std::optional<int> CompareItems(IShellFolder& folder, LPARAM rule, PCUIDLIST_REL
 
 void FolderTreeview::Attached() {
   TreeView_SetUnicodeFormat(Handle(), TRUE);
+  ::SetWindowSubclass(Handle(), &TreeProcedure, 0, 0);
   ::SendMessageW(Handle(), TVM_SETEXTENDEDSTYLE, TVS_EX_DOUBLEBUFFER, TVS_EX_DOUBLEBUFFER);
   SHFILEINFOW info{};
   const auto images = reinterpret_cast<HIMAGELIST>(
@@ -172,6 +173,27 @@ LRESULT FolderTreeview::CustomDraw(NMTVCUSTOMDRAW& draw) const {
     draw.clrTextBk = colours.background;
   }
   return CDRF_DODEFAULT;
+}
+
+// The key * opens all that is below the selected folder, which may be a whole drive, and until every folder
+// is read the user can't stop it. Here it opens the one folder.
+LRESULT CALLBACK FolderTreeview::TreeProcedure(HWND tree, UINT message, WPARAM wParam, LPARAM lParam,
+                                               UINT_PTR id, DWORD_PTR) {
+  switch (message) {
+    case WM_KEYDOWN:
+      if (wParam != VK_MULTIPLY) break;
+      if (const HTREEITEM selected = TreeView_GetSelection(tree)) TreeView_Expand(tree, selected, TVE_EXPAND);
+      return 0;
+    case WM_CHAR:
+      if (wParam == L'*') return 0;  // no folder's name begins with it
+      break;
+    case WM_NCDESTROY:
+      ::RemoveWindowSubclass(tree, &TreeProcedure, id);
+      break;
+    default:
+      break;
+  }
+  return ::DefSubclassProc(tree, message, wParam, lParam);
 }
 
 bool FolderTreeview::OnNotify(const NMHDR& header, LRESULT& result) {

@@ -58,6 +58,8 @@ class FolderTreeview : public Control {
   void InsertFolders(HTREEITEM item, IShellFolder& folder, IEnumIDList& folders);
   HTREEITEM FindOrInsert(HTREEITEM parent, PCUITEMID_CHILD wanted);
   Node& NodeOf(HTREEITEM item) const;
+  static LRESULT CALLBACK TreeProcedure(HWND tree, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                        DWORD_PTR treeView);
   void GetDisplayInfo(TVITEMW& item) const;
   LRESULT CustomDraw(NMTVCUSTOMDRAW& draw) const;
   void TellSelection(const Node& node);

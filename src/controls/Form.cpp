@@ -75,6 +75,7 @@ void Form::Create() {
   ::CreateDialogParamW(::GetModuleHandleW(nullptr), MAKEINTRESOURCEW(dialogId_), nullptr,
                        &Form::DialogProcedure, reinterpret_cast<LPARAM>(this));
   if (!hwnd_) throw RunTimeError(ErrorNumber::OutOfMemory);
+  scaling_.Attach(hwnd_);
   for (Control* control : controls_) control->Attach();
   // Not inside WM_INITDIALOG: a failure has to reach the caller without crossing the system's frames.
   Load();
@@ -87,7 +88,7 @@ void Form::Show() {
 void Form::ShowAs(int showCommand) {
   ::ShowWindow(hwnd_, showCommand);
   if (std::exchange(focusGiven_, true)) return;
-  const HWND first = ::GetNextDlgTabItem(hwnd_, nullptr, FALSE);
+  const HWND first = start_ ? start_->Handle() : ::GetNextDlgTabItem(hwnd_, nullptr, FALSE);
   if (first) ::SendMessageW(hwnd_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(first), TRUE);
 }
 
@@ -103,14 +104,12 @@ void Form::SetCaption(const std::string& text) {
   ::SetWindowTextW(hwnd_, ToWide(text).c_str());
 }
 
-int Form::Dpi() const {
-  return static_cast<int>(::GetDpiForWindow(hwnd_));
-}
-
 void Form::ShowModal(HWND owner) {
   const DepthGuard guard(depth_);
   ::SetWindowLongPtrW(hwnd_, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner));
+  const int dpi = Dpi();
   CentreOver(hwnd_, owner);
+  if (Dpi() != dpi) CentreOver(hwnd_, owner);  // it has taken another size on the owner's monitor
   modalOwner_ = owner;
   modal_ = true;
   ::EnableWindow(owner, FALSE);
@@ -199,6 +198,19 @@ INT_PTR Form::Process(UINT message, WPARAM wParam, LPARAM lParam) {
       // Not passed on: the dialog manager would turn it into a press of Cancel.
       Close(CloseReason::User);
       return TRUE;
+    case WM_GETFONT:
+      // The dialog manager knows the font of the start alone.
+      if (!scaling_.Font()) return FALSE;
+      ::SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, reinterpret_cast<LONG_PTR>(scaling_.Font()));
+      return TRUE;
+    case WM_GETDPISCALEDSIZE:
+      if (::IsIconic(hwnd_)) return FALSE;
+      *reinterpret_cast<SIZE*>(lParam) = scaling_.WindowSizeAt(static_cast<int>(wParam));
+      ::SetWindowLongPtrW(hwnd_, DWLP_MSGRESULT, TRUE);
+      return TRUE;
+    case WM_DPICHANGED:
+      FollowDpi(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
+      return TRUE;
     case WM_ACTIVATE:
       if (LOWORD(wParam) != WA_INACTIVE) Activated();
       return FALSE;
@@ -207,13 +219,25 @@ INT_PTR Form::Process(UINT message, WPARAM wParam, LPARAM lParam) {
   }
 }
 
+void Form::FollowDpi(int dpi, const RECT& place) {
+  scaling_.ChangeTo(dpi);
+  ::SetWindowPos(hwnd_, nullptr, place.left, place.top, place.right - place.left, place.bottom - place.top,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+  for (Control* control : controls_) control->DpiChanged();
+  DpiChanged();
+  ::RedrawWindow(hwnd_, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
+}
+
 std::optional<LRESULT> Form::OnMessage(UINT, WPARAM, LPARAM) {
   return std::nullopt;
 }
 
 bool Form::DispatchCommand(WPARAM wParam) {
-  // Esc comes as a command of IDCANCEL even where no such button exists; no control has that number, so
-  // it is dropped here.
+  // Esc comes as a command of IDCANCEL even where no such button exists, and no control has that number.
+  if (LOWORD(wParam) == IDCANCEL) {
+    if (closesOnEsc_) Close(CloseReason::User);
+    return closesOnEsc_;
+  }
   for (Control* control : controls_) {
     if (control->Id() == LOWORD(wParam)) {
       control->OnCommand(HIWORD(wParam));

@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "controls/DialogScaling.h"
+
 namespace zq {
 
 class Control;
@@ -40,7 +42,8 @@ class Form {
   HWND Handle() const { return hwnd_; }
   bool IsVisible() const { return ::IsWindowVisible(hwnd_) != FALSE; }
   void SetCaption(const std::string& text);
-  int Dpi() const;
+  // That the window is laid out for: its monitor's.
+  int Dpi() const { return scaling_.Dpi(); }
 
   // The form of a top-level window, or null for a window that isn't a form's.
   static Form* FromHandle(HWND hwnd);
@@ -62,8 +65,16 @@ class Form {
   virtual bool QueryUnload(CloseReason) { return true; }  // false keeps the form open
   virtual void Unloaded() {}
   virtual void Activated() {}
-  // Shows the form by a command of ShowWindow; the first time its first control gets the focus.
+  // The window has come to a monitor of another resolution. Size, font and the controls of the template have
+  // followed; what the form sizes itself, such as lists of pictures and columns, is to follow now.
+  virtual void DpiChanged() {}
+  // Shows the form by a command of ShowWindow; the first time its first control gets the focus, or the one
+  // that StartAt names.
   void ShowAs(int showCommand);
+  // Where the focus is once the form is shown for the first time. A constructor's statement.
+  void StartAt(const Control& control) { start_ = &control; }
+  // Esc asks for what the close box asks for. A constructor's statement; without it Esc does nothing.
+  void CloseOnEsc() { closesOnEsc_ = true; }
   // A message that the form handles itself gives its result.
   virtual std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
@@ -76,14 +87,18 @@ class Form {
   bool DispatchDraw(LPARAM lParam);
   bool DispatchNotify(LPARAM lParam);
   void Close(CloseReason reason);
+  void FollowDpi(int dpi, const RECT& place);
 
   const int dialogId_;
   HWND hwnd_ = nullptr;
   HWND modalOwner_ = nullptr;
   bool modal_ = false;
   bool focusGiven_ = false;
-  int depth_ = 0;  // how often this form's code is on the stack
+  bool closesOnEsc_ = false;
+  const Control* start_ = nullptr;  // null for the first one
+  int depth_ = 0;                   // how often this form's code is on the stack
   std::vector<Control*> controls_;
+  DialogScaling scaling_;
   std::function<void()> closed_;
 };
 

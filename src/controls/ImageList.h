@@ -4,6 +4,8 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <utility>
+
 #include "controls/Pictures.h"
 
 namespace zq {
@@ -21,6 +23,11 @@ class ImageList {
   void Create(int pixels) {
     pixels_ = pixels;
     images_ = ::ImageList_Create(pixels, pixels, ILC_COLOR32 | ILC_MASK, 4, 16);
+  }
+
+  void Swap(ImageList& other) {
+    std::swap(images_, other.images_);
+    std::swap(pixels_, other.pixels_);
   }
 
   HIMAGELIST Handle() const { return images_; }

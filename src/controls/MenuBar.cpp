@@ -1,6 +1,7 @@
 #include "controls/MenuBar.h"
 
-#include "controls/Pictures.h"
+#include <utility>
+
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -50,23 +51,24 @@ void MenuBar::Create(HWND owner, std::span<const Menu> menus, UINT firstId) {
   ::SetMenu(owner, bar_);
 }
 
-void MenuBar::LoadPictures(int dpi) {
-  std::vector<UniqueBitmap> pictures(tools_.size());
-  for (std::size_t i = 0; i < tools_.size(); ++i) {
-    if (tools_[i]->smallPicture.empty()) continue;
-    pictures[i] =
-        LoadMenuPicture(std::string(tools_[i]->smallPicture).c_str(), ScaleForDpi(kSmallPicture, dpi));
-    MENUITEMINFOW item{};
-    item.cbSize = sizeof item;
-    item.fMask = MIIM_BITMAP;
-    item.hbmpItem = pictures[i].Get();
-    ::SetMenuItemInfoW(popupOfTool_[i], static_cast<UINT>(firstId_ + i), FALSE, &item);
-  }
-  pictures_ = std::move(pictures);  // the ones before go only now that no item shows them
+void MenuBar::LoadPictures(int dpi, MenuLook look) {
+  MenuPictures pictures;
+  pictures.Load(tools_, firstId_, dpi, look);
+  std::swap(pictures_, pictures);
+  for (std::size_t i = 0; i < tools_.size(); ++i) ShowPicture(static_cast<UINT>(firstId_ + i));
+}  // the pictures before go only now that no item shows them
+
+void MenuBar::ShowPicture(UINT id) {
+  MENUITEMINFOW item{};
+  item.cbSize = sizeof item;
+  item.fMask = MIIM_BITMAP;
+  item.hbmpItem = pictures_.ForItem(id, !IsEnabled(id));
+  if (item.hbmpItem) ::SetMenuItemInfoW(popupOfTool_[id - firstId_], id, FALSE, &item);
 }
 
 void MenuBar::SetEnabled(UINT id, bool enabled) {
   ::EnableMenuItem(popupOfTool_[id - firstId_], id, MF_BYCOMMAND | (enabled ? MF_ENABLED : MF_GRAYED));
+  ShowPicture(id);
 }
 
 bool MenuBar::IsEnabled(UINT id) const {

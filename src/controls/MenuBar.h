@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "controls/MenuPictures.h"
 #include "controls/Tools.h"
-#include "platform/win32/UniqueHandle.h"
 
 namespace zq {
 
@@ -19,8 +19,12 @@ class MenuBar {
   // `menus` stays where it is for as long as the bar lives.
   void Create(HWND owner, std::span<const Menu> menus, UINT firstId);
 
-  // Small pictures beside the captions, in the size that belongs to `dpi`.
-  void LoadPictures(int dpi);
+  // Small pictures beside the captions, as they belong to `dpi` and the present colours.
+  void LoadPictures(int dpi, MenuLook look = PresentMenuLook());
+
+  // For the owner, which draws the pictures where the menus don't; false for what isn't theirs.
+  bool OnMeasureItem(MEASUREITEMSTRUCT& item) const { return pictures_.Measure(item); }
+  bool OnDrawItem(const DRAWITEMSTRUCT& item) const { return pictures_.Draw(item); }
 
   // The tools that are commands, in the order of their ids.
   const std::vector<const Tool*>& Tools() const { return tools_; }
@@ -34,19 +38,18 @@ class MenuBar {
   HMENU MenuOf(std::string_view menuName) const;  // null for an unknown name
 
  private:
+  void ShowPicture(UINT id);
+
   HMENU bar_ = nullptr;  // the window destroys it, and with it its menus
   UINT firstId_ = 0;
   std::span<const Menu> menus_;
   std::vector<HMENU> popups_;       // in the order of `menus_`
   std::vector<const Tool*> tools_;  // the id is the place here behind the first
   std::vector<HMENU> popupOfTool_;  // beside `tools_`
-  std::vector<UniqueBitmap> pictures_;
+  MenuPictures pictures_;
 };
 
 // The key as a menu shows it behind a caption: "Ctrl+N", "Delete"; "" for none.
 std::string ShortcutText(const Shortcut& shortcut);
-
-// The size of the small pictures, in pixels at 96 dpi.
-inline constexpr int kSmallPicture = 16;
 
 }  // namespace zq

@@ -1,9 +1,7 @@
 #include "controls/Pictures.h"
 
-#include <uxtheme.h>
 #include <wincodec.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -44,20 +42,6 @@ std::string_view ResourceBytes(const char* name) {
   return {static_cast<const char*>(data), ::SizeofResource(Module(), resource)};
 }
 
-// Menus of the Aero themes blend a bitmap's alpha channel. Other looks copy its pixels, and what is
-// transparent would be black.
-bool MenusBlendAlpha() {
-  wchar_t themeFile[MAX_PATH] = {};
-  if (!::IsAppThemed() || FAILED(::GetCurrentThemeName(themeFile, static_cast<int>(std::size(themeFile)),
-                                                       nullptr, 0, nullptr, 0)))
-    return false;
-  const std::wstring_view path = themeFile;
-  const std::wstring_view name = path.substr(path.rfind(L'\\') + 1);
-  constexpr std::wstring_view kAero = L"aero";
-  return ::CompareStringOrdinal(name.data(), static_cast<int>(std::min(name.size(), kAero.size())),
-                                kAero.data(), static_cast<int>(kAero.size()), TRUE) == CSTR_EQUAL;
-}
-
 }  // namespace
 
 UniqueIcon LoadPicture(const char* name, int pixels) {
@@ -68,27 +52,21 @@ UniqueIcon LoadProgramIcon(int pixels) {
   return LoadIconResource(MAKEINTRESOURCEW(1), pixels);
 }
 
-UniqueBitmap LoadMenuPicture(const char* name, int pixels) {
+UniqueBitmap LoadAlphaPicture(const char* name, int pixels, SIZE size, const PixelChange& change) {
   const UniqueIcon icon = LoadPicture(name, pixels);
   if (!icon) return {};
   void* bits = nullptr;
-  UniqueBitmap bitmap = MakeAlphaBitmap(pixels, pixels, &bits);
+  UniqueBitmap bitmap = MakeAlphaBitmap(size.cx, size.cy, &bits);
   if (!bitmap) return {};
-  const HDC memory = ::CreateCompatibleDC(nullptr);
-  const HGDIOBJ before = ::SelectObject(memory, bitmap.Get());
-  const HBRUSH background = MenusBlendAlpha() ? nullptr : ::GetSysColorBrush(COLOR_MENU);
-  if (background) {
-    const RECT whole{0, 0, pixels, pixels};
-    ::FillRect(memory, &whole, background);
-  }
-  ::DrawIconEx(memory, 0, 0, icon.Get(), pixels, pixels, 0, nullptr, DI_NORMAL);
-  ::SelectObject(memory, before);
-  ::DeleteDC(memory);
-  if (background) {
-    ::GdiFlush();
-    auto* pixel = static_cast<std::uint32_t*>(bits);
-    for (int i = 0; i < pixels * pixels; ++i) pixel[i] |= 0xFF000000;
-  }
+  const UniqueDc memory(::CreateCompatibleDC(nullptr));
+  const HGDIOBJ before = ::SelectObject(memory.Get(), bitmap.Get());
+  const BOOL drawn = ::DrawIconEx(memory.Get(), 0, 0, icon.Get(), pixels, pixels, 0, nullptr, DI_NORMAL);
+  ::SelectObject(memory.Get(), before);
+  if (!drawn) return {};
+  ::GdiFlush();
+  if (change)
+    change({static_cast<std::uint32_t*>(bits),
+            static_cast<std::size_t>(size.cx) * static_cast<std::size_t>(size.cy)});
   return bitmap;
 }
 

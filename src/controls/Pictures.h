@@ -1,7 +1,10 @@
 // Pictures out of the program's resources, by name, in the size that is asked for.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 
 #include "controls/document/Document.h"
 #include "platform/win32/UniqueHandle.h"
@@ -14,8 +17,10 @@ UniqueIcon LoadPicture(const char* name, int pixels);
 // The program's own icon, likewise.
 UniqueIcon LoadProgramIcon(int pixels);
 
-// The same as a bitmap for a menu: with alpha where menus blend it, else on the menus' colour.
-UniqueBitmap LoadMenuPicture(const char* name, int pixels);
+// The same in the upper left corner of a bitmap of `size` with premultiplied alpha, transparent beside it.
+// `change`, if there is one, then changes all its pixels, 0xAARRGGBB.
+using PixelChange = std::function<void(std::span<std::uint32_t> pixels)>;
+UniqueBitmap LoadAlphaPicture(const char* name, int pixels, SIZE size, const PixelChange& change);
 
 // `pixels` at 96 dpi, in pixels at `dpi`.
 inline int ScaleForDpi(int pixels, int dpi) {

@@ -126,6 +126,12 @@ void PreviewBar::Create(HWND parent, HFONT font) {
   AddTip(kBarFindPrevious, L"Find previous (Shift+F3)");
 }
 
+void PreviewBar::SetFont(HFONT font) {
+  font_ = font;
+  for (const BarItem& item : kItems)
+    ::SendMessageW(Item(item.id), WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+}
+
 int PreviewBar::Arrange() {
   const int dpi = static_cast<int>(::GetDpiForWindow(parent_));
   std::vector<UniqueIcon> icons;

@@ -32,6 +32,8 @@ enum PreviewBarId : int {
 class PreviewBar {
  public:
   void Create(HWND parent, HFONT font);
+  // The font lives until another one is given.
+  void SetFont(HFONT font);
   // Lays the controls out for the window's present scale; gives the bar's height in pixels.
   int Arrange();
   // The least width in which all is seen.

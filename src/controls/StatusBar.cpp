@@ -10,12 +10,14 @@
 
 namespace zq {
 
-void StatusBar::Create(HWND owner, std::span<const Panel> panels) {
+void StatusBar::Create(HWND owner, std::span<const Panel> panels, int dpi) {
   owner_ = owner;
   panels_ = panels;
   bar_ = ::CreateWindowExW(0, STATUSCLASSNAMEW, nullptr, WS_CHILD | WS_VISIBLE | SBARS_SIZEGRIP, 0, 0, 0, 0,
                            owner, nullptr, ::GetModuleHandleW(nullptr), nullptr);
-  LayOut(static_cast<int>(::GetDpiForWindow(owner)));
+  // With the owner's font it follows the owner's resolution.
+  ::SendMessageW(bar_, WM_SETFONT, static_cast<WPARAM>(::SendMessageW(owner, WM_GETFONT, 0, 0)), FALSE);
+  LayOut(dpi);
   for (const Panel& panel : panels) SetText(panel.name, std::string(panel.text));
 }
 

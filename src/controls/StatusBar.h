@@ -14,7 +14,7 @@ namespace zq {
 class StatusBar {
  public:
   // `panels` stays where it is for as long as the bar lives.
-  void Create(HWND owner, std::span<const Panel> panels);
+  void Create(HWND owner, std::span<const Panel> panels, int dpi);
 
   // At the bottom of the owner, its panels anew for the owner's width and `dpi`.
   void LayOut(int dpi);

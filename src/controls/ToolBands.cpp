@@ -2,6 +2,7 @@
 
 #include <uxtheme.h>
 
+#include <algorithm>
 #include <string>
 
 #include "controls/MenuBar.h"
@@ -11,7 +12,9 @@
 namespace zq {
 namespace {
 
-constexpr int kLargePicture = 32;  // pixels at 96 dpi
+// In pixels at 96 dpi.
+constexpr int kLargePicture = 32;
+constexpr int kButtonMargin = 5;  // on either side of a caption
 
 }  // namespace
 
@@ -19,33 +22,37 @@ ToolBands::~ToolBands() {
   if (pictures_) ::ImageList_Destroy(pictures_);
 }
 
-void ToolBands::Create(HWND owner, std::span<const Tool> tools, UINT firstId) {
+void ToolBands::Create(HWND owner, std::span<const Tool> tools, std::span<const std::string_view> names,
+                       UINT firstId) {
   owner_ = owner;
   firstId_ = firstId;
   rebar_ = ::CreateWindowExW(0, REBARCLASSNAMEW, nullptr,
                              WS_CHILD | WS_VISIBLE | WS_CLIPSIBLINGS | WS_CLIPCHILDREN | RBS_VARHEIGHT |
                                  RBS_BANDBORDERS | CCS_NODIVIDER | CCS_TOP,
                              0, 0, 0, 0, owner, nullptr, ::GetModuleHandleW(nullptr), nullptr);
-  HWND band = CreateBand();
+  const auto createBand = [&] {
+    return CreateBand(bands_.size() < names.size() ? names[bands_.size()] : std::string_view());
+  };
+  HWND band = createBand();
   for (const Tool& tool : tools) {
     if (tool.name.empty()) {
-      band = CreateBand();
+      band = createBand();
     } else {
       AddButton(band, tool);
     }
   }
 }
 
-HWND ToolBands::CreateBand() {
-  const HWND band = ::CreateWindowExW(0, TOOLBARCLASSNAMEW, L"ToolBar1",
+// A window's text is what is read out for it.
+HWND ToolBands::CreateBand(std::string_view name) {
+  const HWND band = ::CreateWindowExW(0, TOOLBARCLASSNAMEW, ToWide(name).c_str(),
                                       WS_CHILD | WS_VISIBLE | TBSTYLE_FLAT | TBSTYLE_TOOLTIPS |
                                           CCS_NODIVIDER | CCS_NORESIZE | CCS_NOPARENTALIGN,
                                       0, 0, 0, 0, rebar_, nullptr, ::GetModuleHandleW(nullptr), nullptr);
   ::SendMessageW(band, TB_BUTTONSTRUCTSIZE, sizeof(TBBUTTON), 0);
+  ::SendMessageW(band, TB_SETUNICODEFORMAT, TRUE, 0);
   // What isn't whole on the band is in the chevron's menu.
   ::SendMessageW(band, TB_SETEXTENDEDSTYLE, 0, TBSTYLE_EX_HIDECLIPPEDBUTTONS);
-  const auto font = ::SendMessageW(owner_, WM_GETFONT, 0, 0);
-  ::SendMessageW(band, WM_SETFONT, static_cast<WPARAM>(font), FALSE);
   bands_.push_back(band);
   return band;
 }
@@ -56,7 +63,7 @@ void ToolBands::AddButton(HWND band, const Tool& tool) {
   button.iBitmap = static_cast<int>(tools_.size());
   button.idCommand = static_cast<int>(firstId_ + tools_.size());
   button.fsState = TBSTATE_ENABLED;
-  button.fsStyle = BTNS_BUTTON | BTNS_AUTOSIZE;
+  button.fsStyle = BTNS_BUTTON;
   button.iString = reinterpret_cast<INT_PTR>(caption.c_str());
   ::SendMessageW(band, TB_ADDBUTTONSW, 1, reinterpret_cast<LPARAM>(&button));
   tools_.push_back(&tool);
@@ -66,18 +73,43 @@ void ToolBands::AddButton(HWND band, const Tool& tool) {
 void ToolBands::LoadPictures(int dpi) {
   dpi_ = dpi;
   const int large = ScaleForDpi(kLargePicture, dpi);
+  const auto font = static_cast<WPARAM>(::SendMessageW(owner_, WM_GETFONT, 0, 0));
   const HIMAGELIST pictures = ::ImageList_Create(large, large, ILC_COLOR32 | ILC_MASK, 8, 4);
   for (const Tool* tool : tools_) {
     const UniqueIcon icon = LoadPicture(std::string(tool->largePicture).c_str(), large);
     ::ImageList_ReplaceIcon(pictures, -1, icon.Get());
   }
   for (const HWND band : bands_) {
+    ::SendMessageW(band, WM_SETFONT, font, FALSE);
     ::SendMessageW(band, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
+    SizeButtons(band);
     ::SendMessageW(band, TB_AUTOSIZE, 0, 0);
   }
   if (pictures_) ::ImageList_Destroy(pictures_);
   pictures_ = pictures;
+  menuPictures_.Load(tools_, firstId_, dpi, PresentMenuLook());
   SizeBands();
+}
+
+// A width for each, since the room that the system gives to captions doesn't grow with the resolution.
+void ToolBands::SizeButtons(HWND band) {
+  const HDC screen = ::GetDC(band);
+  const HGDIOBJ before =
+      ::SelectObject(screen, reinterpret_cast<HFONT>(::SendMessageW(band, WM_GETFONT, 0, 0)));
+  for (std::size_t i = 0; i < tools_.size(); ++i) {
+    if (bandOfTool_[i] != band) continue;
+    const std::wstring caption = ToWide(tools_[i]->caption);
+    SIZE size{};
+    ::GetTextExtentPoint32W(screen, caption.c_str(), static_cast<int>(caption.size()), &size);
+    TBBUTTONINFOW button{};
+    button.cbSize = sizeof button;
+    button.dwMask = TBIF_SIZE;
+    button.cx = static_cast<WORD>(std::max<int>(size.cx, ScaleForDpi(kLargePicture, dpi_)) +
+                                  2 * ScaleForDpi(kButtonMargin, dpi_));
+    ::SendMessageW(band, TB_SETBUTTONINFOW, firstId_ + i, reinterpret_cast<LPARAM>(&button));
+  }
+  ::SelectObject(screen, before);
+  ::ReleaseDC(band, screen);
 }
 
 // Makes the bands where they are missing, and tells the bar how large each one's tools are now.
@@ -147,12 +179,23 @@ void ToolBands::SetTheme(const wchar_t* theme) {
   for (const HWND band : bands_) ::SetWindowTheme(band, theme, theme);
 }
 
+bool ToolBands::OnTip(const NMHDR& header) const {
+  if (header.code != static_cast<UINT>(TBN_GETINFOTIPW)) return false;
+  const auto& asked = reinterpret_cast<const NMTBGETINFOTIPW&>(header);
+  const auto id = static_cast<UINT>(asked.iItem);
+  if (!Holds(id)) return false;
+  const Tool& tool = *tools_[id - firstId_];
+  std::string tip(tool.tip);
+  if (tool.tipShortcut.key) tip += " (" + ShortcutText(tool.tipShortcut) + ")";
+  ::lstrcpynW(asked.pszText, ToWide(tip).c_str(), asked.cchTextMax);
+  return true;
+}
+
 void ToolBands::ShowHiddenTools(const NMREBARCHEVRON& chevron) {
   const HWND band = bands_[chevron.wID - 1];
   RECT shown{};
   ::GetClientRect(band, &shown);
   const UniqueMenu menu(::CreatePopupMenu());
-  std::vector<UniqueBitmap> pictures;
   for (std::size_t i = 0; i < tools_.size(); ++i) {
     if (bandOfTool_[i] != band) continue;
     const auto id = static_cast<UINT>(firstId_ + i);
@@ -160,14 +203,12 @@ void ToolBands::ShowHiddenTools(const NMREBARCHEVRON& chevron) {
     ::SendMessageW(band, TB_GETRECT, id, reinterpret_cast<LPARAM>(&button));
     if (button.right <= shown.right) continue;
     std::wstring caption = ToWide(tools_[i]->caption);
-    pictures.push_back(
-        LoadMenuPicture(std::string(tools_[i]->smallPicture).c_str(), ScaleForDpi(kSmallPicture, dpi_)));
     MENUITEMINFOW item{};
     item.cbSize = sizeof item;
-    item.fMask = MIIM_ID | MIIM_STRING | MIIM_STATE | MIIM_BITMAP;
+    item.hbmpItem = menuPictures_.ForItem(id, !IsEnabled(id));
+    item.fMask = MIIM_ID | MIIM_STRING | MIIM_STATE | (item.hbmpItem ? MIIM_BITMAP : 0u);
     item.wID = id;
     item.fState = IsEnabled(id) ? MFS_ENABLED : MFS_GRAYED;
-    item.hbmpItem = pictures.back().Get();
     item.dwTypeData = caption.data();
     ::InsertMenuItemW(menu.Get(), static_cast<UINT>(::GetMenuItemCount(menu.Get())), TRUE, &item);
   }

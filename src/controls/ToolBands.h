@@ -6,11 +6,12 @@
 #include <commctrl.h>
 
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "controls/BarLayout.h"
+#include "controls/MenuPictures.h"
 #include "controls/Tools.h"
-#include "platform/win32/UniqueHandle.h"
 
 namespace zq {
 
@@ -24,7 +25,7 @@ class ToolBands {
   // Makes the bands in `owner`, to which their commands and notifications go. The tools are commands from
   // `firstId` on, in order; a separator begins a further band. `tools` stays where it is for as long as the
   // bands live.
-  void Create(HWND owner, std::span<const Tool> tools, UINT firstId);
+  void Create(HWND owner, std::span<const Tool> tools, std::span<const std::string_view> names, UINT firstId);
 
   // Large pictures and the bands' sizes, as they belong to `dpi`.
   void LoadPictures(int dpi);
@@ -41,6 +42,13 @@ class ToolBands {
   // The tools that a narrow band doesn't show whole, as a menu under its chevron.
   void ShowHiddenTools(const NMREBARCHEVRON& chevron);
 
+  // For the owner, which draws that menu's pictures where menus don't; false for what isn't theirs.
+  bool OnMeasureItem(MEASUREITEMSTRUCT& item) const { return menuPictures_.Measure(item); }
+  bool OnDrawItem(const DRAWITEMSTRUCT& item) const { return menuPictures_.Draw(item); }
+
+  // Gives the text of a tool's tip, if that is what is asked.
+  bool OnTip(const NMHDR& header) const;
+
   // How the bands are arranged now, and their arrangement anew.
   BarLayout Layout() const;
   void Arrange(const BarLayout& layout);
@@ -52,8 +60,9 @@ class ToolBands {
   HWND Handle() const { return rebar_; }
 
  private:
-  HWND CreateBand();
+  HWND CreateBand(std::string_view name);
   void AddButton(HWND band, const Tool& tool);
+  void SizeButtons(HWND band);
   void SizeBands();
   void ShowWholeBand(WPARAM place);
   WPARAM IndexOfBand(int band) const;
@@ -65,7 +74,8 @@ class ToolBands {
   std::vector<const Tool*> tools_;  // the id is the place here behind the first
   std::vector<HWND> bandOfTool_;    // beside `tools_`
   HIMAGELIST pictures_ = nullptr;
-  int dpi_ = 96;  // that the bands are sized for
+  MenuPictures menuPictures_;  // of what a chevron's menu shows
+  int dpi_ = 96;               // that the bands are sized for
 };
 
 }  // namespace zq

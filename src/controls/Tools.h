@@ -22,6 +22,8 @@ struct Tool {
   Shortcut shortcut;
   std::string_view smallPicture;  // "" for none; in menus
   std::string_view largePicture;  // on the tool bar
+  std::string_view tip = {};      // what it does, told on the tool bar where the pointer rests
+  Shortcut tipShortcut = {};      // the key of the same command elsewhere, told with it
 };
 
 struct Menu {
@@ -39,7 +41,8 @@ struct Panel {
 
 struct BarsDesign {
   std::vector<Menu> menus;
-  std::vector<Tool> toolBar;  // a separator begins a further band
+  std::vector<Tool> toolBar;                // a separator begins a further band
+  std::vector<std::string_view> bandNames;  // what is read out for each band
   std::vector<Panel> panels;
 };
 

@@ -53,6 +53,9 @@ LRESULT CALLBACK VSPrinter::SubclassProcedure(HWND hwnd, UINT message, WPARAM wP
       case WM_COMMAND:
         printer->OnBarCommand(LOWORD(wParam), HIWORD(wParam));
         return 0;
+      case WM_SETFONT:
+        printer->bar_.SetFont(reinterpret_cast<HFONT>(wParam));
+        break;
       case WM_DPICHANGED_AFTERPARENT:
         printer->barHeight_ = printer->bar_.Arrange();
         printer->OnSize();

@@ -3,6 +3,8 @@
 namespace zq {
 
 frmNew::frmNew(AppState& state) : Form(IDD_frmNew), state_(state) {
+  StartAt(cmdOK);  // and not at the box that is first in the order
+  CloseOnEsc();
   cmdOK.Click = [this] { cmdOK_Click(); };
 }
 

@@ -16,6 +16,7 @@ constexpr ListColumn kColumns[] = {
 
 frmOpenJob::frmOpenJob(AppState& state, Platform& platform)
     : Form(IDD_frmOpenJob), state_(state), platform_(platform) {
+  CloseOnEsc();
   ListView1.CellText = [this](int row, int column) {
     const SavedJob& job = jobs_.at(static_cast<std::size_t>(row - 1));
     return column == 0 ? job.name : job.lastWiping;
@@ -31,15 +32,26 @@ frmOpenJob::frmOpenJob(AppState& state, Platform& platform)
 }
 
 void frmOpenJob::Load() {
-  ImageList1.Create(ScaleForDpi(16, Dpi()));
-  ImageList1.AddPicture("job");
-  ListView1.SetSmallIcons(ImageList1.Handle());
+  LoadPictures();
   ListView1.SetColumns(kColumns);
   jobs_ = ListSavedJobs(DataFolder(platform_.files, state_));
   ListView1.SetRowCount(static_cast<int>(jobs_.size()));
   SizeColumns();
   if (!jobs_.empty()) ListView1.SelectRow(1);
   cmdOK.SetEnabled(!jobs_.empty());
+}
+
+void frmOpenJob::LoadPictures() {
+  ImageList former;  // shown until the list has the new one
+  former.Swap(ImageList1);
+  ImageList1.Create(ScaleForDpi(16, Dpi()));
+  ImageList1.AddPicture("job");
+  ListView1.SetSmallIcons(ImageList1.Handle());
+}
+
+void frmOpenJob::DpiChanged() {
+  LoadPictures();
+  SizeColumns();
 }
 
 void frmOpenJob::SizeColumns() {

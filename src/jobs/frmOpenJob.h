@@ -28,6 +28,8 @@ class frmOpenJob final : public Form {
   Button cmdHelp{*this, IDC_frmOpenJob_cmdHelp};
 
   void Load() override;
+  void DpiChanged() override;
+  void LoadPictures();
   void SizeColumns();
   int FindJob(const std::string& prefix, int start) const;
   void ListView1_DblClick();

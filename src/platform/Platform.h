@@ -1,6 +1,8 @@
 // Platform: the services of the system, each behind an interface, handed together to what needs several.
 #pragma once
 
+#include "platform/LongWork.h"
+
 namespace zq {
 
 class Files;
@@ -15,6 +17,7 @@ struct Platform {
   Process& process;
   Regional& regional;
   Registry& registry;
+  LongWork& longWork = UntoldWork::Instance();
 };
 
 }  // namespace zq

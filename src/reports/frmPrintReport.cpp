@@ -30,20 +30,17 @@ frmPrintReport::frmPrintReport(AppState& state, Platform& platform)
 }
 
 void frmPrintReport::Load() {
-  const auto icon = [this](int metric) {
-    return LoadProgramIcon(::GetSystemMetricsForDpi(metric, static_cast<UINT>(Dpi())));
-  };
-  smallIcon_ = icon(SM_CXSMICON);
-  largeIcon_ = icon(SM_CXICON);
-  ::SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallIcon_.Get()));
-  ::SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeIcon_.Get()));
-
+  windowIcons_.Show(Handle(), Dpi());
   ClearReportLists();
   const ReportData report = DecodeReport(DataFolder(platform_.files, state_).Read(kReportFile));
   BuildReportDocument(VS1, report, state_.Settings.ReportFontSize, state_.AppFolder,
                       LoadDocumentPicture(kLogo, kLogoWidth, kLogoHeight));
   VS1.SetZoom(100);
   ClearReportLists();
+}
+
+void frmPrintReport::DpiChanged() {
+  windowIcons_.Show(Handle(), Dpi());
 }
 
 void frmPrintReport::ClearReportLists() {

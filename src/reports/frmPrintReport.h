@@ -4,6 +4,7 @@
 #include "controls/Control.h"
 #include "controls/Default.h"
 #include "controls/VSPrinter.h"
+#include "controls/WindowIcons.h"
 #include "core/state/AppState.h"
 #include "platform/Platform.h"
 #include "reports/ReportViewer.h"
@@ -21,14 +22,14 @@ class frmPrintReport final : public Form {
 
  private:
   void Load() override;
+  void DpiChanged() override;
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
   bool TranslateShortcut(MSG& message) override;
   void ClearReportLists();
 
   AppState& state_;
   Platform& platform_;
-  UniqueIcon smallIcon_;
-  UniqueIcon largeIcon_;
+  WindowIcons windowIcons_;
 };
 
 // The window as the driver and the main window's command see it.

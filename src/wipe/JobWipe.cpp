@@ -1,5 +1,6 @@
 #include "wipe/JobWipe.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "core/state/AppState.h"
@@ -35,6 +36,9 @@ constexpr const char* kCancelled =
     "the report for more details.";
 constexpr const char* kNoPlaceToWipe =
     "It lies neither on a drive with a letter nor in a share of a server, and was not touched.";
+constexpr const char* kReasonToStay =
+    "Files are being wiped.  What is in work would be left half done.  Cancel the wipe operation first, or "
+    "let it come to its end.";
 constexpr const char* kReviewReport = "Do you wish to review the report for the current operation?";
 constexpr const char* kCancelLine =
     "User cancelled wipe operation.  Listed items may or may not have finished processing.";
@@ -80,10 +84,26 @@ void JobWipe::RunJobWipe() {
   state_.CancelRequested = false;
   state_.TotalWipeItems = FixedPoint();
   ProcessedWipeItems = FixedPoint();
+  DoWork();
+  mainWindow_.Show();
+  statusWindow_.Unload();
+  platform_.longWork.CallUser();
+  const char* outcome = state_.CancelRequested ? kCancelled : kComplete;
+  if (platform_.messageBoxes.Show({WithQuestion(outcome, kReviewReport), "Wipe Operation",
+                                   MessageIcon::Question, MessageButtons::YesNo}) != MessageAnswer::No &&
+      reportViewer_) {
+    reportViewer_->ShowModal();
+  }
+}
+
+// From the hidden main window to the report.
+void JobWipe::DoWork() {
+  const LongWorkScope work(platform_.longWork, kReasonToStay);
   // Before the main window goes: a program without a window loses the front to another one.
   statusWindow_.Show();
   mainWindow_.Hide();
   ClearReportLists();
+  platform_.longWork.ShowUncounted();
 
   statusWindow_.SetCancelEnabled(false);
   CountRows();
@@ -100,15 +120,6 @@ void JobWipe::RunJobWipe() {
   WriteReport();
   ClearReportLists();
   if (reportViewer_) reportViewer_->Load();
-
-  mainWindow_.Show();
-  statusWindow_.Unload();
-  const char* outcome = state_.CancelRequested ? kCancelled : kComplete;
-  if (platform_.messageBoxes.Show({WithQuestion(outcome, kReviewReport), "Wipe Operation",
-                                   MessageIcon::Question, MessageButtons::YesNo}) != MessageAnswer::No &&
-      reportViewer_) {
-    reportViewer_->ShowModal();
-  }
 }
 
 // Ghosts the rows whose items don't exist and brings back those that have reappeared. True if any exists.
@@ -256,6 +267,7 @@ void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal,
   if (update.setsCurrent) statusWindow_.SetCurrent(update.current);
   statusWindow_.SetOverall(update.overall);
   statusWindow_.SetCaption(update.caption);
+  platform_.longWork.ShowPercent(std::clamp<int>(update.overall, 0, 100));
   // While a file is in work, a click on Cancel gets through here alone.
   platform_.process.PumpMessages();
 }

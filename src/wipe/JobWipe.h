@@ -50,6 +50,7 @@ class JobWipe final : public WipeEvents {
 
  private:
   bool CheckRows();
+  void DoWork();
   void CountRows();
   void CountRow(const JobRow& row);
   void WipeRows();

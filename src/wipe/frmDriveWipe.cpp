@@ -20,14 +20,25 @@ frmDriveWipe::frmDriveWipe(AppState& state, Platform& platform, Drives& drives, 
 }
 
 void frmDriveWipe::Load() {
-  ImageList1.Create(ScaleForDpi(16, Dpi()));
-  for (const char* picture : kDrivePictures) ImageList1.AddPicture(picture);
-  ICDrives.SetImageList(ImageList1.Handle());
+  LoadPictures();
   FillDriveList();
 
   const std::int32_t level = state_.Settings.Passes;
   (level == 3 ? opt3 : level == 5 ? opt5 : opt7).SetValue(true);
   state_.FreeSpaceDrive = "";
+}
+
+void frmDriveWipe::LoadPictures() {
+  ImageList former;  // shown until the control has the new ones
+  former.Swap(ImageList1);
+  ImageList1.Create(ScaleForDpi(16, Dpi()));
+  for (const char* picture : kDrivePictures) ImageList1.AddPicture(picture);
+  ICDrives.SetImageList(ImageList1.Handle());
+}
+
+void frmDriveWipe::DpiChanged() {
+  LoadPictures();
+  ICDrives.FitList();
 }
 
 std::vector<std::string> frmDriveWipe::GetDriveNames() {

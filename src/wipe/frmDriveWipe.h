@@ -37,6 +37,8 @@ class frmDriveWipe final : public Form {
 
   // Raises ElementNotFound if there is no item to preselect, as on a system without a drive C.
   void Load() override;
+  void DpiChanged() override;
+  void LoadPictures();
   std::vector<std::string> GetDriveNames();
   void FillDriveList();
   void cmdOK_Click();

@@ -77,6 +77,18 @@ TEST_F(CommandLine, TakesAPathOfAnyLengthAndItsFileIsWiped) {
   EXPECT_THAT(ReadFileBytes(reportPath_), ::testing::HasSubstr(Quoted(path) + "\r\n\"[ERRORS]\"\r\n"));
 }
 
+TEST_F(CommandLine, TakesAFolderOfAnyLengthForAFolder) {
+  std::string name = "papers";
+  while (name.size() < 300) name += "\\" + std::string(40, 'p');
+  scratch_.Make(name + "\\letter.txt", "x");
+  const Program program(exe_, Quoted(scratch_ / name));
+  const Window dialog = program.WaitWindow("Add Folder", "#32770");
+  dialog.Child("Cancel").Press();
+  dialog.WaitGone();
+  const MainWindow main(program);
+  EXPECT_EQ(main.list.Rows(), 0) << "no file of that name";
+}
+
 TEST_F(CommandLine, OpensAFolderThatIsNamedByTheCurrentOne) {
   scratch_.Make("Zeroquill\\papers\\a.txt", "x");
   const Program program(exe_, "papers");

@@ -1,6 +1,7 @@
 // Folder rows wiped by the program: what has gone from the disc, what is left of it, what the list and the
 // report tell.
 #include "e2e/Wiping.h"
+#include "support/driver/Text.h"
 
 namespace zq::test {
 namespace {
@@ -145,6 +146,23 @@ TEST_F(FolderRows, StayWithTheirFoldersWhereMaskOrSubFoldersLeaveSomething) {
   ExpectKept();
 }
 
+TEST_F(FolderRows, OfAnyLengthOfPathAreThereAndGo) {
+  std::string name = "papers";
+  while (name.size() < 300) name += "\\" + std::string(40, 'p');
+  const std::string secret = Secret(name + "\\letter.txt");
+  const std::string folder = scratch_ / name;
+  const Program program(exe_, Quoted(MakeJob({{folder, "*.*", "Yes"}})));
+  const MainWindow main(program);
+  main.list.WaitRows(1);
+  EXPECT_FALSE(IsGhosted(main, 0));
+  Confirm(program, main);
+  Close(program, main, kComplete);
+  EXPECT_FALSE(PathExists(secret));
+  EXPECT_FALSE(PathExists(folder));
+  EXPECT_TRUE(IsGhosted(main, 0));
+  EXPECT_THAT(ReportBody(), ElementsAre("\"[FOLDERS]\"", Quoted(folder), "\"[FILES]\"", "\"[ERRORS]\""));
+}
+
 TEST_F(FolderRows, StayWhereAFileInThemIsInUse) {
   const std::string folder = scratch_ / "papers";
   const std::string letter = Secret("papers\\letter.txt");
@@ -172,6 +190,65 @@ TEST_F(FolderRows, StayWhereAFileInThemIsInUse) {
   Close(program, main, kComplete);
   EXPECT_FALSE(PathExists(folder));
   EXPECT_TRUE(IsGhosted(main, 0));
+}
+
+// A folder past the drive letters, in the way that Wine has for it; made for the test, and removed with it.
+class FolderPastTheDrives {
+ public:
+  FolderPastTheDrives() {
+    static constexpr char kTemporary[] = "\\\\?\\unix\\tmp\\";
+    path_ = kTemporary + ("zq-e2e-" + std::to_string(::GetCurrentProcessId()));
+    if (!::CreateDirectoryW(ToWide(path_).c_str(), nullptr)) throw DriverError("can't make " + path_);
+    WriteFileBytes(File(), Content());
+    ::SetFileAttributesW(ToWide(File()).c_str(), FILE_ATTRIBUTE_READONLY);
+  }
+  ~FolderPastTheDrives() {
+    ::SetFileAttributesW(ToWide(File()).c_str(), FILE_ATTRIBUTE_NORMAL);
+    ::DeleteFileW(ToWide(File()).c_str());
+    ::RemoveDirectoryW(ToWide(path_).c_str());
+  }
+  FolderPastTheDrives(const FolderPastTheDrives&) = delete;
+  FolderPastTheDrives& operator=(const FolderPastTheDrives&) = delete;
+
+  const std::string& Path() const { return path_; }
+  std::string File() const { return path_ + "\\letter.txt"; }
+  static std::string Content() { return Marked("of the machine's own ", 9000); }
+  bool FileIsReadOnly() const {
+    const DWORD attributes = ::GetFileAttributesW(ToWide(File()).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+  }
+
+ private:
+  std::string path_;
+};
+
+TEST_F(FolderRows, PastTheDriveLettersFailBeforeAnythingIsTouched) {
+  const FolderPastTheDrives outside;
+  ASSERT_TRUE(outside.FileIsReadOnly());
+  const std::string secret = Secret("papers\\letter.txt");
+  const std::string folder = scratch_ / "papers";
+  // As the program itself would never write it.
+  const std::string job =
+      scratch_.Make("Zeroquill\\Jobs\\Folders.zqj",
+                    "\"N/A\"\r\n\"[FOLDERS]\"\r\n" + Quoted(outside.Path()) + "\r\n\"*.*\"\r\n\"Yes\"\r\n" +
+                        Quoted(outside.Path()) + "\r\n\"*.txt\"\r\n\"No\"\r\n" + Quoted(folder) +
+                        "\r\n\"*.*\"\r\n\"Yes\"\r\n\"[FILES]\"\r\n" + Quoted(outside.File()) + "\r\n");
+  const Program program(exe_, Quoted(job));
+  const MainWindow main(program);
+  main.list.WaitRows(4);
+  Confirm(program, main);
+  Close(program, main, kComplete);
+
+  EXPECT_EQ(ReadFileBytes(outside.File()), FolderPastTheDrives::Content());
+  EXPECT_TRUE(outside.FileIsReadOnly()) << "the counting takes attributes off what is to be wiped";
+  EXPECT_FALSE(PathExists(secret)) << "the other rows go on";
+  for (const int row : {0, 1, 3}) EXPECT_FALSE(IsGhosted(main, row)) << row;
+  const std::string reason =
+      " - It lies neither on a drive with a letter nor in a share of a server, and was not touched.";
+  EXPECT_THAT(ReportBody(), ElementsAre("\"[FOLDERS]\"", Quoted(outside.Path()), Quoted(outside.Path()),
+                                        Quoted(folder), "\"[FILES]\"", Quoted(outside.File()), "\"[ERRORS]\"",
+                                        Quoted(outside.Path() + reason), Quoted(outside.Path() + reason),
+                                        Quoted(outside.File() + reason)));
 }
 
 }  // namespace

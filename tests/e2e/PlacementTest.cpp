@@ -48,6 +48,23 @@ TEST_F(Placement, ComesBackExactlyAtTheNextStart) {
             0u);
 }
 
+// The file is in twips: what was saved at one resolution of the system comes back as large on paper at
+// another.
+TEST_F(Placement, SavedAtAnyResolutionIsReckonedByThatOfTheSystem) {
+  Prepare();
+  const PlacementFile saved{9000, 7500, 3000, 1500};
+  WriteFileBytes(placementPath_, saved.Bytes());
+  EXPECT_EQ(Run([&](const MainWindow& main) {
+              const RECT now = main.window.ScreenRect();
+              EXPECT_EQ(now.left, 3000 / TwipsPerPixel());
+              EXPECT_EQ(now.top, 1500 / TwipsPerPixel());
+              EXPECT_EQ(now.right - now.left, 9000 / TwipsPerPixel());
+              EXPECT_EQ(now.bottom - now.top, 7500 / TwipsPerPixel());
+            }),
+            0u);
+  EXPECT_EQ(ReadFileBytes(placementPath_), saved.Bytes());
+}
+
 TEST_F(Placement, IsFullOfZerosAfterAnExitFromAMaximisedWindow) {
   Prepare();
   Run([](const MainWindow& main) {

@@ -6,12 +6,16 @@
 #include <shellapi.h>
 #include <uxtheme.h>
 
+#include <algorithm>
+#include <map>
 #include <optional>
 #include <set>
 #include <thread>
 
 #include "Drawing.h"
 #include "MainFormTest.h"
+#include "core/main/CommandTable.h"
+#include "platform/win32/Wide.h"
 #include "platform/win32/Win32MessageBoxes.h"
 #include "support/driver/Driver.h"
 
@@ -19,6 +23,8 @@ namespace zq::test {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::Pair;
+using ::testing::UnorderedElementsAre;
 
 class BarsTest : public MainFormTest {
  protected:
@@ -94,6 +100,108 @@ TEST_F(BarsTest, ToolsShowThePicturesThatBelongToThem) {
     }
   }
   EXPECT_EQ(looks.size(), 7U) << "pictures of different tools look the same";
+}
+
+TEST_F(BarsTest, BandsAreReadOutByTheNamesOfTheirGroups) {
+  frmMain& main = Open();
+  std::map<std::string, std::string> names;  // by the first tool of the band
+  for (const HWND band : Below(main, TOOLBARCLASSNAMEA)) {
+    TBBUTTON button{};
+    ASSERT_TRUE(::SendMessageA(band, TB_GETBUTTON, 0, reinterpret_cast<LPARAM>(&button)));
+    char caption[64] = "";
+    ::SendMessageA(band, TB_GETBUTTONTEXTA, static_cast<WPARAM>(button.idCommand),
+                   reinterpret_cast<LPARAM>(caption));
+    char name[64] = "";
+    ::GetWindowTextA(band, name, sizeof name);
+    names[caption] = name;
+  }
+  EXPECT_THAT(names,
+              ElementsAre(Pair("Add Files", "Items"), Pair("New Job", "Job"), Pair("Wipe Now", "Wiping")));
+}
+
+// As the tool bar's own tip window asks.
+TEST_F(BarsTest, ToolsTellWhatTheyDoAndTheirKeys) {
+  frmMain& main = Open();
+  std::vector<std::string> tips;
+  for (const HWND band : Below(main, TOOLBARCLASSNAMEA)) {
+    const auto count = static_cast<std::size_t>(::SendMessageA(band, TB_BUTTONCOUNT, 0, 0));
+    for (std::size_t i = 0; i < count; ++i) {
+      TBBUTTON button{};
+      ASSERT_TRUE(::SendMessageA(band, TB_GETBUTTON, i, reinterpret_cast<LPARAM>(&button)));
+      const auto tipWindow = reinterpret_cast<HWND>(::SendMessageA(band, TB_GETTOOLTIPS, 0, 0));
+      ASSERT_NE(tipWindow, nullptr);
+      NMTTDISPINFOW asked{};
+      asked.hdr = {tipWindow, static_cast<UINT_PTR>(button.idCommand), static_cast<UINT>(TTN_GETDISPINFOW)};
+      asked.lpszText = asked.szText;
+      ::SendMessageW(band, WM_NOTIFY, asked.hdr.idFrom, reinterpret_cast<LPARAM>(&asked));
+      tips.push_back(asked.lpszText ? FromWide(asked.lpszText) : "");
+    }
+  }
+  EXPECT_THAT(tips, UnorderedElementsAre(
+                        "Close the open job and start a new one (Ctrl+N)", "Open a saved job (Ctrl+O)",
+                        "Save the open job (Ctrl+S)", "Add files to the job", "Add a folder to the job",
+                        "Wipe all items of the job (F10)", "Wipe the free space of a drive"));
+}
+
+// With the same room at twice the resolution captions run into one another.
+TEST_F(BarsTest, CaptionsOfToolsStandApartAtEveryResolution) {
+  const HWND owner = ::CreateWindowExW(0, L"STATIC", L"owner", WS_OVERLAPPEDWINDOW, 0, 0, 900, 300, nullptr,
+                                       nullptr, nullptr, nullptr);
+  {
+    const BarsDesign design = MainBars();
+    ToolBands bands;
+    bands.Create(owner, design.toolBar, design.bandNames, 100);
+    for (const int dpi : {96, 192}) {
+      bands.LoadPictures(dpi);
+      int tools = 0;
+      for (HWND band = nullptr;
+           (band = ::FindWindowExW(bands.Handle(), band, TOOLBARCLASSNAMEW, nullptr)) != nullptr;) {
+        const HDC screen = ::GetDC(band);
+        const HGDIOBJ before =
+            ::SelectObject(screen, reinterpret_cast<HFONT>(::SendMessageW(band, WM_GETFONT, 0, 0)));
+        for (std::size_t i = 0; i < bands.Tools().size(); ++i) {
+          RECT button{};
+          if (!::SendMessageW(band, TB_GETRECT, 100 + i, reinterpret_cast<LPARAM>(&button))) continue;
+          const std::wstring caption = ToWide(bands.Tools()[i]->caption);
+          SIZE size{};
+          ::GetTextExtentPoint32W(screen, caption.c_str(), static_cast<int>(caption.size()), &size);
+          EXPECT_EQ(button.right - button.left, std::max(size.cx, 32L * dpi / 96) + 10 * dpi / 96)
+              << bands.Tools()[i]->caption << " at " << dpi;
+          ++tools;
+        }
+        ::SelectObject(screen, before);
+        ::ReleaseDC(band, screen);
+      }
+      EXPECT_EQ(tools, 7);
+    }
+  }
+  ::DestroyWindow(owner);
+}
+
+TEST_F(BarsTest, WindowKeepsListAndBarsUsableHoweverSmallTheUserMakesIt) {
+  frmMain& main = Open();
+  ::SetWindowPos(WindowOf(main), nullptr, 0, 0, 10, 10, SWP_NOMOVE | SWP_NOZORDER);
+  PumpMessages();
+  RECT client{};
+  ::GetClientRect(WindowOf(main), &client);
+  EXPECT_GE(client.right * 1440, 6900 * Dpi(main));
+  RECT list{};
+  ::GetWindowRect(main.ListView1.Handle(), &list);
+  EXPECT_GE((list.bottom - list.top) * 1440, 1800 * Dpi(main));
+  // The headers can be read.
+  const HWND header = ListView_GetHeader(main.ListView1.Handle());
+  const HDC screen = ::GetDC(header);
+  const HGDIOBJ before =
+      ::SelectObject(screen, reinterpret_cast<HFONT>(::SendMessageW(header, WM_GETFONT, 0, 0)));
+  for (int column = 0; const wchar_t* text : {L"Name & Location", L"Size", L"Folder Mask", L"Sub Folders"}) {
+    SIZE size{};
+    ::GetTextExtentPoint32W(screen, text, ::lstrlenW(text), &size);
+    EXPECT_GT(main.ListView1.ColumnWidth(column), size.cx) << FromWide(text);
+    ++column;
+  }
+  ::SelectObject(screen, before);
+  ::ReleaseDC(header, screen);
+  TakePicture(Window(WindowOf(main)), "smallest");
 }
 
 TEST_F(BarsTest, HaveTheUsersVisualStyleWhereTheSettingWantsIt) {

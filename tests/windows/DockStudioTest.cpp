@@ -41,10 +41,8 @@ class DockStudioTest : public testing::Test {
     main.DockStudio1.SaveLayout(fake_.files, kLayoutFile);
     return DecodeBarLayout(fake_.files.Read(kLayoutFile), kBands).value();
   }
-  void Resize(frmMain& main, int width, int height) {
-    ::SetWindowPos(static_cast<Form&>(main).Handle(), nullptr, 0, 0, width, height,
-                   SWP_NOMOVE | SWP_NOZORDER);
-    PumpMessages();
+  static std::int16_t Twips(int pixels) {
+    return static_cast<std::int16_t>(::MulDiv(pixels, 1440, static_cast<int>(::GetDpiForSystem())));
   }
   static RECT PlaceOf(HWND window) {
     RECT rect{};
@@ -138,9 +136,13 @@ TEST_F(DockStudioTest, LayoutThatCannotBeWrittenDoesNotHoldUpTheExit) {
 }
 
 TEST_F(DockStudioTest, ListFillsExactlyWhatTheBarsLeave) {
-  frmMain& main = Open();
   for (const int width : {900, 500, 260, 140}) {
-    Resize(main, width, 500);
+    // The user can't make it as narrow as the last ones; a saved place can.
+    if (Default<frmMain>::IsLoaded()) Default<frmMain>::Touch().Unload();
+    fake_.files.AddFile("C:\\Zeroquill\\Settings2.dat",
+                        EncodePlacement({.Width = Twips(width), .Height = Twips(500), .Left = 0, .Top = 0}));
+    frmMain& main = Open();
+    EXPECT_EQ(PlaceOf(static_cast<Form&>(main).Handle()).right, width);
     RECT client{};
     ::GetClientRect(static_cast<Form&>(main).Handle(), &client);
     ::MapWindowPoints(static_cast<Form&>(main).Handle(), HWND_DESKTOP, reinterpret_cast<POINT*>(&client), 2);

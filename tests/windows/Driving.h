@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "controls/Form.h"
+#include "controls/MessageLoop.h"
 
 namespace zq::test {
 
@@ -73,6 +74,13 @@ inline std::vector<int> TabOrder(Form& form) {
     item = ::GetNextDlgTabItem(form.Handle(), item, FALSE);
   } while (item != first && ids.size() < 20);
   return ids;
+}
+
+// A key that goes through the message loop, to whichever window of the form has the focus.
+inline void PostKey(Form& form, WPARAM key) {
+  const HWND focus = ::GetFocus();
+  ::PostMessageW(::IsChild(form.Handle(), focus) ? focus : form.Handle(), WM_KEYDOWN, key, 0);
+  PumpMessages();
 }
 
 // Lets `user` act once messages are handled again: inside the loop of the modal form that is shown next.

@@ -153,6 +153,21 @@ TEST_F(FolderTreeviewTest, APathThatIsNotFullIsReckonedFromTheCurrentFolder) {
             (std::vector<Selection>{{papers, papers}, {scratch_.Path(), scratch_.Path()}}));
 }
 
+// Below a drive there may be thousands, and no key is looked at before all have been read.
+TEST_F(FolderTreeviewTest, MultiplyKeyOpensTheOneFolderAlone) {
+  scratch_.Make("top\\middle\\bottom\\a.txt", "a");
+  scratch_.Make("top\\second\\b.txt", "b");
+  form_->FT1.SelectPath(scratch_ / "top");
+  const HTREEITEM top = Selected();
+  ASSERT_TRUE(ChildrenOf(top).empty());
+  form_->Show();
+  ::SetFocus(Tree());
+  PostKey(*form_, VK_MULTIPLY);
+  EXPECT_EQ(ChildrenOf(top), (std::vector<std::string>{"middle", "second"}));
+  EXPECT_TRUE(ChildrenOf(TreeView_GetChild(Tree(), top)).empty());
+  EXPECT_EQ(Selected(), top);
+}
+
 // Under Wine the desktop holds the whole machine below it.
 TEST_F(FolderTreeviewTest, ShowsNothingOutsideDrivesAndShares) {
   const HTREEITEM root = TreeView_GetRoot(Tree());

@@ -1,12 +1,14 @@
 // The menus as the system holds them: captions, separators, pictures, what is greyed, what a choice runs.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "Drawing.h"
 #include "MainFormTest.h"
+#include "core/main/CommandTable.h"
 
 namespace zq::test {
 namespace {
@@ -94,6 +96,30 @@ class MenusTest : public MainFormTest {
  protected:
   static HMENU Popup(frmMain& main, int place) { return ::GetSubMenu(::GetMenu(WindowOf(main)), place); }
 
+  static int Dpi(frmMain& main) { return static_cast<int>(::GetDpiForWindow(WindowOf(main))); }
+  static int Pixels(frmMain& main) { return ::MulDiv(16, Dpi(main), 96); }
+
+  // What the menu's owner draws when it is asked for an item's picture.
+  static Picture DrawnFor(frmMain& main, UINT id, UINT state, COLORREF ground) {
+    return DrawOn(ground, Pixels(main), [&](HDC to) {
+      DRAWITEMSTRUCT draw{};
+      draw.CtlType = ODT_MENU;
+      draw.itemID = id;
+      draw.itemAction = ODA_DRAWENTIRE;
+      draw.itemState = state;
+      draw.hDC = to;
+      draw.rcItem = {0, 0, Pixels(main), Pixels(main)};
+      EXPECT_TRUE(::SendMessageW(WindowOf(main), WM_DRAWITEM, 0, reinterpret_cast<LPARAM>(&draw)));
+    });
+  }
+
+  static bool IsGrey(const Picture& picture) {
+    return std::all_of(picture.pixels.begin(), picture.pixels.end(), [](std::uint32_t pixel) {
+      const std::uint32_t blue = pixel & 0xFF;
+      return (pixel >> 8 & 0xFF) == blue && (pixel >> 16 & 0xFF) == blue;
+    });
+  }
+
   // Calls `look` with each item of the table and what the system has at its place.
   template <typename Look>
   static void ForEach(frmMain& main, const Look& look) {
@@ -148,8 +174,6 @@ TEST_F(MenusTest, HaveTheirCaptionsAndSeparatorsInOrder) {
 
 TEST_F(MenusTest, ShowThePicturesThatBelongToTheirTools) {
   frmMain& main = Open();
-  const int pixels = ::MulDiv(16, static_cast<int>(::GetDpiForWindow(WindowOf(main))), 96);
-  const COLORREF ground = ::GetSysColor(COLOR_MENU);
   std::set<std::string> names;
   std::set<std::vector<std::uint32_t>> looks;
   ForEach(main, [&](const Item& item, const Seen& seen) {
@@ -157,19 +181,83 @@ TEST_F(MenusTest, ShowThePicturesThatBelongToTheirTools) {
       EXPECT_EQ(seen.picture, nullptr);
       return;
     }
-    BITMAP bitmap{};
-    ASSERT_EQ(::GetObjectA(seen.picture, sizeof bitmap, &bitmap), static_cast<int>(sizeof bitmap));
-    EXPECT_EQ(bitmap.bmWidth, pixels);
-    EXPECT_EQ(bitmap.bmHeight, pixels);
-    const Picture shown = DrawBitmap(seen.picture, pixels);
-    EXPECT_TRUE(ShowsSomething(shown));
-    EXPECT_TRUE(shown == DrawIcon(LoadResourceIcon(item.picture, pixels).Get(), ground, pixels))
-        << "it isn't the picture " << item.picture;
-    names.insert(item.picture);
-    looks.insert(shown.pixels);
+    EXPECT_EQ(seen.picture, HBMMENU_CALLBACK);
+    // Highlighted, it stands on whatever the menu has drawn below it.
+    for (const UINT state : {0U, static_cast<UINT>(ODS_SELECTED)}) {
+      const COLORREF ground = ::GetSysColor(state ? COLOR_HIGHLIGHT : COLOR_MENU);
+      const Picture shown = DrawnFor(main, seen.id, state, ground);
+      EXPECT_TRUE(ShowsSomething(shown));
+      EXPECT_TRUE(shown == DrawIcon(LoadResourceIcon(item.picture, Pixels(main)).Get(), ground, Pixels(main)))
+          << "it isn't the picture " << item.picture;
+      if (state) continue;
+      names.insert(item.picture);
+      looks.insert(shown.pixels);
+    }
   });
   EXPECT_EQ(names.size(), 10U);
   EXPECT_EQ(looks.size(), names.size()) << "pictures of different names look the same";
+}
+
+TEST_F(MenusTest, LeaveAGapBetweenPictureAndCaption) {
+  frmMain& main = Open();
+  ForEach(main, [&](const Item& item, const Seen& seen) {
+    MEASUREITEMSTRUCT measure{};
+    measure.CtlType = ODT_MENU;
+    measure.itemID = seen.id;
+    const LRESULT measured =
+        ::SendMessageW(WindowOf(main), WM_MEASUREITEM, 0, reinterpret_cast<LPARAM>(&measure));
+    EXPECT_EQ(measured != 0, *item.picture != '\0');
+    if (!measured) return;
+    EXPECT_EQ(static_cast<int>(measure.itemHeight), Pixels(main));
+    EXPECT_EQ(static_cast<int>(measure.itemWidth), Pixels(main) + ::MulDiv(4, Dpi(main), 96));
+  });
+}
+
+TEST_F(MenusTest, GreyThePictureWithItsCaption) {
+  frmMain& main = Open();
+  const COLORREF ground = ::GetSysColor(COLOR_MENU);
+  ASSERT_EQ(GetRValue(ground), GetBValue(ground));
+  ForEach(main, [&](const Item& item, const Seen& seen) {
+    if (*item.picture == '\0') return;
+    const Picture live = DrawnFor(main, seen.id, 0, ground);
+    for (const UINT state : {ODS_GRAYED | ODS_DISABLED, ODS_GRAYED | ODS_DISABLED | ODS_SELECTED}) {
+      const Picture greyed = DrawnFor(main, seen.id, state, ground);
+      EXPECT_TRUE(ShowsSomething(greyed));
+      EXPECT_FALSE(greyed == live);
+      EXPECT_TRUE(IsGrey(greyed));
+    }
+    EXPECT_FALSE(IsGrey(live));
+  });
+}
+
+// Menus with a visual style are given bitmaps, which they blend themselves.
+TEST_F(MenusTest, AreGivenBitmapsWhereTheyBlendThem) {
+  const HWND owner = ::CreateWindowExW(0, L"STATIC", L"owner", WS_OVERLAPPEDWINDOW, 0, 0, 300, 200, nullptr,
+                                       nullptr, nullptr, nullptr);
+  const BarsDesign design = MainBars();
+  MenuBar bar;
+  bar.Create(owner, design.menus, 100);
+  bar.LoadPictures(144, MenuLook::Blended);
+  const HMENU file = ::GetSubMenu(::GetMenu(owner), 0);
+  const HBITMAP live = Read(file, 0).picture;
+  BITMAP bitmap{};
+  ASSERT_EQ(::GetObjectW(live, sizeof bitmap, &bitmap), static_cast<int>(sizeof bitmap));
+  EXPECT_EQ(bitmap.bmWidth, 24 + 6) << "the gap belongs to it";
+  EXPECT_EQ(bitmap.bmHeight, 24);
+  EXPECT_EQ(bitmap.bmBitsPixel, 32);
+  const auto look = [&](HBITMAP shown) { return DrawBitmap(shown, 24); };
+  EXPECT_FALSE(IsGrey(look(live)));
+  bar.SetEnabled(100, false);
+  EXPECT_TRUE(IsGrey(look(Read(file, 0).picture)));
+  bar.SetEnabled(100, true);
+  EXPECT_EQ(Read(file, 0).picture, live);
+  bar.SetEnabled(100, false);
+  bar.LoadPictures(96, MenuLook::Blended);
+  ASSERT_EQ(::GetObjectW(Read(file, 0).picture, sizeof bitmap, &bitmap), static_cast<int>(sizeof bitmap));
+  EXPECT_EQ(bitmap.bmHeight, 16);
+  EXPECT_TRUE(IsGrey(DrawBitmap(Read(file, 0).picture, 16))) << "greyed as its item is";
+  EXPECT_EQ(Read(file, 4).picture, nullptr);
+  ::DestroyWindow(owner);
 }
 
 TEST_F(MenusTest, RunTheToolThatStandsAtTheirPlace) {

@@ -55,5 +55,21 @@ TEST_F(frmNewTest, CloseBoxLosesTheTick) {
   EXPECT_EQ(state_.Settings.SkipNewJobNote, 0);
 }
 
+TEST_F(frmNewTest, FocusIsOnOkAtFirst) {
+  Form& form = Default<frmNew>::Touch();
+  form.Show();
+  EXPECT_EQ(::GetFocus(), Item(form, IDC_frmNew_cmdOK));
+  EXPECT_EQ(TabOrder(form), (std::vector<int>{IDC_frmNew_chkShow, IDC_frmNew_cmdOK}));
+}
+
+TEST_F(frmNewTest, EscClosesItAndLosesTheTick) {
+  Form& form = Default<frmNew>::Touch();
+  form.Show();
+  Press(form, IDC_frmNew_chkShow);
+  PostKey(form, VK_ESCAPE);
+  EXPECT_FALSE(Default<frmNew>::IsLoaded());
+  EXPECT_EQ(state_.Settings.SkipNewJobNote, 0);
+}
+
 }  // namespace
 }  // namespace zq::test

@@ -56,6 +56,15 @@ TEST_F(frmOpenJobTest, OpensWithItsTexts) {
                                               IDC_frmOpenJob_cmdCancel, IDC_frmOpenJob_cmdHelp}));
 }
 
+TEST_F(frmOpenJobTest, EscIsItsCloseButton) {
+  AddJobs();
+  Open().Show();
+  PostKey(Open(), VK_ESCAPE);
+  EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
+  EXPECT_TRUE(state_.JobActionCancelled);
+  EXPECT_EQ(state_.SelectedJobName, "");
+}
+
 TEST_F(frmOpenJobTest, ListsTheSavedJobsWithTheirLastWipingAndSelectsTheFirst) {
   AddJobs();
   frmOpenJob& form = Open();

@@ -59,16 +59,25 @@ constexpr Command kHelpCommands[] = {
 };
 
 constexpr Command kToolBarCommands[] = {
-    {{"NewJob",        "New Job",         kNoKey, "newsmall",       "newlarge"},       &Commands::NewJob},
-    {{"OpenJob",       "Open Job",        kNoKey, "opensmall",      "openlarge"},      &Commands::OpenJob},
-    {{"SaveJob",       "Save Job",        kNoKey, "savesmall",      "savelarge"},      &Commands::SaveJob},
+    {{"NewJob",        "New Job",         kNoKey, "newsmall",       "newlarge",
+      "Close the open job and start a new one"}, &Commands::NewJob},
+    {{"OpenJob",       "Open Job",        kNoKey, "opensmall",      "openlarge",
+      "Open a saved job"}, &Commands::OpenJob},
+    {{"SaveJob",       "Save Job",        kNoKey, "savesmall",      "savelarge",
+      "Save the open job"}, &Commands::SaveJob},
     kSeparator,
-    {{"AddFiles",      "Add Files",       kNoKey, "addfilessmall",  "addfileslarge"},  &Commands::AddFilesDialog},
-    {{"AddFolder",     "Add Folder",      kNoKey, "addfoldersmall", "addfolderlarge"}, &Commands::AddFolder},
+    {{"AddFiles",      "Add Files",       kNoKey, "addfilessmall",  "addfileslarge",
+      "Add files to the job"}, &Commands::AddFilesDialog},
+    {{"AddFolder",     "Add Folder",      kNoKey, "addfoldersmall", "addfolderlarge",
+      "Add a folder to the job"}, &Commands::AddFolder},
     kSeparator,
-    {{"WipeNow",       "Wipe Now",        kNoKey, "MainSmall",      "MainLarge"},      &Commands::RunJobWipe},
-    {{"WipeFreeSpace", "Wipe Free Space", kNoKey, "wipspacesmall",  "wipespacelarge"}, &Commands::WipeFreeSpace},
+    {{"WipeNow",       "Wipe Now",        kNoKey, "MainSmall",      "MainLarge",
+      "Wipe all items of the job"}, &Commands::RunJobWipe},
+    {{"WipeFreeSpace", "Wipe Free Space", kNoKey, "wipspacesmall",  "wipespacelarge",
+      "Wipe the free space of a drive"}, &Commands::WipeFreeSpace},
 };
+
+constexpr std::string_view kBandNames[] = {"Job", "Items", "Wiping"};
 
 struct MenuCommands {
   std::string_view name;
@@ -95,6 +104,16 @@ std::vector<Tool> ToolsOf(std::span<const Command> commands) {
   return tools;
 }
 
+// The key that a menu's tool has for the same operation.
+Shortcut ShortcutOf(const Command& wanted) {
+  for (const MenuCommands& menu : kMenus) {
+    for (const Command& command : menu.commands) {
+      if (wanted.operation && command.operation == wanted.operation) return command.tool.shortcut;
+    }
+  }
+  return {};
+}
+
 const Command* Find(std::span<const Command> commands, std::string_view toolName) {
   for (const Command& command : commands) {
     if (command.tool.name == toolName) return &command;
@@ -108,7 +127,12 @@ BarsDesign MainBars() {
   BarsDesign design;
   for (const MenuCommands& menu : kMenus)
     design.menus.push_back({menu.name, menu.caption, ToolsOf(menu.commands)});
-  design.toolBar = ToolsOf(kToolBarCommands);
+  for (const Command& command : kToolBarCommands) {
+    Tool tool = command.tool;
+    tool.tipShortcut = ShortcutOf(command);
+    design.toolBar.push_back(tool);
+  }
+  design.bandNames.assign(std::begin(kBandNames), std::end(kBandNames));
   design.panels.assign(std::begin(kPanels), std::end(kPanels));
   return design;
 }

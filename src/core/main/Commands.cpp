@@ -23,6 +23,8 @@ constexpr const char* kTooManyFiles =
     "The names of the selected files are more than can be taken at one time, and none was added.  Select "
     "fewer files, or drag them onto the list from Windows Explorer.";
 constexpr const char* kNoReport = "There is no report available to view at this time.";
+constexpr const char* kNothingToRemove =
+    "No item is selected.  Select the item that you wish to remove from your listing.";
 constexpr const char* kBinBusy =
     "An operation is currently being performed.  The QuickWipe Bin cannot be closed.";
 
@@ -109,7 +111,10 @@ void Commands::EditFolderItem() {
 void Commands::RemoveSelectedItem() {
   JobList& jobList = parts_.jobList;
   const int row = jobList.SelectedRow();
-  if (row != 0) {
+  if (row == 0) {
+    parts_.platform.messageBoxes.Show(
+        {.text = kNothingToRemove, .title = "Remove Item", .icon = MessageIcon::Information});
+  } else {
     const MessageAnswer answer = parts_.platform.messageBoxes.Show(
         {.text = "Remove " + jobList.Row(row).NameAndLocation + " from your listing?",
          .title = "Remove Item",

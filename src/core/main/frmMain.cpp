@@ -4,7 +4,9 @@
 #include <shellapi.h>
 #include <windowsx.h>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #include "ancillary/frmWelcome.h"
 #include "core/main/CommandTable.h"
@@ -25,6 +27,11 @@ constexpr const char* kBarLayoutFile = "Zeroquill.dsl";
 
 constexpr int kDesignWidthTwips = 10710;
 constexpr int kDesignHeightTwips = 6930;
+
+// The user can't make the client area narrower, nor the list lower: the list's headers can be read, some rows
+// be seen, and each band has room for a tool.
+constexpr int kLeastWidthTwips = 6900;
+constexpr int kLeastListHeightTwips = 1800;
 
 // Posted to ourselves: work that must not run inside the message that asked for it.
 constexpr UINT kShowWelcome = WM_APP + 1;
@@ -125,16 +132,10 @@ void frmMain::Load() {
   const INITCOMMONCONTROLSEX classes{sizeof classes, ICC_USEREX_CLASSES};
   ::InitCommonControlsEx(&classes);
 
-  smallWindowIcon_ = LoadProgramIcon(::GetSystemMetricsForDpi(SM_CXSMICON, static_cast<UINT>(Dpi())));
-  largeWindowIcon_ = LoadProgramIcon(::GetSystemMetricsForDpi(SM_CXICON, static_cast<UINT>(Dpi())));
-  ::SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallWindowIcon_.Get()));
-  ::SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(largeWindowIcon_.Get()));
-  ImageList3.Create(ScaleForDpi(16, Dpi()));
-  ImageList3.AddPicture("folder");
-  ImageList3.AddPicture("file");
-  ListView1.SetSmallIcons(ImageList3.Handle());
+  windowIcons_.Show(Handle(), Dpi());
+  LoadRowPictures();
   ListView1.SetColumns(kColumns);
-  DockStudio1.Create(Handle(), MainBars());
+  DockStudio1.Create(Handle(), MainBars(), Dpi());
   SetDesignSize();
 
   if (platform_.process.EarlierInstanceRuns()) {
@@ -189,13 +190,47 @@ void frmMain::LoadBarLayout() {
     DockStudio1.LoadLayout(platform_.files, dataFolder_.PathOf(kBarLayoutFile));
 }
 
-void frmMain::SetDesignSize() {
-  RECT rect{0, 0, TwipsToPixels(kDesignWidthTwips, Dpi()), TwipsToPixels(kDesignHeightTwips, Dpi())};
+void frmMain::DpiChanged() {
+  windowIcons_.Show(Handle(), Dpi());
+  LoadRowPictures();
+  DockStudio1.OnDpiChanged(Dpi());
+}
+
+void frmMain::LoadRowPictures() {
+  ImageList former;  // shown until the list has the new ones
+  former.Swap(ImageList3);
+  ImageList3.Create(ScaleForDpi(16, Dpi()));
+  ImageList3.AddPicture("folder");
+  ImageList3.AddPicture("file");
+  const std::vector<DrawnIcon> drawn = std::exchange(drawnIcons_, {});
+  for (const DrawnIcon& icon : drawn) {
+    DrawFileIcon(icon.key, icon.flags);
+    AddDrawnPicture();
+  }
+  ListView1.SetSmallIcons(ImageList3.Handle());
+}
+
+// The window around a client area of this size, in pixels.
+SIZE frmMain::WindowAround(int clientWidth, int clientHeight) const {
+  RECT rect{0, 0, clientWidth, clientHeight};
   ::AdjustWindowRectExForDpi(&rect, static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_STYLE)), TRUE,
                              static_cast<DWORD>(::GetWindowLongW(Handle(), GWL_EXSTYLE)),
                              static_cast<UINT>(Dpi()));
-  ::SetWindowPos(Handle(), nullptr, 0, 0, rect.right - rect.left, rect.bottom - rect.top,
-                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+  return {rect.right - rect.left, rect.bottom - rect.top};
+}
+
+void frmMain::SetDesignSize() {
+  const SIZE size =
+      WindowAround(TwipsToPixels(kDesignWidthTwips, Dpi()), TwipsToPixels(kDesignHeightTwips, Dpi()));
+  ::SetWindowPos(Handle(), nullptr, 0, 0, size.cx, size.cy, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// A saved place is taken as it is, however small.
+void frmMain::LimitSize(POINT& leastSize) const {
+  if (restoringPlace_) return;
+  const SIZE least = WindowAround(TwipsToPixels(kLeastWidthTwips, Dpi()),
+                                  DockStudio1.Height() + TwipsToPixels(kLeastListHeightTwips, Dpi()));
+  leastSize = {std::max(leastSize.x, least.cx), std::max(leastSize.y, least.cy)};
 }
 
 void frmMain::RestoreWindowPlacement() {
@@ -209,10 +244,12 @@ void frmMain::RestoreWindowPlacement() {
   const ScreenPlace place = PlaceOf(placement, SystemDpi());
   // On a monitor of another resolution the first move has the window scaled to it: the second one gives it
   // its size again.
+  restoringPlace_ = true;
   for (int move = 0; move < 2; ++move) {
     ::SetWindowPos(Handle(), nullptr, place.left, place.top, place.width, place.height,
                    SWP_NOZORDER | SWP_NOACTIVATE);
   }
+  restoringPlace_ = false;
 }
 
 WindowPlacement frmMain::CurrentPlacement() const {
@@ -260,12 +297,32 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
     case WM_INITMENUPOPUP:
       DockStudio1.OnInitMenuPopup(reinterpret_cast<HMENU>(wParam));
       return std::nullopt;
+    case WM_MEASUREITEM:
+      if (!DockStudio1.OnMeasureItem(*reinterpret_cast<MEASUREITEMSTRUCT*>(lParam))) return std::nullopt;
+      return TRUE;
+    case WM_DRAWITEM:
+      if (!DockStudio1.OnDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) return std::nullopt;
+      return TRUE;
+    case WM_THEMECHANGED:
+      DockStudio1.OnLookChanged();
+      return std::nullopt;
+    case WM_SYSCOLORCHANGE:
+      // The system tells top-level windows alone.
+      ::EnumChildWindows(
+          Handle(),
+          [](HWND child, LPARAM) -> BOOL {
+            ::SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+            return TRUE;
+          },
+          0);
+      DockStudio1.OnLookChanged();
+      return std::nullopt;
+    case WM_GETMINMAXINFO:
+      LimitSize(reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize);
+      return 0;
     case WM_SIZE:
       DockStudio1.OnSize();
       return 0;
-    case WM_DPICHANGED:
-      DockStudio1.OnDpiChanged();
-      return std::nullopt;
     case WM_CONTEXTMENU:
       if (reinterpret_cast<HWND>(wParam) != ListView1.Handle()) return std::nullopt;
       DockStudio1.PopupMenu(kActionsMenu, lParam == -1 ? ListView1.MenuPlace()
@@ -353,6 +410,7 @@ void frmMain::MeasureSmallIcon(const std::string& key, std::uint32_t flags) {
 }
 
 void frmMain::DrawFileIcon(const std::string& key, std::uint32_t flags) {
+  drawnIcons_.push_back({key, flags});
   SHFILEINFOW info{};
   ::SHGetFileInfoW(ToWide(key).c_str(), FILE_ATTRIBUTE_NORMAL, &info, sizeof info, SHGFI_ICON | flags);
   drawnIcon_.Reset(info.hIcon);

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "controls/Control.h"
 #include "controls/Default.h"
@@ -11,6 +13,7 @@
 #include "controls/DropTarget.h"
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
+#include "controls/WindowIcons.h"
 #include "core/main/Commands.h"
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
@@ -64,8 +67,14 @@ class frmMain final : public Form,
   void ReadCommandLine();
   void LoadBarLayout();
 
+  // What is as large as the resolution wants it.
+  void DpiChanged() override;
+  void LoadRowPictures();
+
   // The window's size and place, in twips outside, in pixels inside.
+  SIZE WindowAround(int clientWidth, int clientHeight) const;
   void SetDesignSize();
+  void LimitSize(POINT& leastSize) const;
   void RestoreWindowPlacement();
   WindowPlacement CurrentPlacement() const;
 
@@ -118,15 +127,20 @@ class frmMain final : public Form,
   zq::SFD1 SFD1;
   Commands commands_;
   ImageList ImageList3;
-  UniqueIcon drawnIcon_;  // what Picture2, the drawing surface of the icon cache, holds
+  struct DrawnIcon {
+    std::string key;
+    std::uint32_t flags;
+  };
+  std::vector<DrawnIcon> drawnIcons_;  // of the pictures behind the built-in two
+  UniqueIcon drawnIcon_;               // what Picture2, the drawing surface of the icon cache, holds
   int IconWidth = 0;
   int IconHeight = 0;
   DropTarget dropTarget_;
-  UniqueIcon smallWindowIcon_;
-  UniqueIcon largeWindowIcon_;
+  WindowIcons windowIcons_;
   bool FirstRun = false;  // the welcome is still owed
   bool maximiseAtShow_ = false;
   bool shown_ = false;
+  bool restoringPlace_ = false;
   bool rowsPending_ = false;  // the list control hasn't been told the number of rows yet
 };
 

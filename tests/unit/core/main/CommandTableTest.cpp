@@ -93,6 +93,26 @@ TEST(CommandTable, ListsTheToolBar) {
                           "WipeFreeSpace|Wipe Free Space||wipspacesmall|wipespacelarge"));
 }
 
+TEST(CommandTable, TellsOnTheToolBarWhatAToolDoesAndItsKey) {
+  std::vector<std::string> tips;
+  for (const Tool& tool : MainBars().toolBar) {
+    if (tool.name.empty()) continue;
+    tips.push_back(std::string(tool.name) + ": " + std::string(tool.tip) + '|' + NameOf(tool.tipShortcut));
+    EXPECT_EQ(tool.shortcut.key, 0) << "the key is the menu's";
+  }
+  EXPECT_THAT(tips, ElementsAre("NewJob: Close the open job and start a new one|Ctrl+N",  //
+                                "OpenJob: Open a saved job|Ctrl+O",                       //
+                                "SaveJob: Save the open job|Ctrl+S",                      //
+                                "AddFiles: Add files to the job|",                        //
+                                "AddFolder: Add a folder to the job|",                    //
+                                "WipeNow: Wipe all items of the job|F10",                 //
+                                "WipeFreeSpace: Wipe the free space of a drive|"));
+}
+
+TEST(CommandTable, NamesTheBandsOfTheToolBar) {
+  EXPECT_THAT(MainBars().bandNames, ElementsAre("Job", "Items", "Wiping"));
+}
+
 TEST(CommandTable, NamesTheOperationOfEachTool) {
   struct Row {
     void (Commands::*operation)();

@@ -250,10 +250,14 @@ TEST_F(CommandsTest, RemoveKeepsTheRowOnAnyOtherAnswer) {
   }
 }
 
-TEST_F(CommandsTest, RemoveWithoutASelectedRowAsksNothing) {
+TEST_F(CommandsTest, RemoveWithoutASelectedRowSaysSo) {
   List(2, 0);
+  Answer(MessageAnswer::Ok);
   commands.RemoveSelectedItem();
-  EXPECT_THAT(boxes.shown, IsEmpty());
+  EXPECT_THAT(
+      boxes.shown,
+      ElementsAre(Message{"No item is selected.  Select the item that you wish to remove from your listing.",
+                          "Remove Item", MessageIcon::Information, MessageButtons::Ok}));
   EXPECT_EQ(jobList.Count(), 2U);
   EXPECT_TRUE(state.JobSaved);
   EXPECT_TRUE(ToolsUpdated());
