@@ -9,6 +9,7 @@
 
 #include "Driving.h"
 #include "MainFormTest.h"
+#include "controls/Pictures.h"
 #include "controls/RowColours.h"
 #include "jobs/frmEdit.h"
 #include "platform/win32/Wide.h"
@@ -183,7 +184,7 @@ TEST_F(ListViewTest, AnEmptyListSaysWhatToDoInGrey) {
   const auto inside = [&] {
     RECT rect{};
     ::GetWindowRect(main.ListView1.Handle(), &rect);
-    rect.top += 40;  // below the header
+    rect.top += ScaleForDpi(40, static_cast<Form&>(main).Dpi());  // below the header and the first row
     ::InflateRect(&rect, -10, -10);
     return GrabScreen(rect);
   };

@@ -50,11 +50,11 @@ TEST_F(JobWipeLongWorkTest, IsToldFromTheConfirmationToTheReportAndCallsTheUserA
   };
   Run();
   EXPECT_THAT(Told(),
-              ElementsAre("box Wipe Operation", kBegin, "main: hide", "status: show", "work: uncounted",
+              ElementsAre("box Wipe Operation", kBegin, "status: show", "main: hide", "work: uncounted",
                           "attributes C:\\a.txt 128", "attributes C:\\b.txt 128",  //
                           "WipeFile C:\\a.txt 3", "work: 0", "work: 50",           //
                           "WipeFile C:\\b.txt 3", "work: 50", "work: 100",         //
-                          "report: load", "work: end", "status: unload", "main: show", "work: call",
+                          "report: load", "work: end", "main: show", "status: unload", "work: call",
                           "box Wipe Operation"));
 }
 
