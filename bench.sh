@@ -5,6 +5,7 @@
 #   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
 #   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows; zqwipe * and by path
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
+#   bench.sh rows     the program itself under Wine, with a job of 2,000 file rows, against shred
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
 set -euo pipefail
@@ -12,7 +13,7 @@ cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
 source scripts/packages.sh
 need_packages build-native bench
-[[ ${1:-} != windows ]] || need_packages build run
+[[ ${1:-} != windows && ${1:-} != rows ]] || need_packages build run
 
 runs=${BENCH_RUNS:-5}
 dir=${BENCH_DIR:-$PWD/build/bench}
@@ -81,11 +82,12 @@ run_fio() {
   done | awk '{ sum += $1 } END { printf "%.3f\n", sum }' >"$dir/own-seconds"
 }
 by_wine() {
-  ZQ_PREFIX=bench scripts/wine-run.sh build/windows/tests/bench/engine_bench.exe "$1" 'C:\bench\work' 3 |
+  ZQ_PREFIX=bench scripts/wine-run.sh "build/program/tests/bench/$1" "${@:2}" |
     tr -d '\r' | sed 's/ s, .*//' >"$dir/own-seconds"
 }
-run_windows() { by_wine folder; }
-run_rows() { by_wine each; }
+run_windows() { by_wine engine_bench.exe folder 'C:\bench\work' 3; }
+run_calls() { by_wine engine_bench.exe each 'C:\bench\work' 3; }
+run_program() { by_wine rows_bench.exe 'C:\bench\work\folder0'; }
 
 # seconds TOOL WORKLOAD: of one run.
 seconds() {
@@ -106,7 +108,7 @@ seconds() {
 # flushes TOOL WORKLOAD: how many calls for a flush.
 flushes() {
   local trace
-  [[ $1 != windows && $1 != rows ]] || { echo -; return; }  # it can't be looked into from outside the cage
+  [[ $1 != windows && $1 != calls && $1 != program ]] || { echo -; return; }  # it can't be looked into from outside the cage
   trace=$(mktemp)
   make_work "$2"
   strace -f -qq -c -e trace=fsync,fdatasync,syncfs,sync -o "$trace" "$BASH" -c \
@@ -146,17 +148,24 @@ linear() {
 make_files_of() { files "$1" 4096 $(($1 / 100)); }
 
 # The prefix's drive C: is a folder of this disk, where shred finds the same files.
-compare_windows() {
+in_prefix() {
   local prefix
   cmake --preset program -Wno-dev >/dev/null
-  cmake --build --preset program --parallel "$(nproc)" --target engine_bench >/dev/null
+  cmake --build --preset program --parallel "$(nproc)" --target "$1" >/dev/null
   prefix=$(scripts/prefix.sh create bench)
   trap 'rm -rf -- "$dir/work" "$dir/own-seconds"; scripts/prefix.sh stop bench' EXIT
   dir=$prefix/drive_c/bench
   mkdir -p -- "$dir"
+}
+compare_rows() {
+  in_prefix rows_bench
+  compare "2,000 files of 4 KiB in one folder, as rows of a job" flat program shred
+}
+compare_windows() {
+  in_prefix engine_bench
   compare "One file of 256 MiB" large windows shred
   compare "2,000 files of 4 KiB in 20 folders" small windows shred
-  compare "2,000 files of 4 KiB in one folder, a call for each" flat rows shred
+  compare "2,000 files of 4 KiB in one folder, a call for each" flat calls shred
   compare "100 files of 1 MiB" middle windows shred
 }
 
@@ -172,6 +181,7 @@ case ${1:-} in
   linear) linear; exit ;;
   each) compare_each; exit ;;
   windows) compare_windows; exit ;;
+  rows) compare_rows; exit ;;
 esac
 # wipe takes half a minute and more for each run of the large file and of the middle ones.
 compare "One file of 256 MiB" large engine plain shred scrub fio

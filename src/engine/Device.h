@@ -305,6 +305,12 @@ class Device {
   virtual void FlushEntries(std::span<File* const> files, std::span<Status> outcomes);
   virtual void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes);
 
+  // Makes durable what has become of the entries of these folders since they were opened, those among it
+  // that are gone by now. May take in more of the file system than they are.
+  virtual void FlushRemovals(std::span<Folder* const> folders, std::span<Status> outcomes) {
+    FlushFolders(folders, outcomes);
+  }
+
   // Before folders are removed, all of the file system of `folder`, and after what was removed from them is
   // durable: writes them to their place. Freed while a change is only in a journal, a folder's block would
   // keep the old names.

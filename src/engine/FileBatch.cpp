@@ -258,8 +258,10 @@ void FileBatch::Erase(std::size_t first) {
     Try(item, [&] { item.file ? item.file->Hide() : HideLink(item); });
   } while (end < items_.size() && operation_.clock.Now() - started < kLongestHiding);
   group_ = std::span(items_).subspan(first, end - first);
-  FlushEntries();
-  FlushPlaces(true);
+  if (!operation_.flushesNamesLater) {
+    FlushEntries();
+    FlushPlaces(true);
+  }
   for (const auto& item : group_) {
     Try(*item, [&] {
       if (item->file) {
@@ -269,9 +271,10 @@ void FileBatch::Erase(std::size_t first) {
                 item->linkItem.path + " (now named " + item->link.name + ')');
       }
       item->place->hasLostEntries = true;
+      item->place->isUnflushed = operation_.flushesNamesLater;
     });
   }
-  FlushPlaces(false);
+  if (!operation_.flushesNamesLater) FlushPlaces(false);
 }
 
 void FileBatch::HideLink(Item& link) {

@@ -43,13 +43,14 @@ struct Place {
   Place(const Place&) = delete;
   Place& operator=(const Place&) = delete;
   ~Place() {
-    if (folder && hasLostEntries) traces.Add(std::move(folder), std::move(path));
+    if (folder && hasLostEntries) traces.Add(std::move(folder), std::move(path), isUnflushed);
   }
 
   Traces& traces;
   std::unique_ptr<Folder> folder;
   std::string path;
   bool hasLostEntries = false;
+  bool isUnflushed = false;             // their removal isn't durable yet
   bool somethingStays = false;          // something in it has failed, so it has to stay too
   std::size_t shortestName = 1;         // that is free in it, as far as known (HideName)
   std::optional<FileId> onlyFile = {};  // if set, no other file may be opened in it

@@ -63,10 +63,7 @@ class Fillers {
     operation_.CoveringTook(operation_.clock.Now() - started_);
   }
 
-  void Make() {
-    NameRoom room;
-    if (!folder_.RoomForNames(room)) return;
-    cut_ = !MayGoOn();
+  void Make(const NameRoom& room) {
     const bool isTree = room.kind == NameRoom::Kind::Tree;
     for (const std::size_t length :
          isTree ? std::span<const std::size_t>(kTreeLengths) : std::span<const std::size_t>(kSlotLengths)) {
@@ -143,8 +140,11 @@ class Fillers {
 
 void CoverNames(Operation& operation, Folder& folder, const std::string& path) noexcept {
   try {
+    NameRoom room;
+    if (!folder.RoomForNames(room)) return;
+    if (!operation.MayGoOn(path) || !operation.MayCover()) return operation.AddNote(kMayStand);
     Fillers fillers(operation, folder, path);
-    fillers.Make();
+    fillers.Make(room);
     Folder* const folders[] = {&folder};
     Status outcomes[1];
     operation.device.FlushFolders(folders, outcomes);

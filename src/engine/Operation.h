@@ -81,11 +81,15 @@ class Operation {
   // The files of which a name has gone, and how many names each of them has left.
   std::map<FileId, std::uint32_t> namesLeft;
   // Of names, for the end of the operation.
-  Traces traces;
+  Traces traces{device};
+  // Whether the renamings and removals of the running call are made durable at the end of the operation, once
+  // for each folder. Who loses the power before may find entries of what is overwritten already.
+  bool flushesNamesLater = false;
 
   // Forgets what belongs to the call before.
   void BeginCall(std::int32_t level) {
     passes = PassesOfLevel(level);
+    flushesNamesLater = false;
     note.clear();
     namesLeft.clear();
     failureCount = 0;

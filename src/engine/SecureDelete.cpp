@@ -149,8 +149,10 @@ bool SecureDelete::EndWhole() noexcept {
 bool SecureDelete::ClearTraces() noexcept {
   place_.reset();
   if (!operation_) return true;
+  // A click may have come when nothing could be stopped any more.
+  const bool inAHurry = std::exchange(wasCancelled_, false) || cancelled_;
   cancelled_ = false;
-  const Clock::Time longest = std::exchange(wasCancelled_, false) ? kLongestAfterCancel : kLongest;
+  const Clock::Time longest = inAHurry ? kLongestAfterCancel : kLongest;
   operation_->timer.Raised();
   const bool done = Guard([&] { operation_->traces.Clear(*operation_, longest); });
   SetNote();
@@ -158,20 +160,29 @@ bool SecureDelete::ClearTraces() noexcept {
   return done;
 }
 
-// The next row of a job is mostly a file of the same folder. It may stay open between two calls where that
-// keeps anybody from putting another one in its place.
+// The next row of a job is mostly a file of the same folder, which stays open between two calls. Where that
+// doesn't keep anybody from putting another one in its place, the path is followed anew, and compared.
 std::shared_ptr<Place> SecureDelete::PlaceAt(const std::string& path) {
-  if (place_ && place_->path == path) return place_;
+  if (place_ && place_->path == path) {
+    if (!device_.RenamesOpenFolders()) return place_;
+    EntryId then;
+    EntryId now;
+    if (place_->folder->Identity(then).Ok() && device_.Identify(device_.Join(path, {}), now).Ok() &&
+        now == then) {
+      return place_;
+    }
+  }
   place_.reset();
   auto place = std::make_shared<Place>(*operation_);
   place->path = path;
   Require(device_.OpenFolder(path, place->folder), "Opening", path);
-  if (isWhole_ && !device_.RenamesOpenFolders()) place_ = place;
+  if (isWhole_) place_ = place;
   return place;
 }
 
 bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
   return Run(path, level, [&](Operation& operation) {
+    operation.flushesNamesLater = isWhole_;
     std::string folderPath;
     std::string name;
     std::shared_ptr<Place> place;
@@ -200,6 +211,7 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
 bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
                              std::int32_t level, const EntryId* meantFolder) noexcept {
   return Run(folderPath, level, [&](Operation& operation) {
+    operation.flushesNamesLater = isWhole_;
     std::shared_ptr<Place> place;
     EntryId folder;
     try {

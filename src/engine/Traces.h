@@ -4,11 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "engine/Clock.h"
 #include "engine/Device.h"
+#include "engine/Failure.h"
 
 namespace zq::engine {
 
@@ -18,18 +21,19 @@ class Operation;
 // the engine: each folder is then covered, and each log cleared, once.
 class Traces {
  public:
-  Traces() = default;
+  explicit Traces(Device& device) : device_(device) {}
   Traces(const Traces&) = delete;
   Traces& operator=(const Traces&) = delete;
 
-  // `folder` has lost entries and stays. It is closed if nothing has to be done for it later.
-  void Add(std::unique_ptr<Folder> folder, std::string path) noexcept;
+  // `folder` has lost entries and stays. It is closed if nothing has to be done for it later. `isUnflushed`:
+  // their removal isn't durable yet.
+  void Add(std::unique_ptr<Folder> folder, std::string path, bool isUnflushed) noexcept;
 
   // Covers the folders that came first while more are kept than may be open for long.
   void KeepFew(Operation& operation);
 
-  // Covers and clears all, for at most `longest`. Throws Failure if content may be left in a log; all that
-  // can be done has been done then.
+  // Makes the removals durable, then covers and clears all, for at most `longest`. Throws Failure if a
+  // removal may be lost, or content left in a log; all that can be done has been done then.
   void Clear(Operation& operation, Clock::Time longest);
 
   bool IsEmpty() const { return kept_.empty(); }
@@ -39,9 +43,14 @@ class Traces {
     std::unique_ptr<Folder> folder;
     std::string path;
     std::uint64_t log = 0;
+    bool isUnflushed = false;
   };
 
+  void Flush(std::span<Kept> some);
+
+  Device& device_;
   std::vector<Kept> kept_;
+  std::optional<Failure> failure_;  // the first
 };
 
 }  // namespace zq::engine

@@ -121,6 +121,10 @@ class PosixDevice final : public Device {
   }
 
   void FlushContents(std::span<File* const> files, std::span<Status> outcomes) {
+    if (files.size() == 1) {
+      outcomes[0] = static_cast<PosixFile&>(*files[0]).Flush();
+      return;
+    }
     for (std::size_t i = 0; i < files.size(); ++i) {
       auto& file = static_cast<PosixFile&>(*files[i]);
       // Where a single file's data may go through the journal, each is asked.
@@ -141,6 +145,12 @@ class PosixDevice final : public Device {
 
   void FlushFolders(std::span<Folder* const> folders, std::span<Status> outcomes) override {
     FlushMetadata<PosixFolder>(folders, outcomes, [](PosixFolder& folder) { return folder.Flush(); });
+  }
+
+  // Without an order the inodes of what is gone, with its dates, have a way to the device of their own.
+  void FlushRemovals(std::span<Folder* const> folders, std::span<Status> outcomes) override {
+    FlushMetadata<PosixFolder>(
+        folders, outcomes, [](PosixFolder& folder) { return folder.Flush(); }, LittleIsUnwritten());
   }
 
   // Where the checkpoint isn't allowed, the changes of others have to be written too.
@@ -174,12 +184,13 @@ class PosixDevice final : public Device {
 
  private:
   // What is true of names, lengths and dates for files and folders alike. Without an order among them each
-  // has to be flushed, or with many of them the whole file system, which has to write what others have
-  // changed too, but does it in one go.
+  // has to be flushed, or with many of them, or if it is wanted, the whole file system, which has to write
+  // what others have changed too, but does it in one go.
   template <typename Posix, typename Base, typename Flush>
-  static void FlushMetadata(std::span<Base* const> all, std::span<Status> outcomes, const Flush& flush) {
+  static void FlushMetadata(std::span<Base* const> all, std::span<Status> outcomes, const Flush& flush,
+                            bool wholeFileSystem = false) {
     constexpr std::size_t kFew = 4;
-    const bool many = all.size() > kFew;
+    const bool many = wholeFileSystem || all.size() > kFew;
     for (std::size_t i = 0; i < all.size(); ++i) {
       auto& one = static_cast<Posix&>(*all[i]);
       const bool together = one.OnVolume().isOrdered || (many && one.OnVolume().oneFlushForAll);

@@ -98,20 +98,22 @@ bool Uring::Enter(unsigned completions) {
   }
 }
 
+Uring::Completion Uring::TakeBack() {
+  const std::uint32_t tail = *submitTail_ - 1;
+  std::atomic_ref(*submitTail_).store(tail, std::memory_order_release);
+  --waiting_;
+  return {entries_.At<io_uring_sqe>(0)[tail & submitMask_].user_data, -EAGAIN};
+}
+
 Uring::Completion Uring::Wait() {
   const std::uint32_t head = *completeHead_;  // ours alone
   // Where many are under way, many are waited for: those that take their place then go together.
   const unsigned enough = underWay_ > kMostWaiting ? underWay_ - kMostWaiting : 1;
   --underWay_;
+  if (underWay_ == 0 && waiting_ == 1) return TakeBack();
   while (std::atomic_ref(*completeTail_).load(std::memory_order_acquire) == head) {
     if (Enter(enough)) continue;
-    if (waiting_ > 0) {
-      // The kernel doesn't take the last one, so it is called back, and told as failed.
-      const std::uint32_t tail = *submitTail_ - 1;
-      std::atomic_ref(*submitTail_).store(tail, std::memory_order_release);
-      --waiting_;
-      return {entries_.At<io_uring_sqe>(0)[tail & submitMask_].user_data, -EAGAIN};
-    }
+    if (waiting_ > 0) return TakeBack();  // the kernel doesn't take it
     // What is under way ends in any case, so there is nothing to give up for.
     ::sched_yield();
   }

@@ -28,7 +28,9 @@ class Uring {
   void BeginWrite(int fd, const std::byte* data, std::size_t size, std::uint64_t offset, std::uint64_t tag);
   void BeginRead(int fd, std::byte* data, std::size_t size, std::uint64_t offset, std::uint64_t tag);
 
-  // Waits for one to end. One must be under way.
+  // Waits for one to end. One must be under way. A small one that would go to the kernel by itself comes back
+  // instead, as failed with EAGAIN: the plain way is the shorter one for it, since the kernel lets another
+  // thread end what went by the ring.
   Completion Wait();
 
  private:
@@ -38,6 +40,8 @@ class Uring {
              std::uint64_t tag);
   // Hands over what waits, and waits until so many are complete.
   bool Enter(unsigned completions);
+  // Calls back the last one that waits, as one that has failed.
+  Completion TakeBack();
 
   // A part of the memory that is shared with the kernel.
   struct Mapping {

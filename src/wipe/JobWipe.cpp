@@ -1,6 +1,7 @@
 #include "wipe/JobWipe.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
@@ -164,11 +165,13 @@ void JobWipe::WipeRows() {
     }
     Whole(const Whole&) = delete;
     Whole& operator=(const Whole&) = delete;
-    ~Whole() {
-      if (wipes_) wipes_->EndWhole();
+    ~Whole() { End(); }
+    bool End() {
+      WholeWipes* const wipes = std::exchange(wipes_, nullptr);
+      return wipes == nullptr || wipes->EndWhole();
     }
     WholeWipes* wipes_;
-  } const whole(whole_);
+  } whole(whole_);
   const std::int16_t end = jobList_.RowLoopEnd();
   for (int row = 1; row <= end; ++row) {
     const JobRow& item = jobList_.Row(row);
@@ -181,6 +184,8 @@ void JobWipe::WipeRows() {
     platform_.process.PumpMessages();
     if (state_.CancelRequested) break;
   }
+  // It belongs to no row: the rows have been told as what they were then.
+  if (!whole.End()) state_.ReportErrors.Add(SFD1->GetLastErrorText());
 }
 
 void JobWipe::WipeFolderRow(int row) {

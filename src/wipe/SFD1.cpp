@@ -27,11 +27,11 @@ bool SFD1::WipeFreeSpace(const std::string& drive, std::int32_t level) {
   return Finish(engine_.WipeFreeSpace(drive, level));
 }
 
-// Whatever becomes of the traces, what was wiped is gone, and what a handler of their progress raises comes
-// too late to end anything.
-void SFD1::EndWhole() noexcept {
-  engine_.EndWhole();
+// What a handler of its progress raises comes too late to end anything.
+bool SFD1::EndWhole() noexcept {
+  const bool done = engine_.EndWhole();
   raised_ = nullptr;
+  return done;
 }
 
 // The engine takes nothing that is thrown through it: what a handler raises waits here until the member

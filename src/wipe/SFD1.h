@@ -29,7 +29,7 @@ class SFD1 final : public SecureFileDeleteWizard, public WholeWipes, private eng
   void CancelOperation() override { engine_.CancelOperation(); }
 
   void BeginWhole() override { engine_.BeginWhole(); }
-  void EndWhole() noexcept override;
+  bool EndWhole() noexcept override;
 
  private:
   void WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t percent,

@@ -47,12 +47,14 @@ class SecureFileDeleteWizard {
 };
 
 // What an engine can do better for several calls than for each: between the two they are one operation, whose
-// traces are seen to at its end. Each BeginWhole has its EndWhole, which never raises.
+// traces are seen to at its end. Each BeginWhole has its EndWhole, which never raises; it is false where
+// something of what the calls have told may not be so after a loss of power, or in a log, as GetLastErrorText
+// then tells.
 class WholeWipes {
  public:
   virtual ~WholeWipes() = default;
   virtual void BeginWhole() = 0;
-  virtual void EndWhole() noexcept = 0;
+  virtual bool EndWhole() noexcept = 0;
 };
 
 }  // namespace zq

@@ -20,6 +20,7 @@ class FakeEngine final : public SecureFileDeleteWizard {
   std::function<void(const std::string& path, WipeEvents& events)> work;
 
   std::function<void()> onCancel;  // runs inside CancelOperation
+  std::string lastErrorText;       // what GetLastErrorText returns: of the latest failure
 
   bool WipeFile(const std::string& path, std::int32_t level) override {
     log_.push_back("WipeFile " + path + " " + std::to_string(level));
@@ -41,7 +42,7 @@ class FakeEngine final : public SecureFileDeleteWizard {
     log_.push_back("WipeFreeSpace " + drive + " " + std::to_string(level));
     return Run(drive);
   }
-  std::string GetLastErrorText() override { return lastErrorText_; }
+  std::string GetLastErrorText() override { return lastErrorText; }
   void CancelOperation() override {
     log_.push_back("CancelOperation");
     if (onCancel) onCancel();
@@ -52,13 +53,12 @@ class FakeEngine final : public SecureFileDeleteWizard {
     if (work) work(path, events_);
     const auto failure = failures.find(path);
     if (failure == failures.end()) return true;
-    lastErrorText_ = failure->second;
+    lastErrorText = failure->second;
     return false;
   }
 
   EventLog& log_;
   WipeEvents& events_;
-  std::string lastErrorText_;
 };
 
 // Records where a whole begins and ends.
@@ -66,7 +66,12 @@ class FakeWholeWipes final : public WholeWipes {
  public:
   explicit FakeWholeWipes(EventLog& log) : log_(log) {}
   void BeginWhole() override { log_.push_back("BeginWhole"); }
-  void EndWhole() noexcept override { log_.push_back("EndWhole"); }
+  bool EndWhole() noexcept override {
+    log_.push_back("EndWhole");
+    return ends;
+  }
+
+  bool ends = true;  // what EndWhole returns
 
  private:
   EventLog& log_;

@@ -57,6 +57,29 @@ TEST(PosixMeant, OfALinkIsTheLinkItself) {
   EXPECT_NE(IdOf(scratch / "a"), IdOf(scratch / "link"));
 }
 
+// The folder of a call stays open for the next one, which may name another folder by then, also by a link on
+// the way to it.
+TEST(PosixMeant, OfAPathIsWhatItLeadsToAtEachCallOfAWhole) {
+  const Scratch scratch;
+  RealEngine real;
+  for (const char* folder : {"first", "second"}) {
+    fs::create_directory(scratch / folder);
+    WriteBytes(scratch / folder / "a", "text");
+    WriteBytes(scratch / folder / "b", "text");
+  }
+  fs::create_directory_symlink("first", scratch / "link");
+  real.engine.BeginWhole();
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "link" / "a"), 3)) << real.engine.LastErrorText();
+  fs::remove(scratch / "link");
+  fs::create_directory_symlink("second", scratch / "link");
+  EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "link" / "b"), 3)) << real.engine.LastErrorText();
+  EXPECT_TRUE(real.engine.EndWhole()) << real.engine.LastErrorText();
+  EXPECT_FALSE(fs::exists(scratch / "first" / "a"));
+  EXPECT_TRUE(fs::exists(scratch / "first" / "b"));
+  EXPECT_TRUE(fs::exists(scratch / "second" / "a"));
+  EXPECT_FALSE(fs::exists(scratch / "second" / "b"));
+}
+
 TEST(PosixMeant, OfWhatIsNotThereIsAFailure) {
   const Scratch scratch;
   EntryId id;

@@ -59,6 +59,14 @@ TEST_F(JobWipeWholeTest, EndsWithACancel) {
   EXPECT_THAT(Calls(), ElementsAre("BeginWhole", "WipeFile C:\\a.txt 3", "EndWhole"));
 }
 
+// It belongs to no row, so it has a line of its own.
+TEST_F(JobWipeWholeTest, WhoseEndFailsIsInTheReport) {
+  engine.lastErrorText = "Flushing the removal of files from C:\\: The disk is gone (1167)";
+  whole.ends = false;
+  Run();
+  EXPECT_THAT(Report(), testing::EndsWith("\"[ERRORS]\"\r\n\"" + engine.lastErrorText + "\"\r\n"));
+}
+
 TEST_F(JobWipeWholeTest, DoesNotBeginInACalledOffRun) {
   boxes.answers = {MessageAnswer::Cancel};
   wipe.RunJobWipe();
