@@ -39,21 +39,22 @@ void FreeSpaceWipe::RunFreeSpaceWipe() {
   state_.CancelRequested = false;
   WipeStartedAt = platform_.regional.Now();
   DoWork();
-  mainWindow_.Show();
   platform_.longWork.CallUser();
   WipeEndedAt = platform_.regional.Now();
   platform_.messageBoxes.Show(Outcome());
 }
 
-// While the main window is hidden.
+// From the main window to the progress window, and back.
 void FreeSpaceWipe::DoWork() {
   const LongWorkScope work(platform_.longWork, kReasonToStay);
-  mainWindow_.Hide();
+  // Before the main window goes: a program without a window loses the front to another one.
   statusWindow_.Show();
+  mainWindow_.Hide();
 
   // Its result tells nothing: a failure comes as an event, and whether the user has cancelled is known.
   static_cast<void>(SFD1->WipeFreeSpace(state_.FreeSpaceDrive, state_.FreeSpacePasses));
 
+  mainWindow_.Show();
   // After a cancel the user has closed the window: this is a hidden one that the last events have brought up.
   statusWindow_.Unload();
 }

@@ -108,10 +108,10 @@ TEST_F(FreeSpaceWipeTest, RunsStepAfterStepAndTellsTheSuccess) {
     regional.now = "11/22/2026 4:05:06 AM";
   });
   Run();
-  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "main: hide", "space: show", "WipeFreeSpace D:\\ 5",
+  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "space: show", "main: hide", "WipeFreeSpace D:\\ 5",
                                "space: text Wiped 617,283 KB of 1,234,567 KB...", "space: current 50",
-                               "space: caption 50% - Wipe Drive Free Space (D:\\)", "pump", "space: unload",
-                               "main: show", "box Free Space Wipe Complete"));
+                               "space: caption 50% - Wipe Drive Free Space (D:\\)", "pump", "main: show",
+                               "space: unload", "box Free Space Wipe Complete"));
   EXPECT_THAT(boxes.shown,
               ElementsAre(kConfirmation,
                           CompleteBox("11/22/2026 1:02:03 AM", "11/22/2026 4:05:06 AM", "5", "1,234,567")));
@@ -140,8 +140,8 @@ TEST_F(FreeSpaceWipeTest, IsToldToTheSystemFromTheConfirmationToTheEnd) {
               ElementsAre("box Wipe Operation",
                           "work: begin: Free space is being wiped.  Cancel the wipe operation first, or "
                           "let it come to its end.",
-                          "main: hide", "WipeFreeSpace D:\\ 5", "work: 50", "work: 100", "work: end",
-                          "main: show", "work: call", "box Free Space Wipe Complete"));
+                          "main: hide", "WipeFreeSpace D:\\ 5", "work: 50", "work: 100", "main: show",
+                          "work: end", "work: call", "box Free Space Wipe Complete"));
 }
 
 TEST_F(FreeSpaceWipeTest, GrowthOfTheFreeSpaceIsShownAsAFullBar) {
@@ -253,8 +253,42 @@ TEST_F(FreeSpaceWipeTest, ProgressOfFilesIsNotShownWhileItRuns) {
     events.SFD1_ItemWiped("filler");
   });
   Run();
-  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "main: hide", "space: show", "WipeFreeSpace D:\\ 5",
-                               "space: unload", "main: show", "box Free Space Wipe Complete"));
+  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "space: show", "main: hide", "WipeFreeSpace D:\\ 5",
+                               "main: show", "space: unload", "box Free Space Wipe Complete"));
+}
+
+// The system is told how far it is, and for how long the computer must not go to sleep.
+class FreeSpaceLongWorkTest : public FreeSpaceWipeTest {
+ protected:
+  FreeSpaceLongWorkTest() { watched.SetEngine(&watchedEngine); }
+
+  std::vector<std::string> Told() const {
+    std::vector<std::string> lines;
+    for (const std::string& line : log) {
+      if (line.starts_with("work: ") || line.starts_with("box ") || line.starts_with("Wipe"))
+        lines.push_back(line);
+    }
+    return lines;
+  }
+
+  test::FakeLongWork longWork{log};
+  Platform watchedPlatform{files, boxes, process, regional, registry, longWork};
+  FreeSpaceWipe watched{state, watchedPlatform, mainWindow, statusWindow};
+  WipeHandlers watchedHandlers{jobWipe, watched};
+  test::FakeEngine watchedEngine{log, watchedHandlers};
+};
+
+TEST_F(FreeSpaceLongWorkTest, EndsWhereAHandlerFails) {
+  watchedEngine.work = [](const std::string&, WipeEvents&) { throw RunTimeError(ErrorNumber::Overflow); };
+  boxes.answers = {MessageAnswer::Ok};
+  test::ExpectRaises(ErrorNumber::Overflow, [&] { watched.RunFreeSpaceWipe(); });
+  EXPECT_EQ(log.back(), "work: end");
+}
+
+TEST_F(FreeSpaceLongWorkTest, DoesNotBeginWithoutAnOk) {
+  boxes.answers = {MessageAnswer::Cancel};
+  watched.RunFreeSpaceWipe();
+  EXPECT_THAT(Told(), ElementsAre("box Wipe Operation"));
 }
 
 TEST_F(FreeSpaceWipeTest, WithoutAnEngineItFails) {

@@ -359,8 +359,8 @@ TEST_F(CommandsTest, FreeSpaceIsWipedIfADriveCameBack) {
   };
   boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
   commands.Run("WipeFreeSpace");
-  EXPECT_THAT(log, ElementsAre("frmDriveWipe", "box Wipe Operation", "main: hide", "space: show",
-                               "WipeFreeSpace D:\\ 5", "space: unload", "main: show",
+  EXPECT_THAT(log, ElementsAre("frmDriveWipe", "box Wipe Operation", "space: show", "main: hide",
+                               "WipeFreeSpace D:\\ 5", "main: show", "space: unload",
                                "box Free Space Wipe Complete"));
 }
 
