@@ -5,6 +5,7 @@
 #   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
 #   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows; zqwipe * and by path
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
+#   bench.sh report   the report's window under Wine: a report of 30,000 lines opened, and scrolled
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
 set -euo pipefail
@@ -12,7 +13,15 @@ cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
 source scripts/packages.sh
 need_packages build-native bench
-[[ ${1:-} != windows ]] || need_packages build run
+[[ ${1:-} != windows && ${1:-} != report ]] || need_packages build run
+
+if [[ ${1:-} == report ]]; then
+  cmake --preset program -Wno-dev >/dev/null
+  cmake --build --preset program --parallel "$(nproc)" --target report_bench >/dev/null
+  echo "load $(cut -d' ' -f1-3 /proc/loadavg)"
+  ZQ_PREFIX=bench scripts/wine-run.sh build/program/tests/bench/report_bench.exe 30000 "${BENCH_RUNS:-5}"
+  exit
+fi
 
 runs=${BENCH_RUNS:-5}
 dir=${BENCH_DIR:-$PWD/build/bench}

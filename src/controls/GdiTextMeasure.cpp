@@ -88,8 +88,8 @@ void GdiTextMeasure::Edges(const FontChoice& font, std::string_view text, std::v
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t start = at;
     units += WidthOf(face, NextCodePoint(text, at));
-    edges.insert(edges.end(), at - start,
-                 static_cast<Twips>(std::lround(static_cast<double>(units) * scale)));
+    const auto edge = static_cast<Twips>(static_cast<double>(units) * scale + 0.5);
+    for (std::size_t byte = start; byte < at; ++byte) edges.push_back(edge);
   }
 }
 

@@ -7,6 +7,30 @@
 #include "platform/win32/Wide.h"
 
 namespace zq {
+namespace {
+
+constexpr int kClipboardTries = 50;  // a second
+constexpr const char* kClipboardInUse =
+    "The text was not copied, because another program is using the clipboard.  Copy it again.";
+constexpr const char* kNotCopied = "The text was not copied.  There is not enough memory for it.";
+
+// On the open clipboard, as its only content.
+bool PutText(const std::wstring& text) {
+  const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
+  const HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, bytes);
+  if (!memory) return false;
+  void* place = ::GlobalLock(memory);
+  if (place) {
+    std::memcpy(place, text.c_str(), bytes);
+    ::GlobalUnlock(memory);
+    // What the clipboard takes belongs to it.
+    if (::SetClipboardData(CF_UNICODETEXT, memory)) return true;
+  }
+  ::GlobalFree(memory);
+  return false;
+}
+
+}  // namespace
 
 TextRange PreviewWindow::Selection() const {
   return {std::min(selectionAnchor_, selectionEnd_), std::max(selectionAnchor_, selectionEnd_)};
@@ -113,23 +137,25 @@ int PreviewWindow::ZoomedPixels(Twips twips) const {
   return static_cast<int>(twips * plan_.PixelsPerTwip());
 }
 
+// Another program has it for a moment only, as a rule: whoever watches it looks in after each change.
+bool PreviewWindow::OpenClipboardSoon() const {
+  for (int tries = 1; !::OpenClipboard(hwnd_); ++tries) {
+    if (tries == kClipboardTries) return false;
+    Pause();
+  }
+  return true;
+}
+
 void PreviewWindow::CopySelection() {
   if (!document_ || Selection().Empty()) return;
   const std::wstring text = ToWide(TextToCopy(*document_, Selection()));
-  const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-  if (!::OpenClipboard(hwnd_)) return;
-  ::EmptyClipboard();
-  const HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, bytes);
-  void* place = memory ? ::GlobalLock(memory) : nullptr;
-  if (place) {
-    std::memcpy(place, text.c_str(), bytes);
-    ::GlobalUnlock(memory);
-    // What the clipboard takes belongs to it.
-    if (!::SetClipboardData(CF_UNICODETEXT, memory)) ::GlobalFree(memory);
-  } else if (memory) {
-    ::GlobalFree(memory);
+  if (!OpenClipboardSoon()) {
+    if (CopyFailed) CopyFailed(kClipboardInUse);
+    return;
   }
+  const bool copied = ::EmptyClipboard() && PutText(text);
   ::CloseClipboard();
+  if (!copied && CopyFailed) CopyFailed(kNotCopied);
 }
 
 }  // namespace zq

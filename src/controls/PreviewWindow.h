@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "controls/PagePainter.h"
 #include "controls/document/PageLayout.h"
@@ -28,6 +29,10 @@ class PreviewWindow {
   void ShowDocument(const Document& document, const PageLayout& layout, TextMeasure& measure);
 
   std::function<void()> ViewChange;  // another page or another zoom
+  // Told why a text was not copied, as a sentence for the user.
+  std::function<void(const std::string& text)> CopyFailed;
+  // Between two tries to get the clipboard; a test has something else happen then.
+  std::function<void()> Pause = [] { ::Sleep(20); };
 
   void SetZoom(ZoomMode mode, double percent = 100);
   ZoomMode Mode() const { return mode_; }
@@ -59,6 +64,7 @@ class PreviewWindow {
   int ZoomedPixels(Twips twips) const;
   ViewSize View() const;
   void TellChange();
+  bool OpenClipboardSoon() const;
 
   HWND hwnd_ = nullptr;
   const Document* document_ = nullptr;

@@ -25,6 +25,9 @@ bool KeyIsDown(int key) {
 
 VSPrinter::VSPrinter(Form& form, int id, FoldCase fold) : Control(form, id), fold_(std::move(fold)) {
   preview_.ViewChange = [this] { ShowView(); };
+  preview_.CopyFailed = [this](const std::string& text) {
+    if (CopyFailed) CopyFailed(text);
+  };
 }
 
 VSPrinter::~VSPrinter() {

@@ -31,6 +31,8 @@ class VSPrinter final : public Control, public DocumentBuilder {
 
   // Told what couldn't be printed, as a sentence for the user.
   std::function<void(const std::string& text)> PrintFailed;
+  // The same of what couldn't be copied.
+  std::function<void(const std::string& text)> CopyFailed;
 
   // True if the message is a key of the control and has been carried out.
   bool TranslateKey(const MSG& message);

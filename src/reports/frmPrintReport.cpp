@@ -24,9 +24,13 @@ frmPrintReport::frmPrintReport(AppState& state, Platform& platform)
           [&platform](std::string_view text) { return platform.regional.UpperCase(text); }),
       state_(state),
       platform_(platform) {
-  VS1.PrintFailed = [this](const std::string& text) {
-    platform_.messageBoxes.Show({.text = text, .title = "Print", .icon = MessageIcon::Exclamation});
+  const auto tell = [this](const char* title) {
+    return [this, title](const std::string& text) {
+      platform_.messageBoxes.Show({.text = text, .title = title, .icon = MessageIcon::Exclamation});
+    };
   };
+  VS1.PrintFailed = tell("Print");
+  VS1.CopyFailed = tell("Copy");
 }
 
 void frmPrintReport::Load() {

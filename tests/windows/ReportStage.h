@@ -5,9 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "Driving.h"
 #include "FakePlatform.h"
+#include "controls/document/Characters.h"
 #include "core/state/AppState.h"
 #include "platform/win32/Wide.h"
 #include "reports/ReportData.h"
@@ -54,6 +56,25 @@ class ReportStage : public testing::Test {
       report.files.push_back("C:\\Documents and Settings\\user\\My Documents\\folder " +
                              std::to_string(i % 97) + "\\letter " + std::to_string(i) + ".doc");
     return report;
+  }
+
+  // Each character of Unicode's first 0x3000 that isn't a control, a quote or an end of line, and some of
+  // each block and plane above.
+  static std::vector<std::string> LinesOfCharacters() {
+    std::vector<std::string> lines;
+    for (char32_t first = 0x20; first < 0x110000; first += 64) {
+      if (first >= 0x3000 && first < 0x10000 && (first & 0x7C0) != 0) continue;
+      if (first >= 0x10000 && (first & 0xFFFF) >= 64) continue;
+      std::string line;
+      for (char32_t c = first; c < first + 64; ++c) {
+        const bool quoteOrControl = c == '"' || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029;
+        const bool noCharacter =
+            (c >= 0xD800 && c < 0xE000) || (c >= 0xFDD0 && c <= 0xFDEF) || (c & 0xFFFE) == 0xFFFE;
+        if (!quoteOrControl && !noCharacter) AppendUtf8(line, c);
+      }
+      if (!line.empty()) lines.push_back(line);
+    }
+    return lines;
   }
 
   // As the bar's button or the keyboard does it.

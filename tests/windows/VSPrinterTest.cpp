@@ -1,3 +1,6 @@
+#include <future>
+#include <thread>
+
 #include "ReportStage.h"
 #include "controls/VSPrinter.h"
 
@@ -227,6 +230,66 @@ TEST_F(VSPrinterTest, CopiesAllOfItsText) {
   Key(printer, 'A');
   Key(printer, 'C');
   EXPECT_EQ(ClipboardText(), ToWide(TextToCopy(printer.Content(), {0, printer.Content().text.size()})));
+}
+
+// Another program that has opened the clipboard, and keeps it until it is told to let go.
+class ClipboardHolder {
+ public:
+  ClipboardHolder()
+      : thread_([this] {
+          const HWND window =
+              ::CreateWindowExW(0, L"Static", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+          held_.set_value(::OpenClipboard(window) != FALSE);
+          letGo_.get_future().wait();
+          ::CloseClipboard();
+          ::DestroyWindow(window);
+        }) {
+    EXPECT_TRUE(held_.get_future().get());
+  }
+  ~ClipboardHolder() { LetGo(); }
+  ClipboardHolder(const ClipboardHolder&) = delete;
+  ClipboardHolder& operator=(const ClipboardHolder&) = delete;
+
+  void LetGo() {
+    if (!thread_.joinable()) return;
+    letGo_.set_value();
+    thread_.join();
+  }
+
+ private:
+  std::promise<bool> held_;
+  std::promise<void> letGo_;
+  std::thread thread_;
+};
+
+TEST_F(VSPrinterTest, CopyWaitsForAClipboardThatIsInUse) {
+  VSPrinter& printer = Show(Example());
+  const HeldKey control(VK_CONTROL);
+  Key(printer, 'A');
+  ClipboardHolder holder;
+  int pauses = 0;
+  printer.Preview().Pause = [&] {
+    if (++pauses == 3) holder.LetGo();
+  };
+  Key(printer, 'C');
+  EXPECT_EQ(pauses, 3);
+  EXPECT_EQ(ClipboardText(), ToWide(TextToCopy(printer.Content(), {0, printer.Content().text.size()})));
+  EXPECT_TRUE(fake.messageBoxes.shown.empty());
+}
+
+TEST_F(VSPrinterTest, CopyThatWaitsInVainSaysSo) {
+  VSPrinter& printer = Show(Example());
+  const HeldKey control(VK_CONTROL);
+  Key(printer, 'A');
+  const ClipboardHolder holder;
+  int pauses = 0;
+  printer.Preview().Pause = [&] { ++pauses; };
+  fake.messageBoxes.answers = {MessageAnswer::Ok};
+  Key(printer, 'C');
+  EXPECT_EQ(pauses, 49);
+  ASSERT_EQ(fake.messageBoxes.shown.size(), 1U);
+  EXPECT_EQ(fake.messageBoxes.shown[0].title, "Copy");
+  EXPECT_THAT(fake.messageBoxes.shown[0].text, testing::HasSubstr("another program is using the clipboard"));
 }
 
 TEST_F(VSPrinterTest, MouseSelectsText) {

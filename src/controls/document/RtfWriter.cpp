@@ -21,9 +21,10 @@ std::string Word(std::string_view name, long value) {
   return word + std::to_string(value);
 }
 
-// One UTF-16 unit: a signed number, and "?" for readers that know nothing of Unicode.
+// One UTF-16 unit: a signed number, and a question mark for readers that know nothing of Unicode. It is
+// escaped, too: a plain one takes the text behind it along in readers that pass over whole words.
 void AppendUnit(std::string& rtf, unsigned unit) {
-  rtf += Word("u", unit >= 0x8000 ? static_cast<long>(unit) - 0x10000 : static_cast<long>(unit)) + '?';
+  rtf += Word("u", unit >= 0x8000 ? static_cast<long>(unit) - 0x10000 : static_cast<long>(unit)) + "\\'3f";
 }
 
 void AppendEscaped(std::string& rtf, std::string_view text) {
@@ -163,11 +164,12 @@ class RtfInWork {
   }
 
   void AppendTable(const Table& table) {
+    // The border stands inside the room around the text here, and beside it in a reader of rich text.
+    const Twips paddingY = kCellPaddingY - (table.border ? kBorderWidth : 0);
     for (int row = 0; row < table.rows; ++row) {
       rtf_ += Word("trowd\\trgaph", kCellPaddingX) + "\\trleft0" + Word("trpaddl", kCellPaddingX) +
-              "\\trpaddfl3" + Word("trpaddr", kCellPaddingX) + "\\trpaddfr3" +
-              Word("trpaddt", kCellPaddingY) + "\\trpaddft3" + Word("trpaddb", kCellPaddingY) +
-              "\\trpaddfb3\\trkeep";
+              "\\trpaddfl3" + Word("trpaddr", kCellPaddingX) + "\\trpaddfr3" + Word("trpaddt", paddingY) +
+              "\\trpaddft3" + Word("trpaddb", paddingY) + "\\trpaddfb3\\trkeep";
       Twips right = 0;
       for (int column = 0; column < table.columns; ++column) {
         const TableCell& cell = CellOf(table, row, column);

@@ -25,6 +25,7 @@ class RtfText {
   std::size_t Pictures() const { return pictures_; }
 
  private:
+  static constexpr std::string_view kFallback = "\\'3f";
   struct Group {
     bool passedOver = false;
   };
@@ -74,7 +75,8 @@ class RtfText {
     if (word == "u") {
       const int unit = std::atoi(number.c_str());
       if (unit < -32768 || unit > 32767) throw std::runtime_error("a unit of more than 16 bits");
-      if (at_ >= rtf_.size() || rtf_[at_++] != '?') throw std::runtime_error("no fallback");
+      if (rtf_.substr(at_, kFallback.size()) != kFallback) throw std::runtime_error("no fallback");
+      at_ += kFallback.size();
       PutUnit(static_cast<unsigned>(unit) & 0xFFFF);
     } else if (word == "par" || word == "row") {
       Put('\n');

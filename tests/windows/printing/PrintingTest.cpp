@@ -128,6 +128,24 @@ class Printing : public ReportStage {
     if (folder.empty()) return;
     WriteFileBytes(folder + "\\" + name + ".ps", Printed());
     WriteFileBytes(folder + "\\" + name + ".txt", TextOfPages(VS1));
+    KeepRichText(name, VS1);
+  }
+  // The rich text, and what a reader should find in it: look_at_richtext.py says how that is written.
+  void KeepRichText(const std::string& name, const VSPrinter& VS1) const {
+    const std::string folder = PicturesFolder();
+    if (folder.empty()) return;
+    WriteFileBytes(folder + "\\" + name + ".rtf", ReadFileBytes(RtfPath()));
+    const Document& document = VS1.Content();
+    std::string runs;
+    ForEachRun(document, 0, document.text.size(),
+               [&](std::size_t begin, std::size_t end, const TextStyle& style) {
+                 char head[40];
+                 std::snprintf(head, sizeof head, "%g\t%d\t#%02x%02x%02x\t",
+                               static_cast<double>(style.points), style.bold ? 1 : 0, style.colour & 0xFFU,
+                               style.colour >> 8 & 0xFFU, style.colour >> 16 & 0xFFU);
+                 runs += head + document.text.substr(begin, end - begin) + '\x1E';
+               });
+    WriteFileBytes(folder + "\\" + name + ".runs", runs);
   }
   static std::string PicturesFolder() {
     char folder[MAX_PATH] = "";
@@ -235,6 +253,15 @@ TEST_F(Printing, PrintsEveryScriptAndLongPaths) {
   EXPECT_EQ(VS1.PrintTo(Order(printer)), PrintOutcome::Done);
   Keep("scripts", VS1);
   KeepScreen("scripts", VS1, 0, 96);
+}
+
+// Not printed: readers of the rich text get each of them back.
+TEST_F(Printing, KeepsCharactersOfAllScriptsInTheRichText) {
+  ReportData report = Example();
+  report.files = LinesOfCharacters();
+  const VSPrinter& VS1 = Load(report);
+  EXPECT_GT(VS1.Content().text.size(), 25000U);
+  KeepRichText("characters", VS1);
 }
 
 TEST_F(Printing, PrintsTheRangeAndTheCopies) {

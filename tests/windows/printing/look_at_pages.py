@@ -1,4 +1,5 @@
 """look_at_pages.py FOLDER: looks at the pages that printing_test.exe has printed.
+look_at_pages.py --text FILE TEXT: whether a PostScript or PDF file has the text of TEXT on the same pages.
 
 Ghostscript turns each NAME.ps of the folder into pictures and text. NAME.txt says what text each page has,
 NAME-screen-DPI-PAGE.png how the preview draws a page.
@@ -67,6 +68,17 @@ def words(text):
     """Without blanks, which a page has none of, and without the signs that the tests' font lacks."""
     return "".join(c for c in unicodedata.normalize("NFC", text)
                    if unicodedata.category(c)[0] not in "ZC" and not "\u4e00" <= c <= "\u9fff" and c != "\ufffd")
+
+
+def check_each_page(document, text):
+    expected = [words(page) for page in text.read_text("utf-8").split("\f")[:-1]]
+    count = len(pages_of(document, 10))
+    expect(count == len(expected), f"{document.name}: {count} pages, {len(expected)} wanted")
+    for number, wanted in enumerate(expected, 1):
+        page = words(ghostscript("-sDEVICE=txtwrite", f"-dFirstPage={number}", f"-dLastPage={number}",
+                                 "-sOutputFile=-", str(document)).decode())
+        expect(page == wanted, f"{document.name}: page {number} has another text:\n{page}\nwanted\n{wanted}")
+    print(f"{document.name}: {count} pages compared")
 
 
 def check_text(folder, name, numbers):
@@ -175,4 +187,7 @@ def main(folder):
 
 
 if __name__ == "__main__":
+    if sys.argv[1] == "--text":
+        check_each_page(pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3]))
+        sys.exit(1 if failures else 0)
     sys.exit(main(pathlib.Path(sys.argv[1])))

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# printing_test.sh SOURCE PROGRAM.exe: prints reports on PostScript printers and looks at the pages.
+# printing_test.sh SOURCE PROGRAM.exe: prints reports on PostScript printers and looks at the pages and at the
+# rich text that goes with them.
 set -euo pipefail
 source=$1 program=$2
 export ZQ_PREFIX=printing_test ZQ_PICTURES=$source/build/pictures/printing_test
@@ -19,4 +20,8 @@ if [[ $(cage_wall) == namespaces ]]; then
 fi
 rm -rf -- "$ZQ_PICTURES"
 "$source/scripts/wine-run.sh" "$program"
-python3 "$source/tests/windows/printing/look_at_pages.py" "$ZQ_PICTURES"
+status=0
+for look in look_at_pages look_at_richtext; do
+  python3 "$source/tests/windows/printing/$look.py" "$ZQ_PICTURES" || status=1
+done
+exit "$status"
