@@ -272,7 +272,7 @@ int Run() {
   WNDCLASSW windowClass{};
   windowClass.lpfnWndProc = MainProc;
   windowClass.hInstance = ::GetModuleHandleW(nullptr);
-  windowClass.hCursor = ::LoadCursorA(nullptr, IDC_ARROW);
+  windowClass.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
   windowClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
   windowClass.lpszClassName = L"ZqSample";
   ::RegisterClassW(&windowClass);
