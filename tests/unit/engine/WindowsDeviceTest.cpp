@@ -254,8 +254,9 @@ TEST(WindowsDevice, KnowsTheRootsOfDrivesAndShares) {
 
 TEST(WindowsDevice, CountsNamesInTheUnitsOfTheFileSystem) {
   const Scratch scratch;
+  const std::unique_ptr<Device> device = MakeSystemDevice();
   std::unique_ptr<Folder> folder;
-  ASSERT_TRUE(MakeSystemDevice()->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  ASSERT_TRUE(device->OpenFolder(Utf8(scratch.Path()), folder).Ok());
   EXPECT_EQ(folder->NameLength("abc"), 3u);
   EXPECT_EQ(folder->NameLength("日記"), 2u);
   EXPECT_EQ(folder->NameLength("🙂"), 2u);
