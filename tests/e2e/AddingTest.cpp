@@ -256,8 +256,7 @@ TEST_F(AddFiles, InADrivesRootHaveOneBackslash) {
   const std::string root = ::GetDriveTypeW(L"D:\\") != DRIVE_NO_ROOT_DIR ? "D:\\" : "C:\\";
   const std::vector<std::string> paths{root + "e2e first.txt", root + "e2e second.txt"};
   if (root == "C:\\" && !TakesFiles(L"C:\\e2e try.txt")) {
-    GTEST_SKIP()
-        << "the root of C: takes no files in this cage: e2e_adding_test.drive_root has a drive for them";
+    GTEST_SKIP() << "no file in the root of C: here: e2e_adding_test.drive_root has a drive for it";
   }
   for (const std::string& path : paths) WriteFileBytes(path, "in the root");
   {
