@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/driver/Driver.h"
+#include "support/driver/Text.h"
 
 namespace zq::test {
 namespace {
@@ -200,6 +201,20 @@ void WipeFiles(const ScratchFolder& scratch, const std::string& programFolder) {
   Say("The files are gone, their content is in no file, and " + kept + " is as it was.");
 }
 
+// A file that the program writes after the last that is seen of it: its bytes, once it has been closed.
+std::string ReadWhenWritten(const std::string& path) {
+  Await(path + " to be written", [&] {
+    const HANDLE file = ::CreateFileW(ToWide(path).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (file == INVALID_HANDLE_VALUE) return false;
+    LARGE_INTEGER size{};
+    const bool hasBytes = ::GetFileSizeEx(file, &size) && size.QuadPart > 0;
+    ::CloseHandle(file);
+    return hasBytes;
+  });
+  return ReadFileBytes(path);
+}
+
 // A folder as a job that is saved, closed, opened again and wiped.
 void WipeSavedJob(const ScratchFolder& scratch, const std::string& programFolder) {
   const std::string folder = scratch / "Old Papers";
@@ -220,7 +235,7 @@ void WipeSavedJob(const ScratchFolder& scratch, const std::string& programFolder
   save.Child("OK").Press();
   save.WaitGone();
   const std::string jobFile = programFolder + "\\Jobs\\Demonstration.zqj";
-  const std::string jobBytes = ReadFileBytes(jobFile);
+  const std::string jobBytes = ReadWhenWritten(jobFile);
   Say(jobBytes);
 
   TypeKey(mainWindow, 'W', {VK_CONTROL});
