@@ -19,7 +19,7 @@ render() { # FILE NAME DPI
 
 status=0
 for name in a4 scripts; do
-  soffice --headless -env:UserInstallation="file://$out/work/profile" --convert-to pdf "$printed/$name.rtf" >/dev/null 2>&1
+  soffice --headless -env:UserInstallation="file://$out/profile" --convert-to pdf "$printed/$name.rtf" >/dev/null 2>&1
   [[ -s $name.pdf ]] || { echo "LibreOffice made nothing of $name.rtf" >&2; exit 1; }
   python3 "$source/tests/windows/printing/look_at_pages.py" --text "$name.pdf" "$printed/$name.txt" || status=1
   render "$printed/$name.ps" "$name-paper" 96
