@@ -10,8 +10,8 @@ printed=$pictures/printing_test
 out=$pictures/side-by-side
 command -v soffice >/dev/null || { echo "LibreOffice is not installed" >&2; exit 2; }
 rm -rf -- "$out"
-mkdir -p -- "$out/work"
-cd -- "$out/work"
+mkdir -p -- "$out/scratch"
+cd -- "$out/scratch"
 
 render() { # FILE NAME DPI
   gs -q -dNOPAUSE -dBATCH -dSAFER -sDEVICE=png16m -r"$3" -dTextAlphaBits=4 -dGraphicsAlphaBits=4 -sOutputFile="$2-%d.png" "$1"
@@ -19,7 +19,7 @@ render() { # FILE NAME DPI
 
 status=0
 for name in a4 scripts; do
-  soffice --headless -env:UserInstallation="file://$out/profile" --convert-to pdf "$printed/$name.rtf" >/dev/null 2>&1
+  soffice --headless -env:UserInstallation="file://$out/scratch/profile" --convert-to pdf "$printed/$name.rtf" >/dev/null 2>&1
   [[ -s $name.pdf ]] || { echo "LibreOffice made nothing of $name.rtf" >&2; exit 1; }
   python3 "$source/tests/windows/printing/look_at_pages.py" --text "$name.pdf" "$printed/$name.txt" || status=1
   render "$printed/$name.ps" "$name-paper" 96
@@ -36,6 +36,6 @@ for run in report_forms_test report_forms_test.144dpi; do
   montage -label '%t' "$pictures/$run"/report-{50,100,200,whole-page,page-width,two-pages,thumbnail}.png -tile 3x \
     -geometry +6+6 -background '#a0a0a0' "$out/zooms-$run.png"
 done
-rm -rf -- "$out/work"
+rm -rf -- "$out/scratch"
 ls "$out"
 exit "$status"
