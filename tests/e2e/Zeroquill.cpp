@@ -121,6 +121,7 @@ void MainWindow::WaitJobTools(bool enabled) const {
 }
 
 Window MainWindow::OpenMenu(WORD menuKey) const {
+  window.WaitEnabled();  // keys are lost on a window that still has a modal one
   TypeKey(window, menuKey, {VK_MENU});
   Await("a menu", [&] { return static_cast<bool>(FindMenu(*program_)); });
   return FindMenu(*program_);
