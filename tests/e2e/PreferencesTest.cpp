@@ -59,12 +59,12 @@ TEST_F(PreferencesDialog, AreWrittenAtOnceAndActOnTheMainWindow) {
   const Window dialog = Open(program, main);
   EXPECT_EQ(dialog.Owner(), main.window);
   EXPECT_FALSE(main.window.IsEnabled());
+  Tick(dialog, "Level 5 Wiping (equal to 15 data writes per byte) - Stronger Security", true);
   TypeKey(dialog, VK_TAB, {VK_CONTROL});
   dialog.Child("Display Gridlines in Zeroquill Bin").WaitVisible();
   Tick(dialog, "Display Gridlines in Zeroquill Bin", true);
   Tick(dialog, "Maximize Window at Startup", true);
   EXPECT_EQ(main.list.TheWindow().Send(LVM_GETEXTENDEDLISTVIEWSTYLE) & LVS_EX_GRIDLINES, 0);
-  dialog.Child("Level 5 Wiping (equal to 15 data writes per byte) - Stronger Security").Press();
   TypeKey(dialog, 'O', {VK_MENU});  // the mnemonic of OK
   dialog.WaitGone();
   main.window.WaitEnabled();
@@ -125,7 +125,7 @@ TEST_F(PreferencesDialog, MissingCompanionIsToldWhenItIsToBeLaunched) {
   const MessageBoxView box = program.WaitBox("Error Loading");
   TakePicture(box.window, "preferences-launch");
   ExpectBox(box, "Error Loading", "An error was encountered trying to lauch the Zeroquill Explorer Manager.",
-            BoxIcon::Exclamation, {"OK"}, "OK");
+            BoxIcon::Warning, {"OK"}, "OK");
   box.Answer("OK");
   main.window.WaitEnabled();
 }

@@ -33,6 +33,12 @@ const Message kWarning{
     "startup?",
     "Explorer Manager", MessageIcon::Question, MessageButtons::OkCancel};
 
+SettingsRecord NothingTicked() {
+  SettingsRecord settings;
+  settings.PromptToSave = settings.ToolBars = settings.ProgressBars = 0;
+  return settings;
+}
+
 class PreferencesTest : public testing::Test {
  protected:
   PreferencesTest() {
@@ -60,8 +66,7 @@ class PreferencesTest : public testing::Test {
 };
 
 TEST_F(PreferencesTest, ShowEachSettingInItsOwnField) {
-  EXPECT_EQ(FieldsOf({.PromptToSave = 0, .ToolBars = 0, .ProgressBars = 0}),
-            (PreferencesFields{.level = 3, .reportFontSize = "8"}));
+  EXPECT_EQ(FieldsOf(NothingTicked()), (PreferencesFields{.level = 3, .reportFontSize = "8"}));
   const std::pair<std::int16_t SettingsRecord::*, std::int16_t PreferencesFields::*> kBoxes[] = {
       {&SettingsRecord::GridLines, &PreferencesFields::gridLines},
       {&SettingsRecord::Maximize, &PreferencesFields::maximize},
@@ -70,7 +75,7 @@ TEST_F(PreferencesTest, ShowEachSettingInItsOwnField) {
       {&SettingsRecord::ProgressBars, &PreferencesFields::progressBars},
       {&SettingsRecord::ToolBars, &PreferencesFields::toolBars}};
   for (const auto& [setting, field] : kBoxes) {
-    SettingsRecord settings{.PromptToSave = 0, .ToolBars = 0, .ProgressBars = 0};
+    SettingsRecord settings = NothingTicked();
     PreferencesFields fields{.level = 3, .reportFontSize = "8"};
     settings.*setting = 1;
     fields.*field = 1;
@@ -82,15 +87,19 @@ TEST_F(PreferencesTest, ShowEachSettingInItsOwnField) {
 }
 
 TEST_F(PreferencesTest, ShowALevelThatIsNotOfferedAsSeven) {
-  for (const auto& [passes, level] : {std::pair{3, 3}, {5, 5}, {7, 7}, {0, 7}, {4, 7}, {-1, 7}, {9, 7}})
-    EXPECT_EQ(FieldsOf({.Passes = passes}).level, level) << passes;
+  for (const auto& [passes, level] : {std::pair{3, 3}, {5, 5}, {7, 7}, {0, 7}, {4, 7}, {-1, 7}, {9, 7}}) {
+    state.Settings.Passes = passes;
+    EXPECT_EQ(FieldsOf(state.Settings).level, level) << passes;
+  }
 }
 
 TEST_F(PreferencesTest, ShowAFontSizeThatIsNotOfferedAsTwelve) {
   const std::pair<std::int16_t, const char*> kSizes[] = {{8, "8"},  {10, "10"}, {12, "12"},
                                                          {9, "12"}, {0, "12"},  {-8, "12"}};
-  for (const auto& [size, text] : kSizes)
-    EXPECT_EQ(FieldsOf({.ReportFontSize = size}).reportFontSize, text) << size;
+  for (const auto& [size, text] : kSizes) {
+    state.Settings.ReportFontSize = size;
+    EXPECT_EQ(FieldsOf(state.Settings).reportFontSize, text) << size;
+  }
 }
 
 TEST_F(PreferencesTest, OkTakesEachFieldIntoItsOwnSetting) {
@@ -182,7 +191,7 @@ TEST_F(PreferencesTest, ClearedBoxRemovesAndShutsDown) {
 
 TEST_F(PreferencesTest, BoxAsItWasTouchesNeitherRegistryNorManager) {
   windows.windows = {{"ZQ Explorer Manager"}};
-  for (const std::int16_t registered : {0, 1}) {
+  for (const std::int16_t registered : {std::int16_t{0}, std::int16_t{1}}) {
     log.clear();
     preferences.Store(LoadWith(registered));
     EXPECT_EQ(log.back(), kWritten) << registered;
