@@ -247,8 +247,8 @@ std::vector<Window> TopLevelWindows(const std::function<bool(Window)>& condition
 
 namespace {
 
-// With a window that comes under the pointer the X server tells which keys are down, by which Wine goes: a modifier
-// that is down here alone would be released. So the pointer waits where windows don't come and go.
+// With a window that comes under the pointer the X server tells which keys are down, by which Wine goes: a
+// modifier that is down here alone would be released. So the pointer waits where windows don't come and go.
 void ParkMouse() {
   const POINT corner{::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1};
   POINT now{};
