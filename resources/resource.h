@@ -133,3 +133,16 @@
 #define IDC_frmPreferences_cmdOK 2319
 #define IDC_frmPreferences_cmdCancel 2320
 #define IDC_frmPreferences_cmdHelp 2321
+
+#define IDD_frmQuick 240
+#define IDC_frmQuick_Image1 2401
+#define IDC_frmQuick_Label1 2402
+#define IDC_frmQuick_Frame1 2403
+#define IDC_frmQuick_imgDrop 2404
+#define IDC_frmQuick_dropFrame 2405
+#define IDC_frmQuick_cmdCancel 2406
+#define IDC_frmQuick_pb1 2407
+
+#define IDD_frmQuickErrors 250
+#define IDC_frmQuickErrors_List1 2501
+#define IDC_frmQuickErrors_cmdOK 2502

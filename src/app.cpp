@@ -26,6 +26,8 @@
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32WindowList.h"
 #include "preferences/frmPreferences.h"
+#include "quickbin/frmQuick.h"
+#include "quickbin/frmQuickErrors.h"
 #include "reports/frmPrintReport.h"
 #include "wipe/frmDriveWipe.h"
 #include "wipe/frmSpaceStatus.h"
@@ -81,6 +83,12 @@ void TellForms(Program& program) {
   Default<frmPreferences>::SetFactory([&program] {
     return std::make_unique<frmPreferences>(program.state, program.platform, Default<frmMain>::Touch());
   });
+  Default<frmQuick>::SetFactory([&program] {
+    frmMain& main = Default<frmMain>::Touch();
+    return std::make_unique<frmQuick>(program.state, program.platform, main, main.DockStudio1,
+                                      [] { return static_cast<Form&>(Default<frmMain>::Touch()).Handle(); });
+  });
+  Default<frmQuickErrors>::SetFactory([] { return std::make_unique<frmQuickErrors>(); });
   Default<frmWelcome>::SetFactory(
       [&program] { return std::make_unique<frmWelcome>(program.state, program.platform); });
   Default<frmAbout>::SetFactory([] { return std::make_unique<frmAbout>(); });

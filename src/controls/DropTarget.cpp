@@ -7,7 +7,9 @@
 
 #include <deque>
 #include <exception>
+#include <utility>
 
+#include "controls/DropFiles.h"
 #include "platform/win32/RunTimeErrorReport.h"
 #include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
@@ -23,19 +25,30 @@ FORMATETC FileListFormat() {
   return {CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
 }
 
+// A path in the system's code page.
+std::string FromNarrow(const std::string& path) {
+  std::wstring wide(path.size(), L'\0');  // no character has more units than bytes
+  wide.resize(static_cast<std::size_t>(::MultiByteToWideChar(
+      CP_ACP, 0, path.data(), static_cast<int>(path.size()), wide.data(), static_cast<int>(wide.size()))));
+  return FromWide(wide);
+}
+
 // The file list of a data object; false where it has none.
 bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
   FORMATETC format = FileListFormat();
   STGMEDIUM medium{};
   if (FAILED(data.GetData(&format, &medium))) return false;
-  const auto drop = static_cast<HDROP>(medium.hGlobal);
-  const UINT count = ::DragQueryFileW(drop, 0xFFFFFFFF, nullptr, 0);
-  for (UINT i = 0; i < count; ++i) {
-    std::wstring path(::DragQueryFileW(drop, i, nullptr, 0), L'\0');
-    ::DragQueryFileW(drop, i, path.data(), static_cast<UINT>(path.size() + 1));
-    paths.push_back(FromWide(path));
+  DropList list;
+  if (medium.tymed == TYMED_HGLOBAL) {
+    if (const void* bytes = ::GlobalLock(medium.hGlobal)) {
+      list = ReadDropFiles({static_cast<const char*>(bytes), ::GlobalSize(medium.hGlobal)});
+      ::GlobalUnlock(medium.hGlobal);
+    }
   }
   ::ReleaseStgMedium(&medium);
+  for (const std::u16string& path : list.wide)
+    paths.push_back(FromWide(std::wstring(path.begin(), path.end())));
+  for (const std::string& path : list.narrow) paths.push_back(FromNarrow(path));
   return true;
 }
 
@@ -56,8 +69,8 @@ POINT PointOf(POINTL point) {
 
 class DropTarget::Target final : public IDropTarget {
  public:
-  Target(HWND hwnd, std::function<void(const DroppedPaths&)> dropped)
-      : hwnd_(hwnd), dropped_(std::move(dropped)), picture_(DragPicture()) {
+  Target(DropTarget& owner, HWND hwnd, std::function<void(const DroppedPaths&)> dropped, When when)
+      : owner_(&owner), hwnd_(hwnd), dropped_(std::move(dropped)), when_(when), picture_(DragPicture()) {
     ::SetWindowSubclass(hwnd_, &Target::Receive, kSubclassId, reinterpret_cast<DWORD_PTR>(this));
   }
   ~Target() { ::RemoveWindowSubclass(hwnd_, &Target::Receive, kSubclassId); }
@@ -81,8 +94,10 @@ class DropTarget::Target final : public IDropTarget {
   HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD, POINTL point, DWORD* effect) override {
     FORMATETC format = FileListFormat();
     // A window behind a modal one is disabled, and takes nothing.
-    accepts_ = SUCCEEDED(data->QueryGetData(&format)) && ::IsWindowEnabled(::GetAncestor(hwnd_, GA_ROOT));
+    accepts_ = owner_ && owner_->accepting_ && SUCCEEDED(data->QueryGetData(&format)) &&
+               ::IsWindowEnabled(::GetAncestor(hwnd_, GA_ROOT));
     Answer(effect);
+    TellHover(accepts_);
     POINT place = PointOf(point);
     if (picture_) picture_->DragEnter(hwnd_, data, &place, *effect);
     return S_OK;
@@ -94,27 +109,45 @@ class DropTarget::Target final : public IDropTarget {
     return S_OK;
   }
   HRESULT STDMETHODCALLTYPE DragLeave() override {
+    TellHover(false);
     if (picture_) picture_->DragLeave();
     return S_OK;
   }
 
   HRESULT STDMETHODCALLTYPE Drop(IDataObject* data, DWORD, POINTL point, DWORD* effect) override {
+    Answer(effect);
+    TellHover(false);
+    POINT place = PointOf(point);
+    // Before the paths are taken: the picture would stay for as long as that lasts.
+    if (picture_) picture_->Drop(data, &place, *effect);
     try {
       DroppedPaths paths;
-      if (accepts_ && ReadFileList(*data, paths)) {
-        waiting_.push_back(std::move(paths));
-        ::PostMessageW(hwnd_, kDroppedMessage, 0, 0);
-      }
+      if (accepts_ && ReadFileList(*data, paths)) Take(std::move(paths));
     } catch (...) {
       ReportAndEnd(std::current_exception());
     }
-    Answer(effect);
-    POINT place = PointOf(point);
-    if (picture_) picture_->Drop(data, &place, *effect);
     return S_OK;
   }
 
+  // The owner goes; the system may hold on to this a little longer.
+  void Leave() { owner_ = nullptr; }
+
  private:
+  void Take(DroppedPaths paths) {
+    if (when_ == When::Inside) {
+      dropped_(paths);
+    } else {
+      waiting_.push_back(std::move(paths));
+      ::PostMessageW(hwnd_, kDroppedMessage, 0, 0);
+    }
+  }
+
+  void TellHover(bool over) {
+    if (over == hovering_) return;
+    hovering_ = over;
+    if (owner_ && owner_->Hover) owner_->Hover(over);
+  }
+
   // The paths are copied out; the files stay where they are. Move is never answered: the source would
   // delete them.
   void Answer(DWORD* effect) const {
@@ -138,23 +171,27 @@ class DropTarget::Target final : public IDropTarget {
     return 0;
   }
 
+  DropTarget* owner_;
   HWND hwnd_;
   std::function<void(const DroppedPaths&)> dropped_;
+  When when_;
   ULONG references_ = 1;
   std::deque<DroppedPaths> waiting_;
   bool accepts_ = false;
+  bool hovering_ = false;
   ComPointer<IDropTargetHelper> picture_;
 };
 
-void DropTarget::Register(HWND hwnd, std::function<void(const DroppedPaths&)> dropped) {
+void DropTarget::Register(HWND hwnd, std::function<void(const DroppedPaths&)> dropped, When when) {
   hwnd_ = hwnd;
-  target_ = new Target(hwnd, std::move(dropped));
+  target_ = new Target(*this, hwnd, std::move(dropped), when);
   ::RegisterDragDrop(hwnd, target_);
 }
 
 void DropTarget::Revoke() {
   if (!target_) return;
   ::RevokeDragDrop(hwnd_);
+  target_->Leave();
   target_->Release();
   target_ = nullptr;
 }

@@ -12,22 +12,32 @@ namespace zq {
 // Paths in the shell's order.
 using DroppedPaths = std::vector<std::string>;
 
-// Registers `hwnd` for drops while it lives. `dropped` is called after the drop has returned to its
-// source, so that the source isn't held up by what happens to the paths. Needs OLE on this thread.
+// Takes the drops on a window while it is registered. Needs OLE on this thread.
 class DropTarget {
  public:
+  // When what is dropped is handed over: after the drop has returned to its source, so that the source isn't
+  // held up by what happens to the paths, or inside the drop, so that it waits for that.
+  enum class When { Later, Inside };
+
   DropTarget() = default;
   DropTarget(const DropTarget&) = delete;
   DropTarget& operator=(const DropTarget&) = delete;
   ~DropTarget() { Revoke(); }
 
-  void Register(HWND hwnd, std::function<void(const DroppedPaths&)> dropped);
+  // Files that would be taken are over the window, or no longer.
+  std::function<void(bool over)> Hover;
+
+  void Register(HWND hwnd, std::function<void(const DroppedPaths&)> dropped, When when = When::Later);
   void Revoke();
+
+  // Whether drops are taken; they are at first.
+  void SetAccepting(bool accepting) { accepting_ = accepting; }
 
  private:
   class Target;
   Target* target_ = nullptr;
   HWND hwnd_ = nullptr;
+  bool accepting_ = true;
 };
 
 }  // namespace zq

@@ -21,6 +21,10 @@ class StatusBar {
 
   void SetText(std::string_view panelName, const std::string& text);
 
+  // Of the panel of this number, counted from 0: its text, and its place in pixels of the bar.
+  std::string Text(int panel) const;
+  RECT PanelPlace(int panel) const;
+
   HWND Handle() const { return bar_; }
 
  private:

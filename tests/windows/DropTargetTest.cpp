@@ -91,5 +91,28 @@ TEST(DropTargetTest, TheShellDrawsWhatIsDraggedOverIt) {
   ::OleUninitialize();
 }
 
+// What is dropped on such a target has been dealt with when the source goes on.
+TEST(DropTargetTest, TakesInsideTheDropAndTellsWhatIsOverIt) {
+  ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
+  const HWND window =
+      ::CreateWindowExW(WS_EX_TOPMOST, L"STATIC", L"target", WS_POPUP | WS_VISIBLE | SS_NOTIFY, 200, 200, 200,
+                        200, nullptr, nullptr, nullptr, nullptr);
+  DropTarget target;
+  std::vector<std::string> told;
+  target.Hover = [&](bool over) { told.emplace_back(over ? "over" : "off"); };
+  target.Register(
+      window, [&](const DroppedPaths& paths) { told.insert(told.end(), paths.begin(), paths.end()); },
+      DropTarget::When::Inside);
+  EXPECT_EQ(DragFilesTo({300, 300}, {"C:\\a.txt", "C:\\ä.txt"}), static_cast<DWORD>(DROPEFFECT_COPY));
+  EXPECT_THAT(told, ElementsAre("over", "off", "C:\\a.txt", "C:\\ä.txt"));
+  told.clear();
+  target.SetAccepting(false);
+  EXPECT_EQ(DragFilesTo({300, 300}, {"C:\\a.txt"}), static_cast<DWORD>(DROPEFFECT_NONE));
+  EXPECT_THAT(told, ElementsAre());
+  target.Revoke();
+  ::DestroyWindow(window);
+  ::OleUninitialize();
+}
+
 }  // namespace
 }  // namespace zq::test

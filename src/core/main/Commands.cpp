@@ -6,6 +6,7 @@
 #include "core/main/CommandTable.h"
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
+#include "core/state/MainWindow.h"
 #include "jobs/AddFiles.h"
 #include "jobs/CommandState.h"
 #include "jobs/JobLifecycle.h"
@@ -15,6 +16,7 @@
 #include "platform/Platform.h"
 #include "platform/RunTimeError.h"
 #include "preferences/ExplorerManager.h"
+#include "quickbin/DropWipe.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
 
@@ -145,9 +147,21 @@ void Commands::LaunchManager() {
 }
 
 void Commands::ToggleQuickWipeBin() {
-  if (!parts_.state.QuickBinBusy) return;
-  parts_.platform.messageBoxes.Show(
-      {.text = kBinBusy, .title = "Operation", .icon = MessageIcon::Exclamation});
+  AppState& state = parts_.state;
+  if (state.QuickBinBusy) {
+    parts_.platform.messageBoxes.Show(
+        {.text = kBinBusy, .title = "Operation", .icon = MessageIcon::Exclamation});
+  } else if (state.QuickBinOpen) {
+    // Its closing does the first two as well, and for its own ways to close.
+    parts_.tools.SetChecked(kQuickWipeBinTool, false);
+    parts_.mainWindow.SetWindowState(state.SavedWindowState);
+    parts_.windows.CloseQuickBin();
+  } else {
+    parts_.tools.SetChecked(kQuickWipeBinTool, true);
+    state.SavedWindowState = parts_.mainWindow.WindowState();
+    parts_.mainWindow.SetWindowState(kWindowMinimised);
+    parts_.windows.ShowQuickBin();
+  }
 }
 
 void Commands::ViewReport() {

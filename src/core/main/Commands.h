@@ -18,6 +18,7 @@ class FreeSpaceWipe;
 class JobLifecycle;
 class JobList;
 class JobWipe;
+class MainWindow;
 class ReportViewer;
 class ToolStates;
 
@@ -27,8 +28,8 @@ struct AddFilesChoice {
   std::string fileName;  // as AddFiles::AddDialogResult takes it; "" for none
 };
 
-// The windows that the commands open, beside those of the job's life. Each is modal, owned by the main
-// window.
+// The windows that the commands open, beside those of the job's life. All but the Bin are modal, owned by the
+// main window.
 class CommandWindows {
  public:
   virtual ~CommandWindows() = default;
@@ -36,6 +37,8 @@ class CommandWindows {
   virtual void ShowEdit(const JobRow& row) = 0;  // OK is ChangeFolderItem
   virtual void ShowDriveWipe() = 0;  // OK sets FreeSpaceDrive and FreeSpacePasses, all else clears the drive
   virtual void ShowPreferences() = 0;
+  virtual void ShowQuickBin() = 0;  // without a modal state, and without an owner
+  virtual void CloseQuickBin() = 0;
   virtual void ShowAbout() = 0;
   // Closes the main window, which asks CloseForExit.
   virtual void CloseMainWindow() = 0;
@@ -54,6 +57,7 @@ struct CommandParts {
   JobWipe& jobWipe;
   FreeSpaceWipe& freeSpaceWipe;
   ExplorerManager& explorerManager;
+  MainWindow& mainWindow;
   FolderDialog& folderDialog;
   CommandWindows& windows;
   ReportViewer* reportViewer = nullptr;  // null: there is no window for reports, and none opens

@@ -106,6 +106,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .jobWipe = jobWipe_,
                  .freeSpaceWipe = freeSpaceWipe_,
                  .explorerManager = explorerManager_,
+                 .mainWindow = *this,
                  .folderDialog = *this,
                  .windows = *this,
                  .reportViewer = &reportWindow_}) {

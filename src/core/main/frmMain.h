@@ -50,6 +50,8 @@ class frmMain final : public Form,
   void Hide() override { Form::Hide(); }
   void SetGridLines(bool gridLines) override { ListView1.SetGridLines(gridLines); }
   void SetVisualStyle(int visualStyle) override { DockStudio1.SetVisualStyle(visualStyle); }
+  std::int16_t WindowState() const override;
+  void SetWindowState(std::int16_t windowState) override;
 
   JobWipe& Driver() { return jobWipe_; }
   FreeSpaceWipe& FreeSpaceDriver() { return freeSpaceWipe_; }
@@ -105,6 +107,8 @@ class frmMain final : public Form,
   void ShowEdit(const JobRow& row) override;
   void ShowDriveWipe() override;
   void ShowPreferences() override;
+  void ShowQuickBin() override;
+  void CloseQuickBin() override;
   void ShowAbout() override;
   void CloseMainWindow() override;
   void DoBusily(const std::function<void()>& work) override;

@@ -12,6 +12,7 @@
 #include "jobs/frmOpenJob.h"
 #include "jobs/frmSave.h"
 #include "preferences/frmPreferences.h"
+#include "quickbin/frmQuick.h"
 #include "wipe/frmDriveWipe.h"
 
 namespace zq {
@@ -52,6 +53,25 @@ void frmMain::ShowDriveWipe() {
 
 void frmMain::ShowPreferences() {
   Default<frmPreferences>::Touch().ShowModal(Handle());
+}
+
+void frmMain::ShowQuickBin() {
+  Default<frmQuick>::Touch().Show();
+}
+
+void frmMain::CloseQuickBin() {
+  Default<frmQuick>::Touch().Unload();
+}
+
+std::int16_t frmMain::WindowState() const {
+  return ::IsIconic(Handle()) ? kWindowMinimised : ::IsZoomed(Handle()) ? kWindowMaximised : kWindowNormal;
+}
+
+void frmMain::SetWindowState(std::int16_t windowState) {
+  if (!IsVisible()) return;  // a wipe of the job is running, and brings the window back itself
+  ::ShowWindow(Handle(), windowState == kWindowMinimised   ? SW_MINIMIZE
+                         : windowState == kWindowMaximised ? SW_SHOWMAXIMIZED
+                                                           : SW_SHOWNORMAL);
 }
 
 void frmMain::ShowAbout() {

@@ -15,6 +15,10 @@ class MainWindow {
   virtual void SetGridLines(bool gridLines) = 0;
   // Of menus and bars: 1 with visual styles, 0 without.
   virtual void SetVisualStyle(int visualStyle) = 0;
+
+  // kWindowNormal, kWindowMinimised or kWindowMaximised. To set it shows no window that is hidden.
+  virtual std::int16_t WindowState() const = 0;
+  virtual void SetWindowState(std::int16_t windowState) = 0;
 };
 
 }  // namespace zq

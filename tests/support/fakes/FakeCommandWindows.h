@@ -38,6 +38,8 @@ class FakeCommandWindows final : public CommandWindows, public FolderDialog {
     if (inDriveWipe) inDriveWipe();
   }
   void ShowPreferences() override { log_.push_back("frmPreferences"); }
+  void ShowQuickBin() override { log_.push_back("frmQuick"); }
+  void CloseQuickBin() override { log_.push_back("frmQuick: close"); }
   void ShowAbout() override { log_.push_back("frmAbout"); }
   void CloseMainWindow() override { log_.push_back("main: close"); }
   void DoBusily(const std::function<void()>& work) override {

@@ -22,6 +22,13 @@ class FakeMainWindow final : public MainWindow {
   void SetVisualStyle(int visualStyle) override {
     log_.push_back("main: visual style " + std::to_string(visualStyle));
   }
+  std::int16_t WindowState() const override { return windowState; }
+  void SetWindowState(std::int16_t state) override {
+    log_.push_back("main: state " + std::to_string(state));
+    windowState = state;
+  }
+
+  std::int16_t windowState = 0;
 
  private:
   EventLog& log_;

@@ -112,6 +112,7 @@ class CommandsTest : public testing::Test {
                      .jobWipe = jobWipe,
                      .freeSpaceWipe = freeSpaceWipe,
                      .explorerManager = explorerManager,
+                     .mainWindow = mainWindow,
                      .folderDialog = windows,
                      .windows = windows,
                      .reportViewer = &reportViewer};
@@ -310,9 +311,19 @@ TEST_F(CommandsTest, ReportWithoutAWindowForItIsNotToldAsNone) {
   EXPECT_THAT(boxes.shown, IsEmpty());
 }
 
-TEST_F(CommandsTest, IdleBinTellsNothing) {
+TEST_F(CommandsTest, ClosedBinIsOpenedAndTheMainWindowMinimised) {
+  mainWindow.windowState = kWindowMaximised;
   commands.Run("mnuFileQuickWipeBin");
-  EXPECT_THAT(boxes.shown, IsEmpty());
+  EXPECT_THAT(log, ElementsAre("x mnuFileQuickWipeBin", "main: state 1", "frmQuick"));
+  EXPECT_EQ(state.SavedWindowState, kWindowMaximised);
+}
+
+TEST_F(CommandsTest, OpenBinIsClosedAndTheMainWindowAsItWasAtItsOpening) {
+  state.QuickBinOpen = true;
+  state.SavedWindowState = kWindowMaximised;
+  mainWindow.windowState = kWindowNormal;  // the user has brought it back meanwhile
+  commands.Run("mnuFileQuickWipeBin");
+  EXPECT_THAT(log, ElementsAre("o mnuFileQuickWipeBin", "main: state 2", "frmQuick: close"));
 }
 
 TEST_F(CommandsTest, BusyBinIsNotToggledAndSaysSo) {

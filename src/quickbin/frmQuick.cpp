@@ -1,0 +1,109 @@
+#include "quickbin/frmQuick.h"
+
+#include <utility>
+
+#include "quickbin/frmQuickErrors.h"
+
+namespace zq {
+namespace {
+
+constexpr std::string_view kMessagePanel = "1";
+constexpr int kMessageIndex = 0;
+constexpr int kProgressIndex = 1;
+constexpr Panel kPanels[] = {{kMessagePanel, "", 0}, {"2", "", 110}};
+
+}  // namespace
+
+frmQuick::frmQuick(AppState& state, Platform& platform, MainWindow& mainWindow, ToolStates& tools,
+                   std::function<HWND()> mainHandle)
+    : Form(IDD_frmQuick),
+      state_(state),
+      mainWindow_(mainWindow),
+      tools_(tools),
+      mainHandle_(std::move(mainHandle)),
+      dropWipe_(state, platform, *this),
+      SFD1(dropWipe_) {
+  dropWipe_.SetEngine(&SFD1, &SFD1);
+  cmdCancel.Click = [this] { Unload(); };
+}
+
+void frmQuick::Load() {
+  windowIcons_.Show(Handle(), Dpi());
+  StatusBar1.Create(Handle(), kPanels, Dpi());
+  SetTopmost(true);
+  if (state_.Settings.ProgressBars != 1) pb1.UsePlainLook();
+  dropTarget_.Register(
+      imgDrop.Handle(), [this](const DroppedPaths& paths) { dropWipe_.Drop(paths); },
+      DropTarget::When::Inside);
+  dropTarget_.Hover = [this](bool over) { dropFrame.SetVisible(over); };
+  state_.QuickBinOpen = true;
+}
+
+void frmQuick::DpiChanged() {
+  windowIcons_.Show(Handle(), Dpi());
+  StatusBar1.LayOut(Dpi());
+}
+
+void frmQuick::SetTopmost(bool topmost) {
+  ::SetWindowPos(Handle(), topmost ? HWND_TOPMOST : HWND_NOTOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE);
+}
+
+// While a wipe runs, the button is disabled, and the close box does as little as it.
+bool frmQuick::QueryUnload(CloseReason reason) {
+  return reason != CloseReason::User || cmdCancel.IsEnabled();
+}
+
+void frmQuick::Unloaded() {
+  dropTarget_.Revoke();
+  SetTopmost(false);
+  LeaveQuickBin(state_, mainWindow_, tools_);
+  // After a drop it lies in the main window, and wouldn't go with this one.
+  ::DestroyWindow(pb1.Handle());
+}
+
+std::optional<LRESULT> frmQuick::OnMessage(UINT message, WPARAM, LPARAM lParam) {
+  if (message != WM_NOTIFY) return std::nullopt;
+  const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
+  if (header.hwndFrom != StatusBar1.Handle() || header.code != NM_CLICK) return std::nullopt;
+  StatusBar1_PanelClick(static_cast<int>(reinterpret_cast<const NMMOUSE*>(lParam)->dwItemSpec));
+  return TRUE;
+}
+
+void frmQuick::StatusBar1_PanelClick(int panel) {
+  if (panel != kMessageIndex || StatusBar1.Text(panel) != kLastOperationErrors) return;
+  frmQuickErrors& errors = Default<frmQuickErrors>::Touch();
+  errors.AddLines(dropWipe_.Errors());
+  errors.ShowModal(Handle());
+}
+
+void frmQuick::SetCancelEnabled(bool enabled) {
+  cmdCancel.SetEnabled(enabled);
+  ::UpdateWindow(cmdCancel.Handle());
+}
+
+void frmQuick::ShowStatusProgress(bool show) {
+  if (!show) {
+    ::SetParent(pb1.Handle(), mainHandle_());
+    pb1.SetVisible(false);
+    ::UpdateWindow(StatusBar1.Handle());
+    return;
+  }
+  const RECT panel = StatusBar1.PanelPlace(kProgressIndex);
+  ::SetParent(pb1.Handle(), StatusBar1.Handle());
+  pb1.Move(panel);
+  pb1.SetVisible(true);
+  pb1.SetValue(0);
+  ::UpdateWindow(pb1.Handle());
+}
+
+void frmQuick::SetMessage(const std::string& text) {
+  StatusBar1.SetText(kMessagePanel, text);
+  ::UpdateWindow(StatusBar1.Handle());
+}
+
+void frmQuick::SetProgress(int percent) {
+  pb1.SetValue(percent);
+  ::UpdateWindow(pb1.Handle());
+}
+
+}  // namespace zq

@@ -1,0 +1,221 @@
+// The QuickWipe Bin as a window: real drops, the real engine on files that the test has made, and a main
+// window that is a bare one.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "Driving.h"
+#include "FakePlatform.h"
+#include "core/state/AppState.h"
+#include "platform/win32/Win32Files.h"
+#include "quickbin/frmQuick.h"
+#include "quickbin/frmQuickErrors.h"
+#include "support/driver/Driver.h"
+#include "support/fakes/FakeToolStates.h"
+#include "support/fakes/FakeWindows.h"
+
+namespace zq::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+class frmQuickTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    main_ =
+        ::CreateWindowExW(0, L"STATIC", L"main", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    Default<frmQuick>::SetFactory([this] {
+      return std::make_unique<frmQuick>(state_, platform_, mainWindow_, tools_, [this] { return main_; });
+    });
+    Default<frmQuickErrors>::SetFactory([] { return std::make_unique<frmQuickErrors>(); });
+  }
+  void TearDown() override {
+    if (Default<frmQuickErrors>::IsLoaded()) Default<frmQuickErrors>::Touch().Unload();
+    if (Default<frmQuick>::IsLoaded()) Default<frmQuick>::Touch().Unload();
+    Form::DestroyClosed();
+    ::DestroyWindow(main_);
+  }
+
+  frmQuick& Bin() { return Default<frmQuick>::Touch(); }
+  static HWND HandleOf(frmQuick& bin) { return static_cast<Form&>(bin).Handle(); }
+  void Open() {
+    Bin().Show();
+    PumpMessages();
+  }
+  // From a window of this process, with the real mouse.
+  DWORD Drop(const std::vector<std::string>& paths) {
+    return DragFilesTo(Window(Bin().imgDrop.Handle()).Centre(), paths);
+  }
+  std::string Panel() { return Bin().StatusBar1.Text(0); }
+  void ClickPanel(int panel) {
+    const RECT place = Bin().StatusBar1.PanelPlace(panel);
+    const LPARAM point = MAKELPARAM((place.left + place.right) / 2, (place.top + place.bottom) / 2);
+    ::SendMessageW(Bin().StatusBar1.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, point);
+    ::SendMessageW(Bin().StatusBar1.Handle(), WM_LBUTTONUP, 0, point);
+  }
+  // Clicks the first panel, reads what the dialog lists, and closes it. Empty when none comes.
+  std::vector<std::string> ErrorsByClick(const char* picture) {
+    std::vector<std::string> lines;
+    Later([&] {
+      if (!Default<frmQuickErrors>::IsLoaded()) return;
+      Form& form = Default<frmQuickErrors>::Touch();
+      EXPECT_EQ(CaptionOf(form), "QuickWipe Errors");
+      EXPECT_EQ(DefaultButtonOf(form), IDC_frmQuickErrors_cmdOK);
+      EXPECT_EQ(::GetWindow(form.Handle(), GW_OWNER), HandleOf(Bin()));
+      TakePicture(Window(form.Handle()), picture);
+      const HWND list = Item(form, IDC_frmQuickErrors_List1);
+      for (LRESULT i = 0; i < ::SendMessageW(list, LB_GETCOUNT, 0, 0); ++i) {
+        char text[600] = "";
+        ::SendMessageA(list, LB_GETTEXT, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(text));
+        lines.emplace_back(text);
+      }
+      Press(form, IDC_frmQuickErrors_cmdOK);
+    });
+    ClickPanel(0);
+    return lines;
+  }
+
+  const ScratchFolder scratch_;
+  AppState state_;
+  FakePlatform fake_;
+  Win32Files files_;
+  Platform platform_{files_, fake_.messageBoxes, fake_.process, fake_.regional, fake_.registry};
+  EventLog& log_ = fake_.files.log;
+  FakeMainWindow mainWindow_{log_};
+  FakeToolStates tools_{log_};
+  HWND main_ = nullptr;
+};
+
+TEST_F(frmQuickTest, OpensWithItsTextsInFrontOfAllOthers) {
+  Open();
+  Form& form = Bin();
+  EXPECT_EQ(CaptionOf(form), "QuickWipe Bin");
+  EXPECT_EQ(TextOf(form, IDC_frmQuick_Frame1), "QuickWipe Bin");
+  EXPECT_EQ(
+      TextOf(form, IDC_frmQuick_Label1),
+      "The QuickWipe Bin allows you to drag and drop files from Windows Explorer and have them wiped "
+      "automatically for you.  This option should only be used by advanced users, as any file dropped in "
+      "this Bin will be permanently wiped and cannot be recovered.");
+  EXPECT_EQ(TextOf(form, IDC_frmQuick_cmdCancel), "&Close Bin");
+  EXPECT_EQ(Panel(), "");
+  EXPECT_EQ(::SendMessageW(Bin().StatusBar1.Handle(), SB_GETPARTS, 0, 0), 2);
+  EXPECT_FALSE(::IsWindowVisible(Bin().pb1.Handle()));
+  EXPECT_TRUE(state_.QuickBinOpen);
+  EXPECT_FALSE(state_.QuickBinBusy);
+  const Window window(form.Handle());
+  EXPECT_TRUE(window.IsTopmost());
+  EXPECT_FALSE(window.Owner());
+  EXPECT_NE(window.ExtendedStyle() & WS_EX_APPWINDOW, 0) << "a button of its own on the task bar";
+  EXPECT_EQ(window.Style() & (WS_THICKFRAME | WS_MAXIMIZEBOX), 0);
+  EXPECT_EQ(::GetWindowLongW(Bin().StatusBar1.Handle(), GWL_STYLE) & SBARS_SIZEGRIP, 0);
+  TakePicture(window, "frmQuick");
+}
+
+TEST_F(frmQuickTest, ClosesByItsButtonItsCloseBoxAndByTheProgram) {
+  for (int way = 0; way < 3; ++way) {
+    Open();
+    state_.SavedWindowState = kWindowMaximised;
+    log_.clear();
+    if (way == 0) Press(Bin(), IDC_frmQuick_cmdCancel);
+    if (way == 1) Close(Bin());
+    if (way == 2) Bin().Unload();
+    EXPECT_FALSE(Default<frmQuick>::IsLoaded()) << way;
+    EXPECT_FALSE(state_.QuickBinOpen);
+    EXPECT_THAT(log_, ElementsAre("main: state 2", "o mnuFileQuickWipeBin"));
+  }
+}
+
+TEST_F(frmQuickTest, CloseBoxIsRefusedWhileAWipeRunsAndTheProgramsCloseIsNot) {
+  Open();
+  ::EnableWindow(Item(Bin(), IDC_frmQuick_cmdCancel), FALSE);
+  log_.clear();
+  Close(Bin());
+  EXPECT_TRUE(Default<frmQuick>::IsLoaded());
+  EXPECT_THAT(log_, IsEmpty());
+  Bin().Unload();
+  EXPECT_FALSE(Default<frmQuick>::IsLoaded());
+}
+
+TEST_F(frmQuickTest, WipesWhatIsDroppedBeforeTheDropReturns) {
+  const std::string readOnly = scratch_.Make("read only.txt", "secret", FILE_ATTRIBUTE_READONLY);
+  const std::string empty = scratch_.Make("empty.txt", "");
+  const std::string inside = scratch_.Make("folder\\inside.txt", "stays");
+  Open();
+  EXPECT_EQ(Drop({readOnly, scratch_ / "folder", empty}), static_cast<DWORD>(DROPEFFECT_COPY));
+  // No message has been handled since.
+  EXPECT_FALSE(PathExists(readOnly));
+  EXPECT_FALSE(PathExists(empty));
+  EXPECT_EQ(ReadFileBytes(inside), "stays");
+  EXPECT_EQ(Panel(), "Last Operation: Success");
+  EXPECT_TRUE(IsEnabled(Bin(), IDC_frmQuick_cmdCancel));
+  EXPECT_FALSE(state_.QuickBinBusy);
+  EXPECT_FALSE(::IsWindowVisible(Bin().pb1.Handle()));
+  EXPECT_EQ(::GetParent(Bin().pb1.Handle()), main_) << "where the bar rests";
+  EXPECT_EQ(Bin().pb1.Value(), 100);
+  ClickPanel(0);
+  ClickPanel(1);
+  EXPECT_FALSE(Default<frmQuickErrors>::IsLoaded());
+  PumpMessages();
+  TakePicture(Window(HandleOf(Bin())), "frmQuick-success");
+
+  // A bar that rests elsewhere goes with the Bin all the same.
+  Bin().Unload();
+  EXPECT_EQ(::GetWindow(main_, GW_CHILD), nullptr);
+}
+
+TEST_F(frmQuickTest, LockedFileAndOneThatIsGoneAreListedByAClickOnThePanel) {
+  const std::string locked = scratch_.Make("locked.txt", "in use");
+  const std::string free = scratch_.Make("free.txt", "secret");
+  const std::string gone = scratch_ / "gone.txt";
+  Open();
+  const HANDLE held = ::CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(held, INVALID_HANDLE_VALUE);
+  Drop({locked, free, gone});
+  ::CloseHandle(held);
+  EXPECT_EQ(ReadFileBytes(locked), "in use");
+  EXPECT_FALSE(PathExists(free));
+  EXPECT_EQ(Panel(), "Last Operation: Errors");
+  EXPECT_THAT(fake_.messageBoxes.shown, IsEmpty());
+  ClickPanel(1);
+  EXPECT_FALSE(Default<frmQuickErrors>::IsLoaded());
+  for (int time = 0; time < 2; ++time) {
+    const std::vector<std::string> lines = ErrorsByClick("frmQuickErrors");
+    ASSERT_EQ(lines.size(), 2U) << "each opening lists them once";
+    EXPECT_THAT(lines[0], StartsWith(locked + " - "));
+    EXPECT_THAT(lines[1], StartsWith(gone + " - "));
+  }
+  Drop({locked});
+  EXPECT_FALSE(PathExists(locked)) << "nobody holds it any more";
+  EXPECT_EQ(Panel(), "Last Operation: Success");
+}
+
+TEST_F(frmQuickTest, DropOfNothingIsASuccess) {
+  Open();
+  EXPECT_EQ(Drop({}), static_cast<DWORD>(DROPEFFECT_COPY));
+  EXPECT_EQ(Panel(), "Last Operation: Success") << "nothing has failed";
+}
+
+TEST_F(frmQuickTest, BarTakesTheLookOfTheSettingAtItsOpening) {
+  const auto colourOf = [&] {
+    Open();
+    Bin().pb1.SetValue(100);
+    Bin().pb1.SetVisible(true);
+    PumpMessages();
+    const RECT place = Window(Bin().pb1.Handle()).ScreenRect();
+    const Picture picture = GrabScreen(place);
+    const std::uint32_t colour = picture.At(picture.width / 8, picture.height - 4);
+    Bin().Unload();
+    return colour;
+  };
+  state_.Settings.ProgressBars = 0;
+  EXPECT_EQ(colourOf(), 0x28D22Bu);
+  state_.Settings.ProgressBars = 1;
+  EXPECT_NE(colourOf(), 0x28D22Bu);
+}
+
+}  // namespace
+}  // namespace zq::test
