@@ -33,7 +33,7 @@ void frmQuick::Load() {
   SetTopmost(true);
   if (state_.Settings.ProgressBars != 1) pb1.UsePlainLook();
   dropTarget_.Register(
-      imgDrop.Handle(), [this](const DroppedPaths& paths) { dropWipe_.Drop(paths); },
+      imgDrop.Handle(), [this](const DroppedPaths& paths) { imgDrop_OLEDragDrop(paths); },
       DropTarget::When::Inside);
   dropTarget_.Hover = [this](bool over) { dropFrame.SetVisible(over); };
   state_.QuickBinOpen = true;

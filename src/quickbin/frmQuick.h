@@ -27,6 +27,9 @@ class frmQuick final : public Form, private QuickBinWindow {
   Image imgDrop{*this, IDC_frmQuick_imgDrop, "imgdrop"};
   StatusBar StatusBar1;
 
+  // A drop on the picture. It returns when the last file is done.
+  void imgDrop_OLEDragDrop(const DroppedPaths& paths) { dropWipe_.Drop(paths); }
+
  private:
   Image Image1{*this, IDC_frmQuick_Image1, "imgquick"};
   Control dropFrame{*this, IDC_frmQuick_dropFrame};
