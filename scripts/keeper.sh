@@ -79,6 +79,13 @@ leave() {
   exit 0
 }
 
+# Whether Wine's server takes clients: Debian's in a folder that the prefix names, any other in one of the user's.
+has_socket() {
+  local -a sockets
+  mapfile -t sockets < <(compgen -G "$prefix/tmp/wine-*/server-*/socket" || compgen -G "/tmp/.wine-*/server-*/socket")
+  ((${#sockets[@]} > 0)) && [[ -S ${sockets[0]} ]]
+}
+
 keep() {
   cd -- "$prefix"
   export HOME=$prefix/home USER=user LOGNAME=user LC_ALL=C.UTF-8 TMPDIR=$prefix/tmp
@@ -101,8 +108,15 @@ keep() {
     echo ":$(<"$prefix/cage/display.new")" >"$prefix/cage/display"
   fi
 
+  # A client that comes before the server has opened its socket would begin a second server, in another folder
+  # for temporary files, and one of the two ends with an error.
+  rm -rf -- "$prefix"/wineserver "$prefix"/tmp/wine-*
   wineserver --foreground --persistent &
   server=$!
+  until has_socket; do
+    kill -0 "$server"
+    sleep 0.02
+  done
   # Wine starts its services and its desktop with the first program that wants them, and they would
   # keep that program's output open: so let it be this one. A prefix that is being made has none yet.
   if [[ -f $prefix/system.reg ]]; then

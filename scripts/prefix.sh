@@ -24,6 +24,12 @@ Windows Registry Editor Version 5.00
 [HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]
 "Managed"="$managed"
 
+[HKEY_CURRENT_USER\\Software\\Wine\\Explorer]
+$(desktop "$managed")
+
+[HKEY_CURRENT_USER\\Software\\Wine\\Explorer\\Desktops]
+"tests"="1280x1024"
+
 [HKEY_CURRENT_USER\\Control Panel\\Desktop]
 "LogPixels"=dword:$dpi
 "FontSmoothing"="2"
@@ -42,6 +48,16 @@ Windows Registry Editor Version 5.00
 [HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]
 "ShowCrashDialog"=dword:00000000
 REG
+}
+
+# desktop MANAGED: without a window manager, all windows stand on a desktop that is one window of the X server. Its
+# tidings of the focus come late on a busy machine, and each would end a menu or take the front place from a window.
+desktop() {
+  if [[ $1 == Y ]]; then
+    echo '"Desktop"=-'
+  else
+    echo '"Desktop"="tests"'
+  fi
 }
 
 # write_registry PREFIX DPI MANAGED: in its cage, which is up.
@@ -130,7 +146,7 @@ create() {
   done
   prefix=$(cage_path "$name")
   # Raise the number when a prefix is made otherwise than before.
-  wanted="3 dpi=$dpi managed=$managed drives=${drives[*]}"
+  wanted="4 dpi=$dpi managed=$managed drives=${drives[*]}"
 
   mkdir -p -- "$cage_base"
   exec {lock}>"$cage_base/.$name.lock"

@@ -1,5 +1,4 @@
 // The report after a wipe and by View Last Report: its window, its text as the user copies it, its file.
-#include <algorithm>
 
 #include "e2e/Wiping.h"
 #include "support/document/RtfText.h"
@@ -90,12 +89,8 @@ class Reports : public WipingTest {
 
   // Keys that come while the system still hands over the front place are lost.
   static void WaitInFront(Window window) {
-    Await("the window in front, with the focus", [&] {
-      const std::vector<Window> children = window.Children();
-      return ::GetForegroundWindow() == window.Handle() &&
-             (window.HasFocus() ||
-              std::any_of(children.begin(), children.end(), [](Window child) { return child.HasFocus(); }));
-    });
+    Await("the window in front, with the focus",
+          [&] { return ::GetForegroundWindow() == window.Handle() && window.HoldsFocus(); });
   }
 
   static void ExpectNoReport(const Program& program, const MainWindow& main, const char* picture) {

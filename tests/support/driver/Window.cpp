@@ -26,6 +26,14 @@ INPUT MouseInput(DWORD flags) {
   return input;
 }
 
+// The focus of the window's thread, or none.
+HWND FocusOf(Window window) {
+  GUITHREADINFO info{};
+  info.cbSize = sizeof info;
+  const DWORD thread = ::GetWindowThreadProcessId(window.Handle(), nullptr);
+  return ::GetGUIThreadInfo(thread, &info) != 0 ? info.hwndFocus : nullptr;
+}
+
 }  // namespace
 
 std::string WithoutAccessKey(std::string_view caption) {
@@ -84,10 +92,12 @@ LONG_PTR Window::ExtendedStyle() const {
 }
 
 bool Window::HasFocus() const {
-  GUITHREADINFO info{};
-  info.cbSize = sizeof info;
-  return ::GetGUIThreadInfo(::GetWindowThreadProcessId(handle_, nullptr), &info) != 0 &&
-         info.hwndFocus == handle_;
+  return FocusOf(*this) == handle_;
+}
+
+bool Window::HoldsFocus() const {
+  HWND focus = FocusOf(*this);
+  return focus == handle_ || (focus != nullptr && ::IsChild(handle_, focus) != FALSE);
 }
 
 RECT Window::ScreenRect() const {
@@ -237,10 +247,20 @@ std::vector<Window> TopLevelWindows(const std::function<bool(Window)>& condition
 
 namespace {
 
+// With a window that comes under the pointer the X server tells which keys are down, by which Wine goes: a
+// modifier that is down here alone would be released. So the pointer waits where windows don't come and go.
+void ParkMouse() {
+  const POINT corner{::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1};
+  POINT now{};
+  if (::GetCursorPos(&now) && now.x == corner.x && now.y == corner.y) return;
+  MoveMouseTo(corner);
+  Window(::GetDesktopWindow()).Send(WM_NULL);  // it has heard by then that the pointer is there
+}
+
 void TypeInFront(Window window, std::vector<INPUT>&& inputs) {
   ::SetForegroundWindow(window.Handle());
-  Await("the front place of " + window.Describe(),
-        [&] { return ::GetForegroundWindow() == window.Handle(); });
+  Await("the front place of " + window.Describe() + ", with the focus",
+        [&] { return ::GetForegroundWindow() == window.Handle() && window.HoldsFocus(); });
   const auto count = static_cast<UINT>(inputs.size());
   if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw DriverError("can't type a key");
 }
@@ -248,6 +268,7 @@ void TypeInFront(Window window, std::vector<INPUT>&& inputs) {
 }  // namespace
 
 void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers) {
+  if (!modifiers.empty()) ParkMouse();
   std::vector<INPUT> inputs;
   for (WORD modifier : modifiers) inputs.push_back(KeyInput(modifier, false));
   inputs.push_back(KeyInput(key, false));

@@ -33,6 +33,7 @@ class Window {
   bool IsEnabled() const { return ::IsWindowEnabled(handle_) != 0; }
   bool IsTopmost() const { return (ExtendedStyle() & WS_EX_TOPMOST) != 0; }
   bool HasFocus() const;
+  bool HoldsFocus() const;  // it, or something in it
   Window Owner() const { return Window(::GetWindow(handle_, GW_OWNER)); }
   RECT ScreenRect() const;
   POINT Centre() const;

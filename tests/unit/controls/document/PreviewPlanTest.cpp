@@ -30,6 +30,9 @@ TEST(PreviewPlan, WholePageFits) {
     EXPECT_LE(page.bottom - page.top, view.height);
     EXPECT_GE(page.left, 0);
     EXPECT_EQ(plan.Columns(), 1);
+    if (view.height < view.width) {
+      EXPECT_GE(plan.PageRect(1).top - 1, plan.ScrollYOf(0) + view.height) << "the next one's edge is seen";
+    }
   }
 }
 
@@ -75,6 +78,19 @@ TEST(PreviewPlan, EachPageIsPresentWhereItsScrollPositionIs) {
   for (const ZoomMode mode : {ZoomMode::Percent, ZoomMode::WholePage, ZoomMode::PageWidth}) {
     const PreviewPlan plan = Plan(20, {900, 600}, mode);
     for (int page = 0; page < 20; ++page) EXPECT_EQ(plan.PageAtView(plan.ScrollYOf(page)), page);
+  }
+}
+
+TEST(PreviewPlan, TopmostRowIsPresentWhereSeveralAreSeen) {
+  const PreviewPlan all = Plan(30, {900, 1200}, ZoomMode::Thumbnail);
+  ASSERT_EQ(all.MaxScrollY(), 0);
+  ASSERT_GT(all.Columns(), 1);
+  EXPECT_EQ(all.PageAtView(0), 0);
+  const PreviewPlan plan = Plan(300, {900, 1200}, ZoomMode::Thumbnail);
+  for (const int row : {0, 1, 7}) {
+    const int page = row * plan.Columns();
+    EXPECT_EQ(plan.PageAtView(plan.ScrollYOf(page)), page);
+    EXPECT_EQ(plan.PageAtView(plan.ScrollYOf(page + 1)), page);
   }
 }
 
