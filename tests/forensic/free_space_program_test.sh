@@ -22,13 +22,13 @@ failed=0
 fault() { say "FAULT: $*"; failed=1; }
 says() { [[ $1 == *"$2"* ]] || fault "'$2' is missing in: $1"; }
 is() { [[ $1 == "$2" ]] || fault "it is '$1', not '$2'"; }
-# zq CODE ARGUMENT...: without a terminal; its output goes to $out and $err. The last argument is the drive.
+# zq CODE ARGUMENT...: without a terminal; its output goes to $work/out and $err. The last argument is the drive.
 zq() {
   local wanted=$1 code=0
   shift
   [[ ${*: -1} == "$work"* ]] || { say "${*: -1} is outside"; exit 1; }
   "$program" "$@" </dev/null >"$work/out" 2>"$work/err" || code=$?
-  out=$(<"$work/out") err=$(<"$work/err")
+  err=$(<"$work/err")
   ((code == wanted)) || fault "exit code $code, not $wanted, of: $* ($err)"
 }
 json() {
