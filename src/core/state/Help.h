@@ -5,6 +5,7 @@ namespace zq {
 
 // Topics by their numbers in the map of the help file.
 inline constexpr int kHelpOnDriveWipe = 10;
+inline constexpr int kHelpOnPreferences = 11;
 
 class Help {
  public:
