@@ -5,7 +5,7 @@
 #   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
 #   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows; zqwipe * and by path
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
-#   bench.sh report   the report's window under Wine: a report of 30,000 lines opened, and scrolled
+#   bench.sh report   the report's window under Wine: reports of 30,000 lines opened, and scrolled
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
 set -euo pipefail

@@ -110,3 +110,26 @@
 #define IDC_frmSpaceStatus_pbCurrent 2203
 #define IDC_frmSpaceStatus_lblStatus 2204
 #define IDC_frmSpaceStatus_cmdCancel 2205
+
+#define IDD_frmPreferences 230
+#define IDC_frmPreferences_TabStrip1 2301
+#define IDC_frmPreferences_Image1 2302
+#define IDC_frmPreferences_Label1 2303
+#define IDC_frmPreferences_Frame1 2304
+#define IDC_frmPreferences_opt3 2305
+#define IDC_frmPreferences_opt5 2306
+#define IDC_frmPreferences_opt7 2307
+#define IDC_frmPreferences_Frame2 2308
+#define IDC_frmPreferences_chkProgressBars 2309
+#define IDC_frmPreferences_chkToolBars 2310
+#define IDC_frmPreferences_chkGridLines 2311
+#define IDC_frmPreferences_chkMaximize 2312
+#define IDC_frmPreferences_chkPrompt 2313
+#define IDC_frmPreferences_Label2 2314
+#define IDC_frmPreferences_cboSize 2315
+#define IDC_frmPreferences_Frame3 2316
+#define IDC_frmPreferences_Label3 2317
+#define IDC_frmPreferences_chkManager 2318
+#define IDC_frmPreferences_cmdOK 2319
+#define IDC_frmPreferences_cmdCancel 2320
+#define IDC_frmPreferences_cmdHelp 2321

@@ -24,6 +24,8 @@
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32Regional.h"
 #include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32WindowList.h"
+#include "preferences/frmPreferences.h"
 #include "reports/frmPrintReport.h"
 #include "wipe/frmDriveWipe.h"
 #include "wipe/frmSpaceStatus.h"
@@ -43,7 +45,8 @@ struct Program {
   SystemLongWork longWork{[] {
     return Default<frmMain>::IsLoaded() ? static_cast<Form&>(Default<frmMain>::Touch()).Handle() : nullptr;
   }};
-  Platform platform{files, messageBoxes, process, regional, registry, longWork};
+  Win32WindowList windows;
+  Platform platform{files, messageBoxes, process, regional, registry, longWork, windows};
   Win32Drives drives;
 };
 
@@ -75,6 +78,9 @@ void TellForms(Program& program) {
       [&program] { return std::make_unique<frmSave>(program.state, program.platform); });
   Default<frmOpenJob>::SetFactory(
       [&program] { return std::make_unique<frmOpenJob>(program.state, program.platform); });
+  Default<frmPreferences>::SetFactory([&program] {
+    return std::make_unique<frmPreferences>(program.state, program.platform, Default<frmMain>::Touch());
+  });
   Default<frmWelcome>::SetFactory(
       [&program] { return std::make_unique<frmWelcome>(program.state, program.platform); });
   Default<frmAbout>::SetFactory([] { return std::make_unique<frmAbout>(); });

@@ -42,12 +42,15 @@ void Control::Move(const RECT& rect) {
   ::MoveWindow(hwnd_, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
 }
 
-void Label::SetBold() {
+UniqueFont BoldFontOf(const Form& form) {
   LOGFONTW font{};
-  ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(form().Handle(), WM_GETFONT, 0, 0)), sizeof font,
-               &font);
+  ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(form.Handle(), WM_GETFONT, 0, 0)), sizeof font, &font);
   font.lfWeight = FW_BOLD;
-  UniqueFont bold(::CreateFontIndirectW(&font));
+  return UniqueFont(::CreateFontIndirectW(&font));
+}
+
+void Label::SetBold() {
+  UniqueFont bold = BoldFontOf(form());
   ::SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(bold.Get()), TRUE);
   font_ = std::move(bold);  // the one before is in use until here
 }

@@ -15,6 +15,9 @@ namespace zq {
 // The text of a window of ours, or its caption.
 std::string WindowText(HWND hwnd);
 
+// The form's present font, bold.
+UniqueFont BoldFontOf(const Form& form);
+
 // Bound to the control `id` of the form's template. Usable once the form has been created.
 class Control {
  public:
@@ -92,11 +95,18 @@ class Button : public Control {
 class CheckBox : public Control {
  public:
   using Control::Control;
+  std::function<void()> Click;  // by the user
+
   // 1 ticked, 0 clear.
   void SetValue(int value) {
     ::SendMessageW(Handle(), BM_SETCHECK, value == 1 ? BST_CHECKED : BST_UNCHECKED, 0);
   }
   int Value() const { return ::SendMessageW(Handle(), BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0; }
+
+ protected:
+  void OnCommand(WORD code) override {
+    if (code == BN_CLICKED && Click) Click();
+  }
 };
 
 class TextBox : public Control {

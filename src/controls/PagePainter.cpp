@@ -12,6 +12,7 @@ namespace {
 // Text below this height in pixels can't be read, and is shown as a bar.
 constexpr int kLeastFontPixels = 3;
 constexpr COLORREF kBarColour = RGB(192, 192, 192);
+constexpr int kLeastCellPixels = 6;  // a cell's height
 constexpr std::size_t kMostFonts = 32;
 
 void Fill(HDC context, const RECT& rect, COLORREF colour) {
@@ -87,10 +88,12 @@ void PagePainter::DrawCell(const LaidCell& cell) {
   if (!table.border) return;
   // Three quarters of a point, and a pixel at least.
   const int thick = std::max(1, static_cast<int>(std::lround(15 * canvas_->pixelsPerTwipX)));
-  Fill(canvas_->context, {rect.left, rect.top, rect.right, rect.top + thick}, kBlack);
-  Fill(canvas_->context, {rect.left, rect.bottom - thick, rect.right, rect.bottom}, kBlack);
-  Fill(canvas_->context, {rect.left, rect.top, rect.left + thick, rect.bottom}, kBlack);
-  Fill(canvas_->context, {rect.right - thick, rect.top, rect.right, rect.bottom}, kBlack);
+  // So low that there is hardly room between the lines, it would be a black beam.
+  const COLORREF colour = rect.bottom - rect.top < kLeastCellPixels ? kBarColour : kBlack;
+  Fill(canvas_->context, {rect.left, rect.top, rect.right, rect.top + thick}, colour);
+  Fill(canvas_->context, {rect.left, rect.bottom - thick, rect.right, rect.bottom}, colour);
+  Fill(canvas_->context, {rect.left, rect.top, rect.left + thick, rect.bottom}, colour);
+  Fill(canvas_->context, {rect.right - thick, rect.top, rect.right, rect.bottom}, colour);
 }
 
 void PagePainter::DrawLine(const LaidLine& line) {

@@ -162,19 +162,22 @@ int PreviewBar::Arrange() {
   return height;
 }
 
-void PreviewBar::ShowPage(int page, int count) {
+void PreviewBar::ShowPage(int page, int count) const {
   SetTextIfOther(Item(kBarPage), std::to_wstring(page));
   SetTextIfOther(Item(kBarPageCount), L"of " + std::to_wstring(count));
+}
+
+void PreviewBar::EnablePaging(bool backwards, bool forwards) const {
   const auto enable = [this](PreviewBarId id, bool enabled) {
     const HWND item = Item(id);
     // The focus must not stay on a disabled button: the keyboard would be dead.
     if (!enabled && ::GetFocus() == item) ::SetFocus(Item(kBarPage));
     ::EnableWindow(item, enabled);
   };
-  enable(kBarFirst, page > 1);
-  enable(kBarPrevious, page > 1);
-  enable(kBarNext, page < count);
-  enable(kBarLast, page < count);
+  enable(kBarFirst, backwards);
+  enable(kBarPrevious, backwards);
+  enable(kBarNext, forwards);
+  enable(kBarLast, forwards);
 }
 
 void PreviewBar::ShowZoom(double percent) {

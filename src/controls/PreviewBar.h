@@ -39,7 +39,8 @@ class PreviewBar {
   // The least width in which all is seen.
   int Width() const { return width_; }
 
-  void ShowPage(int page, int count);  // from 1
+  void ShowPage(int page, int count) const;  // from 1
+  void EnablePaging(bool backwards, bool forwards) const;
   void ShowZoom(double percent);
   void ShowFound(const std::string& text) const;
 

@@ -134,6 +134,10 @@ int PreviewWindow::Page() const {
   return plan_.PageAtView(scrollY_);
 }
 
+bool PreviewWindow::HasPagesBehind() const {
+  return Page() + plan_.Columns() < PageCount() && scrollY_ < plan_.MaxScrollY();
+}
+
 void PreviewWindow::ShowDocument(const Document& document, const PageLayout& layout, TextMeasure& measure) {
   document_ = &document;
   layout_ = &layout;

@@ -40,6 +40,9 @@ class PreviewWindow {
   int Page() const;  // the present one, from 0
   int PageCount() const;
   int PagesInRow() const { return plan_.Columns(); }
+  // Whether the view can go to other pages; not where all are seen.
+  bool HasPagesBefore() const { return Page() > 0; }
+  bool HasPagesBehind() const;
   void GoToPage(int page);
 
   TextRange Selection() const;

@@ -98,6 +98,7 @@ void VSPrinter::UsePaper(const PageSetup& setup) {
 
 void VSPrinter::ShowView() {
   bar_.ShowPage(preview_.Page() + 1, preview_.PageCount());
+  bar_.EnablePaging(preview_.HasPagesBefore(), preview_.HasPagesBehind());
   bar_.ShowZoom(preview_.Percent());
 }
 

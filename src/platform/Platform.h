@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/LongWork.h"
+#include "platform/WindowList.h"
 
 namespace zq {
 
@@ -18,6 +19,7 @@ struct Platform {
   Regional& regional;
   Registry& registry;
   LongWork& longWork = UntoldWork::Instance();
+  WindowList& windows = NoWindows::Instance();
 };
 
 }  // namespace zq

@@ -1,4 +1,4 @@
-// Process: what the program asks about its own process.
+// Process: what the program asks about its own process, and the start of another.
 #pragma once
 
 #include <string>
@@ -25,6 +25,10 @@ class Process {
   // Shows the system that the program is alive where no message may be taken: looks whether one waits, and
   // leaves it there. May be called as often as one likes; it looks a few times a second.
   virtual void LookAtMessages() = 0;
+
+  // Starts the program at `path`, its window shown as it likes, and doesn't wait for it. False if it can't
+  // be started.
+  virtual bool StartProgram(const std::string& path) = 0;
 
   // Ends the process at once: no window gets an unload event.
   virtual void End() = 0;

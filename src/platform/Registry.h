@@ -1,4 +1,4 @@
-// Registry: reading a value of the system's registry.
+// Registry: a value of the system's registry, read, written and removed.
 #pragma once
 
 #include <cstdint>
@@ -23,6 +23,13 @@ class Registry {
   // Nothing when the key or the value is missing or can't be read.
   virtual std::optional<RegistryValue> Query(RegistryHive hive, const std::string& key,
                                              const std::string& valueName) = 0;
+
+  // A value of the type REG_SZ. What the system refuses, as it does to a user without the right, changes
+  // nothing and is not told.
+  virtual void WriteString(RegistryHive hive, const std::string& key, const std::string& valueName,
+                           const std::string& text) = 0;
+  // The same goes for this; so it does where there is no such value.
+  virtual void DeleteValue(RegistryHive hive, const std::string& key, const std::string& valueName) = 0;
 };
 
 // The text of a string value up to its first null. A value that is missing, unreadable or of another

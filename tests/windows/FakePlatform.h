@@ -7,6 +7,7 @@
 #include "support/fakes/FakeProcess.h"
 #include "support/fakes/FakeRegional.h"
 #include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakeWindowList.h"
 
 namespace zq::test {
 
@@ -16,7 +17,8 @@ struct FakePlatform {
   FakeProcess process{files.log};
   FakeRegional regional;
   FakeRegistry registry;
-  Platform platform{files, messageBoxes, process, regional, registry};
+  FakeWindowList windows{files.log};
+  Platform platform{files, messageBoxes, process, regional, registry, UntoldWork::Instance(), windows};
 };
 
 }  // namespace zq::test

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <future>
 #include <thread>
 
@@ -31,7 +32,13 @@ class VSPrinterTest : public ReportStage {
     WriteReport(report);
     frmPrintReport& form = Default<frmPrintReport>::Touch();
     form.Show();
-    ::SetWindowPos(form.Handle(), nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    // No larger than the screen, as a modal window is.
+    RECT work{};
+    RECT place{};
+    ::SystemParametersInfoW(SPI_GETWORKAREA, 0, &work, 0);
+    ::GetWindowRect(form.Handle(), &place);
+    ::SetWindowPos(form.Handle(), nullptr, 0, 0, std::min(place.right - place.left, work.right),
+                   std::min(place.bottom - place.top, work.bottom), SWP_NOZORDER);
     ::UpdateWindow(form.VS1.Preview().Handle());
     return form.VS1;
   }
@@ -175,6 +182,25 @@ TEST_F(VSPrinterTest, ShowsEachZoom) {
     }
     EXPECT_EQ(printer.Preview().Mode(), zoom.mode);
   }
+}
+
+// Two pages side by side count as one place; where all are seen there is nowhere to go.
+TEST_F(VSPrinterTest, ButtonsAreEnabledAsFarAsThereIsAPageToGoTo) {
+  VSPrinter& printer = Show(Long(700));
+  const auto enabled = [&](PreviewBarId id) { return ::IsWindowEnabled(printer.Bar().Item(id)) != FALSE; };
+  printer.Preview().SetZoom(ZoomMode::Thumbnail);
+  EXPECT_EQ(printer.Bar().Text(kBarPage), "1");
+  for (const PreviewBarId id : {kBarFirst, kBarPrevious, kBarNext, kBarLast}) EXPECT_FALSE(enabled(id)) << id;
+
+  printer.Preview().SetZoom(ZoomMode::TwoPages);
+  EXPECT_TRUE(enabled(kBarNext));
+  PressBar(printer, kBarNext);
+  EXPECT_EQ(printer.Bar().Text(kBarPage), "3");
+  EXPECT_TRUE(enabled(kBarFirst));
+  PressBar(printer, kBarLast);
+  EXPECT_FALSE(enabled(kBarNext));
+  EXPECT_FALSE(enabled(kBarLast));
+  EXPECT_TRUE(enabled(kBarPrevious));
 }
 
 TEST_F(VSPrinterTest, ZoomKeepsThePlace) {

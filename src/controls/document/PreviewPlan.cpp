@@ -10,6 +10,9 @@ namespace {
 
 // Between pages and around them, at 96 dpi.
 constexpr int kGap = 16;
+// The line around a page, in pixels. A page that is shown whole is so much higher, and the next one's line
+// lies outside the view.
+constexpr int kEdge = 1;
 // A thumbnail's height, in inches on the screen.
 constexpr double kThumbnailHeight = 1.6;
 
@@ -38,7 +41,7 @@ PreviewPlan::PreviewPlan(Twips pageWidth, Twips pageHeight, int pages, int dpi, 
   const double fullWidth = pageWidth * pixelsAtFull;
   const double fullHeight = pageHeight * pixelsAtFull;
   const double roomX = std::max(view_.width - 2 * gap_, 1);
-  const double roomY = std::max(view_.height - 2 * gap_, 1);
+  const double roomY = std::max(view_.height - 2 * gap_ + kEdge, 1);
 
   switch (mode) {
     case ZoomMode::Percent:
@@ -101,7 +104,8 @@ int PreviewPlan::RowAt(int canvasY) const {
 int PreviewPlan::PageAtView(int scrollY) const {
   // At the end the last row may stand too low to come to that height.
   if (scrollY >= MaxScrollY() && MaxScrollY() > 0) return (Rows() - 1) * columns_;
-  return RowAt(scrollY + view_.height / 3) * columns_;
+  // Of rows that are lower than the view, the topmost that is half seen.
+  return RowAt(scrollY + std::min(view_.height / 3, (pageHeight_ + gap_) / 2)) * columns_;
 }
 
 void PreviewPlan::VisiblePages(int scrollY, int& first, int& end) const {

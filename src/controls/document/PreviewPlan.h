@@ -57,7 +57,8 @@ class PreviewPlan {
   int MaxScrollY() const;
   // The scroll position that puts a page at the view's top, with its margin.
   int ScrollYOf(int page) const;
-  // The page that a reader takes for the present one: the first of the row at a third of the view's height.
+  // The page that a reader takes for the present one: the first of the row at a third of the view's height,
+  // or of the topmost row where several are seen.
   int PageAtView(int scrollY) const;
   // The pages that the view shows a part of: [first, end).
   void VisiblePages(int scrollY, int& first, int& end) const;

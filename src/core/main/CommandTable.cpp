@@ -29,9 +29,9 @@ constexpr Command kFileCommands[] = {
     {{"mnuFileDelete",       "&Delete Open Job",         Ctrl('D'), "",          ""}, &Commands::DeleteOpenJob},
     kSeparator,
     {{"mnuFileView",         "&View Last Report...",     kNoKey,    "report",    ""}, &Commands::ViewReport},
-    {{"mnuFilePreferences",  "&Preferences...",          kNoKey,    "",          ""}, nullptr},
+    {{"mnuFilePreferences",  "&Preferences...",          kNoKey,    "",          ""}, &Commands::ShowPreferences},
     kSeparator,
-    {{"mnuFileLaunch",       "&Launch Explorer Manager", kNoKey,    "",          ""}, nullptr},
+    {{"mnuFileLaunch",       "&Launch Explorer Manager", kNoKey,    "",          ""}, &Commands::LaunchManager},
     kSeparator,
     {{"mnuFileQuickWipeBin", "&QuickWipe Bin",           Ctrl('Q'), "MainSmall", ""}, &Commands::ToggleQuickWipeBin},
     kSeparator,
@@ -86,7 +86,7 @@ struct MenuCommands {
 };
 
 constexpr MenuCommands kMenus[] = {
-    {"mnuFile",    "&File",    kFileCommands},
+    {kFileMenu,    "&File",    kFileCommands},
     {kActionsMenu, "&Actions", kActionsCommands},
     {"mnuHelp",    "&Help",    kHelpCommands},
 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "controls/ToolStates.h"
 #include "core/main/CommandTable.h"
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
@@ -13,6 +14,7 @@
 #include "platform/MessageBoxes.h"
 #include "platform/Platform.h"
 #include "platform/RunTimeError.h"
+#include "preferences/ExplorerManager.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
 
@@ -37,6 +39,10 @@ void Commands::Run(std::string_view toolName) {
 
 void Commands::MenuOpening(std::string_view menuName) {
   if (menuName == kActionsMenu) UpdateActionsMenu(parts_.jobList, parts_.tools);
+  if (menuName == kFileMenu) {
+    parts_.explorerManager.Look();
+    parts_.tools.SetEnabled("mnuFileLaunch", !parts_.state.ManagerRunning);
+  }
 }
 
 void Commands::ListDoubleClicked() {
@@ -128,6 +134,14 @@ void Commands::RemoveSelectedItem() {
     }
   }
   UpdateTools();
+}
+
+void Commands::ShowPreferences() {
+  parts_.windows.ShowPreferences();
+}
+
+void Commands::LaunchManager() {
+  parts_.explorerManager.LaunchManager();
 }
 
 void Commands::ToggleQuickWipeBin() {

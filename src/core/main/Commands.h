@@ -12,6 +12,7 @@ struct AppState;
 struct JobRow;
 struct Platform;
 class AddFiles;
+class ExplorerManager;
 class FolderDialog;
 class FreeSpaceWipe;
 class JobLifecycle;
@@ -34,6 +35,7 @@ class CommandWindows {
   virtual AddFilesChoice ShowAddFiles(const std::string& initialFolder) = 0;
   virtual void ShowEdit(const JobRow& row) = 0;  // OK is ChangeFolderItem
   virtual void ShowDriveWipe() = 0;  // OK sets FreeSpaceDrive and FreeSpacePasses, all else clears the drive
+  virtual void ShowPreferences() = 0;
   virtual void ShowAbout() = 0;
   // Closes the main window, which asks CloseForExit.
   virtual void CloseMainWindow() = 0;
@@ -51,6 +53,7 @@ struct CommandParts {
   JobLifecycle& jobLifecycle;
   JobWipe& jobWipe;
   FreeSpaceWipe& freeSpaceWipe;
+  ExplorerManager& explorerManager;
   FolderDialog& folderDialog;
   CommandWindows& windows;
   ReportViewer* reportViewer = nullptr;  // null: there is no window for reports, and none opens
@@ -93,6 +96,8 @@ class Commands {
   void DeleteOpenJob();
   void EditFolderItem();  // raises SubscriptOutOfRange if no row is selected
   void RemoveSelectedItem();
+  void ShowPreferences();
+  void LaunchManager();
   void ToggleQuickWipeBin();
   void ViewReport();
   void RunJobWipe();

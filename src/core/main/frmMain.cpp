@@ -96,6 +96,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
       freeSpaceWipe_(state, platform, *this, spaceStatusWindow_),
       wipeHandlers_(jobWipe_, freeSpaceWipe_),
       SFD1(wipeHandlers_),
+      explorerManager_(state, platform),
       commands_({.state = state,
                  .jobList = jobList_,
                  .platform = platform,
@@ -104,6 +105,7 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .jobLifecycle = jobLifecycle_,
                  .jobWipe = jobWipe_,
                  .freeSpaceWipe = freeSpaceWipe_,
+                 .explorerManager = explorerManager_,
                  .folderDialog = *this,
                  .windows = *this,
                  .reportViewer = &reportWindow_}) {

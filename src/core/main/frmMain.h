@@ -23,6 +23,7 @@
 #include "jobs/JobLifecycle.h"
 #include "jobs/JobList.h"
 #include "platform/Platform.h"
+#include "preferences/ExplorerManager.h"
 #include "reports/frmPrintReport.h"
 #include "resource.h"
 #include "wipe/FreeSpaceWipe.h"
@@ -47,6 +48,8 @@ class frmMain final : public Form,
 
   void Show() override;
   void Hide() override { Form::Hide(); }
+  void SetGridLines(bool gridLines) override { ListView1.SetGridLines(gridLines); }
+  void SetVisualStyle(int visualStyle) override { DockStudio1.SetVisualStyle(visualStyle); }
 
   JobWipe& Driver() { return jobWipe_; }
   FreeSpaceWipe& FreeSpaceDriver() { return freeSpaceWipe_; }
@@ -101,6 +104,7 @@ class frmMain final : public Form,
   AddFilesChoice ShowAddFiles(const std::string& initialFolder) override;
   void ShowEdit(const JobRow& row) override;
   void ShowDriveWipe() override;
+  void ShowPreferences() override;
   void ShowAbout() override;
   void CloseMainWindow() override;
   void DoBusily(const std::function<void()>& work) override;
@@ -125,6 +129,7 @@ class frmMain final : public Form,
   FreeSpaceWipe freeSpaceWipe_;
   WipeHandlers wipeHandlers_;
   zq::SFD1 SFD1;
+  ExplorerManager explorerManager_;
   Commands commands_;
   ImageList ImageList3;
   struct DrawnIcon {

@@ -11,6 +11,7 @@
 #include "jobs/frmNew.h"
 #include "jobs/frmOpenJob.h"
 #include "jobs/frmSave.h"
+#include "preferences/frmPreferences.h"
 #include "wipe/frmDriveWipe.h"
 
 namespace zq {
@@ -47,6 +48,10 @@ void frmMain::ShowEdit(const JobRow& row) {
 
 void frmMain::ShowDriveWipe() {
   Default<frmDriveWipe>::Touch().ShowModal(Handle());
+}
+
+void frmMain::ShowPreferences() {
+  Default<frmPreferences>::Touch().ShowModal(Handle());
 }
 
 void frmMain::ShowAbout() {

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/state/DataFolder.h"
+#include "core/state/ManagerNames.h"
 #include "platform/NumberFormat.h"
 #include "platform/Registry.h"
 #include "platform/RunTimeError.h"
@@ -15,9 +16,7 @@ namespace {
 constexpr const char* kSettingsFile = "Settings.dat";
 constexpr const char* kPlacementFile = "Settings2.dat";
 
-constexpr const char* kRunKey = "Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr const char* kRunValue = "Zeroquill Explorer Manager";
-constexpr std::string_view kManagerProgram = "ZQEXMAN.EXE";
+constexpr std::string_view kManagerProgramUpper = "ZQEXMAN.EXE";
 
 // The fields of each record in the order of its file: the one place that knows the layout.
 template <typename Record, typename Visit>
@@ -101,11 +100,11 @@ Record Decode(std::string_view bytes, std::size_t recordBytes) {
 // Whether the Explorer Manager is registered to start with the system. The registry alone knows:
 // what the settings file says about it is never used.
 bool ManagerIsRegistered(Registry& registry) {
-  std::string command = ReadRegistryString(registry, RegistryHive::LocalMachine, kRunKey, kRunValue);
+  std::string command = ReadRegistryString(registry, RegistryHive::LocalMachine, kRunKey, kManagerRunValue);
   // The name that is looked for is ASCII, so no other letters need folding.
   std::transform(command.begin(), command.end(), command.begin(),
                  [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-  return command.find(kManagerProgram) != std::string::npos;
+  return command.find(kManagerProgramUpper) != std::string::npos;
 }
 
 // A placement file that isn't there yet is made, without content, and reads as no placement saved.

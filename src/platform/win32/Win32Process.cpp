@@ -52,6 +52,25 @@ void Win32Process::LookAtMessages() {
   ::PeekMessageW(&message, nullptr, 0, 0, PM_NOREMOVE);
 }
 
+// The path goes beside the command line: a folder's name with blanks in it names no other program. In its own
+// folder, so that it keeps no other one from being removed.
+bool Win32Process::StartProgram(const std::string& path) {
+  const std::wstring program = ToWide(path);
+  std::wstring commandLine = L'"' + program + L'"';
+  const std::wstring folder = program.substr(0, program.rfind(L'\\') + 1);
+  STARTUPINFOW startup{};
+  startup.cb = sizeof startup;
+  startup.dwFlags = STARTF_USESHOWWINDOW;
+  startup.wShowWindow = SW_SHOWNORMAL;
+  PROCESS_INFORMATION started{};
+  if (!::CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr,
+                        folder.empty() ? nullptr : folder.c_str(), &startup, &started))
+    return false;
+  const UniqueKernelHandle process(started.hProcess);
+  const UniqueKernelHandle thread(started.hThread);
+  return true;
+}
+
 void Win32Process::End() {
   ::ExitProcess(0);
 }

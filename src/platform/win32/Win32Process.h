@@ -16,6 +16,7 @@ class Win32Process final : public Process {
   std::string CommandLine() override;
   void PumpMessages() override { pump_(); }
   void LookAtMessages() override;
+  bool StartProgram(const std::string& path) override;
   void End() override;
 
  private:

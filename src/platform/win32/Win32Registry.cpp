@@ -10,6 +10,20 @@
 namespace zq {
 namespace {
 
+HKEY RootOf(RegistryHive hive) {
+  return hive == RegistryHive::LocalMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
+}
+
+// The key, made where it is missing; empty when the system refuses.
+UniqueRegistryKey MakeKey(RegistryHive hive, const std::string& key, const wchar_t* className) {
+  HKEY made = nullptr;
+  std::wstring givenClass = className ? className : L"";
+  if (::RegCreateKeyExW(RootOf(hive), ToWide(key).c_str(), 0, className ? givenClass.data() : nullptr, 0,
+                        KEY_WRITE, nullptr, &made, nullptr) != ERROR_SUCCESS)
+    return {};
+  return UniqueRegistryKey(made);
+}
+
 bool IsText(DWORD type) {
   return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
 }
@@ -25,9 +39,8 @@ std::string NarrowText(const std::string& bytes) {
 
 std::optional<RegistryValue> Win32Registry::Query(RegistryHive hive, const std::string& key,
                                                   const std::string& valueName) {
-  const HKEY root = hive == RegistryHive::LocalMachine ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
   HKEY opened = nullptr;
-  if (::RegOpenKeyExW(root, ToWide(key).c_str(), 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS)
+  if (::RegOpenKeyExW(RootOf(hive), ToWide(key).c_str(), 0, KEY_QUERY_VALUE, &opened) != ERROR_SUCCESS)
     return std::nullopt;
   const UniqueRegistryKey owner(opened);
 
@@ -45,6 +58,23 @@ std::optional<RegistryValue> Win32Registry::Query(RegistryHive hive, const std::
   value.bytes.resize(size);
   if (IsText(type)) value.bytes = NarrowText(value.bytes);
   return value;
+}
+
+// The length is that of the characters alone; the system puts the null behind them itself.
+void Win32Registry::WriteString(RegistryHive hive, const std::string& key, const std::string& valueName,
+                                const std::string& text) {
+  const UniqueRegistryKey opened = MakeKey(hive, key, nullptr);
+  if (!opened) return;
+  const std::wstring wide = ToWide(text);
+  ::RegSetValueExW(opened.Get(), ToWide(valueName).c_str(), 0, REG_SZ,
+                   reinterpret_cast<const BYTE*>(wide.c_str()),
+                   static_cast<DWORD>(wide.size() * sizeof(wchar_t)));
+}
+
+void Win32Registry::DeleteValue(RegistryHive hive, const std::string& key, const std::string& valueName) {
+  // A key that is made on the way is of the class "0": this text, not none.
+  const UniqueRegistryKey opened = MakeKey(hive, key, L"0");
+  if (opened) ::RegDeleteValueW(opened.Get(), ToWide(valueName).c_str());
 }
 
 }  // namespace zq

@@ -9,6 +9,9 @@ class Win32Registry final : public Registry {
  public:
   std::optional<RegistryValue> Query(RegistryHive hive, const std::string& key,
                                      const std::string& valueName) override;
+  void WriteString(RegistryHive hive, const std::string& key, const std::string& valueName,
+                   const std::string& text) override;
+  void DeleteValue(RegistryHive hive, const std::string& key, const std::string& valueName) override;
 };
 
 }  // namespace zq

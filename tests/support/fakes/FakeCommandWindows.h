@@ -37,6 +37,7 @@ class FakeCommandWindows final : public CommandWindows, public FolderDialog {
     log_.push_back("frmDriveWipe");
     if (inDriveWipe) inDriveWipe();
   }
+  void ShowPreferences() override { log_.push_back("frmPreferences"); }
   void ShowAbout() override { log_.push_back("frmAbout"); }
   void CloseMainWindow() override { log_.push_back("main: close"); }
   void DoBusily(const std::function<void()>& work) override {

@@ -17,6 +17,7 @@ class FakeProcess final : public Process {
   std::string applicationPath = "C:\\Zeroquill";
   std::string commandLine;
   std::function<void()> onPump;  // what the waiting messages do
+  bool startFails = false;       // of another program
   int looks = 0;                 // at messages that are left where they are
 
   bool EarlierInstanceRuns() override { return earlierInstanceRuns; }
@@ -27,6 +28,10 @@ class FakeProcess final : public Process {
     if (onPump) onPump();
   }
   void LookAtMessages() override { ++looks; }
+  bool StartProgram(const std::string& path) override {
+    log_.push_back("start " + path);
+    return !startFails;
+  }
   void End() override { log_.push_back("end"); }
 
  private:

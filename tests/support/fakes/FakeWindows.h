@@ -16,6 +16,12 @@ class FakeMainWindow final : public MainWindow {
   explicit FakeMainWindow(EventLog& log) : log_(log) {}
   void Show() override { log_.push_back("main: show"); }
   void Hide() override { log_.push_back("main: hide"); }
+  void SetGridLines(bool gridLines) override {
+    log_.push_back(gridLines ? "main: grid lines" : "main: no grid lines");
+  }
+  void SetVisualStyle(int visualStyle) override {
+    log_.push_back("main: visual style " + std::to_string(visualStyle));
+  }
 
  private:
   EventLog& log_;

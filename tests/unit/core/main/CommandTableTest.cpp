@@ -134,7 +134,9 @@ TEST(CommandTable, NamesTheOperationOfEachTool) {
       {&Commands::NewJob, {"NewJob", "mnuFileNew"}},
       {&Commands::DeleteOpenJob, {"mnuFileDelete"}},
       {&Commands::WipeFreeSpace, {"WipeFreeSpace", "mnuActionsWipeFreeSpace"}},
-      {nullptr, {"mnuHelpContents", "mnuHelpWebPage", "mnuFileLaunch", "mnuFilePreferences"}},
+      {&Commands::ShowPreferences, {"mnuFilePreferences"}},
+      {&Commands::LaunchManager, {"mnuFileLaunch"}},
+      {nullptr, {"mnuHelpContents", "mnuHelpWebPage"}},
   };
   std::size_t tools = 0;
   for (const Row& row : kRows) {

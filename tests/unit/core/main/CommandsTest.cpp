@@ -14,6 +14,7 @@
 #include "jobs/JobLifecycle.h"
 #include "jobs/JobList.h"
 #include "platform/Platform.h"
+#include "preferences/ExplorerManager.h"
 #include "support/ExpectRaises.h"
 #include "support/Rows.h"
 #include "support/fakes/FakeCommandWindows.h"
@@ -26,6 +27,7 @@
 #include "support/fakes/FakeRegional.h"
 #include "support/fakes/FakeRegistry.h"
 #include "support/fakes/FakeToolStates.h"
+#include "support/fakes/FakeWindowList.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
@@ -82,7 +84,8 @@ class CommandsTest : public testing::Test {
   test::FakeProcess process{log};
   test::FakeRegional regional;
   test::FakeRegistry registry;
-  Platform platform{files, boxes, process, regional, registry};
+  test::FakeWindowList systemWindows{log};
+  Platform platform{files, boxes, process, regional, registry, UntoldWork::Instance(), systemWindows};
   JobList jobList{regional};
   test::FakeIconPainter painter;
   FileIcons icons{painter, regional};
@@ -97,6 +100,7 @@ class CommandsTest : public testing::Test {
   JobLifecycle jobLifecycle{state, jobList, platform, icons, tools, dialogs};
   JobWipe jobWipe{state, jobList, platform, mainWindow, statusWindow, &reportViewer};
   FreeSpaceWipe freeSpaceWipe{state, platform, mainWindow, spaceStatusWindow};
+  ExplorerManager explorerManager{state, platform};
   WipeHandlers handlers{jobWipe, freeSpaceWipe};
   test::FakeEngine engine{log, handlers};
   CommandParts parts{.state = state,
@@ -107,6 +111,7 @@ class CommandsTest : public testing::Test {
                      .jobLifecycle = jobLifecycle,
                      .jobWipe = jobWipe,
                      .freeSpaceWipe = freeSpaceWipe,
+                     .explorerManager = explorerManager,
                      .folderDialog = windows,
                      .windows = windows,
                      .reportViewer = &reportViewer};
@@ -124,6 +129,8 @@ TEST_F(CommandsTest, EachToolRunsItsOperation) {
       {{"mnuFileDelete"}, "box Delete Job"},
       {{"mnuFileExit"}, "main: close"},
       {{"mnuFileView"}, "box No Report"},
+      {{"mnuFilePreferences"}, "frmPreferences"},
+      {{"mnuFileLaunch"}, "start C:\\Zeroquill\\ZQExMan.exe"},
       {{"mnuHelpAbout"}, "frmAbout"},
       {{"WipeNow", "mnuActionsWipeNow"}, "box No Items Found"},
       {{"WipeFreeSpace", "mnuActionsWipeFreeSpace"}, "frmDriveWipe"},
@@ -319,10 +326,22 @@ TEST_F(CommandsTest, BusyBinIsNotToggledAndSaysSo) {
 TEST_F(CommandsTest, ActionsMenuBringsEditInStepAsItOpens) {
   jobList.Add(FolderRow("C:\\Papers"));
   jobList.UserSelected(1);
-  for (const std::string_view other : {"mnuFile", "mnuHelp", "other"}) commands.MenuOpening(other);
+  for (const std::string_view other : {"mnuHelp", "other"}) commands.MenuOpening(other);
   EXPECT_THAT(log, IsEmpty());
   commands.MenuOpening("mnuActions");
   EXPECT_TRUE(tools.enabledTools["mnuActionsEdit"]);
+}
+
+TEST_F(CommandsTest, FileMenuOffersToLaunchTheManagerWhileItDoesNotRun) {
+  commands.MenuOpening("mnuFile");
+  EXPECT_THAT(log, ElementsAre("+mnuFileLaunch"));
+  systemWindows.windows = {{"ZQ Explorer Manager"}};
+  EXPECT_TRUE(tools.enabledTools["mnuFileLaunch"]) << "until the menu opens again";
+  commands.MenuOpening("mnuFile");
+  EXPECT_THAT(log, ElementsAre("+mnuFileLaunch", "-mnuFileLaunch"));
+  systemWindows.windows.clear();
+  commands.MenuOpening("mnuFile");
+  EXPECT_TRUE(tools.enabledTools["mnuFileLaunch"]);
 }
 
 TEST_F(CommandsTest, ExitAsksToSaveAndStaysOnCancel) {
