@@ -31,6 +31,9 @@ can't be overwritten where it lies (compressed, copy-on-write, in use) is kept, 
 Never destroyed: a whole drive, a mount point, a home folder, the current folder, the folder of zqwipe, and
 every folder that holds one of these.
 
+With --free-space PATH is a drive, or where one is mounted. What is on it stays; what was deleted there before is
+overwritten. The drive is full for a moment meanwhile. Ctrl+C gives the space back.
+
 Exit code: 0 all is gone, 1 something was kept, 2 nothing was destroyed (wrong use, protected path, nobody to
 confirm), 3 cancelled. Ctrl+C stops at once and tells what was done.
 
@@ -39,6 +42,7 @@ Examples:
   zqwipe --recursive --yes old/       a folder with everything in it
   zqwipe --mask "*.tmp" cache         the matching files of a folder, which stays
   zqwipe --dry-run --recursive old/   only lists what would be destroyed
+  zqwipe --free-space /mnt/stick      what was deleted on a drive; on Windows: zqwipe --free-space D:
 )";
 
 }  // namespace
@@ -67,6 +71,7 @@ Parsed ParseCommandLine(const std::vector<std::string>& arguments) {
   const CLI::Option* maskOption =
       app.add_option("--mask", mask, "Wipe the folder's files whose names match; folders stay. * ? # [a-z]")
           ->type_name("MASK");
+  app.add_flag("--free-space", options.freeSpace, "Overwrite what is free on the drive; its files stay");
   app.add_flag("--dry-run", options.dryRun, "List what would be destroyed, destroy nothing");
   app.add_flag("--yes", options.yes, "Don't ask");
   app.add_flag("--trust-file-system", options.trustFileSystem,
@@ -113,6 +118,10 @@ Parsed ParseCommandLine(const std::vector<std::string>& arguments) {
   for (const std::string& path : options.paths) {
     if (path.empty()) return refuse("a path is empty");
   }
+  if (options.freeSpace && (options.recursive || options.mask || options.dryRun)) {
+    return refuse("--free-space goes with none of --recursive, --mask and --dry-run");
+  }
+  if (options.freeSpace && options.paths.size() != 1) return refuse("--free-space takes one drive");
   parsed.options = std::move(options);
   return parsed;
 }

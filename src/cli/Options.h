@@ -10,7 +10,7 @@ namespace zq::cli {
 
 // How the program ends. Scripts rely on these numbers.
 enum class ExitCode {
-  AllGone = 0,    // everything that was named is gone
+  AllGone = 0,    // everything that was named is gone; the free space is overwritten
   SomeKept = 1,   // something failed and is still there
   Usage = 2,      // nothing was destroyed: a wrong command line, a protected path, nobody to confirm
   Cancelled = 3,  // stopped by the user, before it began or on the way
@@ -18,6 +18,7 @@ enum class ExitCode {
 
 struct Options {
   std::int32_t level = 3;
+  bool freeSpace = false;  // of the one drive that is named; then none of recursive, mask and dryRun
   bool recursive = false;
   std::optional<std::string> mask;
   bool dryRun = false;

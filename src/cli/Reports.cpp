@@ -63,15 +63,18 @@ ExitCode CodeOf(const Options& options, const Plan& plan, const RunResult& resul
 }
 
 std::string JsonReport(const Finished& finished) {
-  const auto& [options, plan, result, code, when] = finished;
+  const auto& [options, plan, result, code, when, record] = finished;
   JsonWriter json;
   json.BeginObject();
   json.Member("program", "zqwipe");
   json.Member("version", ZQ_VERSION_TEXT);
+  json.Member("operation", "files");
   json.Member("level", static_cast<std::uint64_t>(options.level));
   json.Member("dryRun", options.dryRun);
   json.Member("cancelled", code == ExitCode::Cancelled);
   json.Member("exitCode", static_cast<std::uint64_t>(code));
+  json.BreakLine();
+  WriteRecord(json, record, options.level);
 
   json.BreakLine();
   json.Key("items");
@@ -109,7 +112,7 @@ std::string JsonReport(const Finished& finished) {
 }
 
 std::string TextReport(const Finished& finished) {
-  const auto& [options, plan, result, code, when] = finished;
+  const auto& [options, plan, result, code, when, record] = finished;
   std::string text = "zqwipe " ZQ_VERSION_TEXT ", " + when + "\nLevel " + std::to_string(options.level);
   if (options.dryRun) text += ", dry run: nothing was destroyed";
   if (code == ExitCode::Cancelled) text += ", cancelled";
@@ -133,6 +136,9 @@ std::string TextReport(const Finished& finished) {
     text += "wiped  " + Shown(name) + " (came after the start)\n";
   }
   for (const std::string& note : result.notes) text += "note   " + Shown(note) + '\n';
+  if (!options.dryRun) {
+    for (const std::string& warning : DeviceWarnings(record)) text += "note   " + warning + '\n';
+  }
   return text + '\n' + Summary(finished) + '\n';
 }
 

@@ -6,6 +6,7 @@
 
 #include "cli/Options.h"
 #include "cli/Plan.h"
+#include "cli/Record.h"
 #include "cli/Runner.h"
 
 namespace zq::cli {
@@ -16,13 +17,14 @@ struct Finished {
   const RunResult& result;
   ExitCode code;
   std::string when;  // the time of the end, as the report shows it
+  Record record = {};
 };
 
 // 0, 1 or 3, from what became of the items. In a dry run: from what can be known beforehand.
 ExitCode CodeOf(const Options& options, const Plan& plan, const RunResult& result);
 
 // One object, ending in a line break:
-//   program, version, level, dryRun, cancelled, exitCode
+//   program, version, operation "files", level, dryRun, cancelled, exitCode, and what WriteRecord says
 //   items: [{path, kind: "file" | "folder" | "link" | "other", bytes, outcome: "wiped" | "kept" |
 //   "destroyed", reason}] failures: [text]  those that belong to no item alsoWiped: [path] files that came
 //   into a folder while it was being wiped notes: [text]     what there is to say beside the results refused:

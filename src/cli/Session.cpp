@@ -2,44 +2,20 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <memory>
-#include <optional>
-#include <string_view>
 
 #include "cli/Plan.h"
+#include "cli/Print.h"
 #include "cli/Progress.h"
 #include "cli/Reports.h"
 #include "cli/Runner.h"
 #include "cli/Shown.h"
+#include "cli/SpaceSession.h"
 #include "cli/System.h"
 #include "engine/SecureDelete.h"
 
 namespace zq::cli {
 namespace {
-
-struct CloseFile {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using OwnedFile = std::unique_ptr<std::FILE, CloseFile>;
-
-// Returns whether all of it was taken.
-bool Write(std::FILE* stream, std::string_view text) {
-  return std::fwrite(text.data(), 1, text.size(), stream) == text.size() && std::fflush(stream) == 0;
-}
-
-void Complain(const std::string& text) {
-  Write(stderr, "zqwipe: " + text + '\n');
-}
-
-std::string Now() {
-  const std::time_t now = std::time(nullptr);
-  char text[32] = "";
-  if (const std::tm* local = std::localtime(&now)) {
-    std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", local);
-  }
-  return text;
-}
 
 class Session {
  public:
@@ -57,7 +33,7 @@ class Session {
 
     const bool anythingToDo = Count(plan_, Outcome::Pending).Items() > 0;
     if (!options_.dryRun && anythingToDo && !options_.yes) {
-      if (!IsTerminal(stdin) || !IsTerminal(stderr)) {
+      if (!CanAsk()) {
         return GiveUp(
             "there is nobody to confirm; give --yes to destroy without being asked; "
             "nothing was destroyed",
@@ -73,6 +49,7 @@ class Session {
         return GiveUp(Shown(*options_.report) + ": " + trouble + "; nothing was destroyed", ExitCode::Usage);
       }
     }
+    for (const Target& target : plan_.targets) AddDevice(record_, *device_, target.path);
     if (!options_.dryRun) result_ = Wipe();
     return Tell();
   }
@@ -82,7 +59,7 @@ class Session {
   ExitCode GiveUp(const std::string& why, ExitCode code) {
     Complain(why);
     plan_.refusals.push_back(why);
-    if (options_.json) Write(stdout, JsonReport({options_, plan_, result_, code, Now()}));
+    if (options_.json) Write(stdout, JsonReport({options_, plan_, result_, code, LocalTime(), record_}));
     return code;
   }
 
@@ -115,15 +92,7 @@ class Session {
     }
     for (std::size_t i = 0; i < std::min(kMostShown, lines.size()); ++i) text += "  " + lines[i] + '\n';
     if (lines.size() > kMostShown) text += "  and " + std::to_string(lines.size() - kMostShown) + " more\n";
-    Write(stderr, text + "Type yes to destroy them: ");
-
-    std::optional<std::string> answer = ReadAnswer();
-    if (!answer) {
-      Write(stderr, "\n");
-      return false;
-    }
-    while (!answer->empty() && (answer->back() == '\r' || answer->back() == ' ')) answer->pop_back();
-    return answer == "yes" && !WasInterrupted();
+    return AnswersYes(text + "Type yes to destroy them: ");
   }
 
   RunResult Wipe() {
@@ -131,12 +100,17 @@ class Session {
     engine::SteadyClock clock;
     ProgressLine progress(!options_.quiet && IsTerminal(stderr) ? stderr : nullptr, clock);
     Runner runner({*device_, seeds, clock, progress, WasInterrupted}, options_);
-    return runner.Run(plan_);
+    record_.started = WorldTime();
+    const Stopwatch watch(clock);
+    RunResult result = runner.Run(plan_);
+    record_.seconds = watch.Seconds();
+    record_.verified = Count(plan_, Outcome::Wiped).Items() > 0;
+    return result;
   }
 
   ExitCode Tell() {
     ExitCode code = CodeOf(options_, plan_, result_);
-    const Finished finished{options_, plan_, result_, code, Now()};
+    const Finished finished{options_, plan_, result_, code, LocalTime(), record_};
     if (options_.dryRun && !options_.json) {
       for (const Item& item : plan_.items) {
         if (item.outcome == Outcome::Pending) Write(stdout, Shown(item.path) + '\n');
@@ -151,6 +125,9 @@ class Session {
       // Beside the list of a dry run it would be one of its paths.
       std::string text = Summary(finished) + '\n';
       for (const std::string& note : result_.notes) text += Shown(note) + '\n';
+      if (!options_.dryRun) {
+        for (const std::string& warning : DeviceWarnings(record_)) text += warning + '\n';
+      }
       told = Write(options_.dryRun ? stderr : stdout, text);
     }
     if (!told) Complain("the outcome could not be printed");
@@ -169,6 +146,7 @@ class Session {
       engine::MakeSystemDevice({.trustFileSystem = options_.trustFileSystem});
   Plan plan_;
   RunResult result_;
+  Record record_;
   OwnedFile report_;
 };
 
@@ -186,6 +164,7 @@ ExitCode RunSession(const std::vector<std::string>& arguments) {
     return parsed.code;
   }
   CatchInterrupts();
+  if (parsed.options->freeSpace) return RunSpaceSession(*parsed.options);
   return Session(std::move(*parsed.options)).Run();
 }
 

@@ -182,6 +182,16 @@ echo one >a; ln -f a b
 zq 0 --yes --json a
 says "$(json 'o["notes"]')" "1 file has other names, too."
 
+begin "keeps a record of what it did"
+echo one >a
+zq 0 --yes --json --level 5 a
+is "$(json 'o["operation"], o["passes"], o["verified"], o["method"], o["started"][-1], o["seconds"] >= 1')" \
+  "('files', 15, True, 'Clear', 'Z', True)"
+is "$(json 'o["device"]["kind"] in ("disk", "flash", "memory", "unknown"), o["device"] in o["devices"]')" "(True, True)"
+echo one >a
+zq 0 --dry-run --json a
+is "$(json 'o["verified"], "started" in o')" "(False, False)"
+
 begin "needs an answer or --yes"
 echo one >a
 zq 2 a
@@ -351,7 +361,8 @@ mkdir top
 zq 0 --recursive --dry-run --json top
 is "$(json '[item["bytes"] for item in o["items"] if item["kind"] == "file"]')" "[20000]"
 zq 0 --yes --recursive top
-is "$out" "Wiped: 1 file (19.5 KiB), 41 folders. Kept: nothing."
+# What the device is, is told behind it.
+is "$(head -n 1 <<<"$out")" "Wiped: 1 file (19.5 KiB), 41 folders. Kept: nothing."
 is "$err" ""
 gone top
 

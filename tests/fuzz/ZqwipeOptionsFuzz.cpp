@@ -20,6 +20,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const cli::Parsed parsed = cli::ParseCommandLine(arguments);
   if (parsed.options) {
     test::Require(!parsed.options->paths.empty());
+    // Who fills a drive has named it alone, and asked for nothing that would mean another thing there.
+    if (parsed.options->freeSpace) {
+      test::Require(parsed.options->paths.size() == 1 && !parsed.options->recursive &&
+                    !parsed.options->mask && !parsed.options->dryRun);
+    }
     for (const std::string& path : parsed.options->paths) {
       // Nothing becomes a path that was not written as one.
       bool written = false;

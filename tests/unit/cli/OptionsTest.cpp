@@ -42,6 +42,22 @@ TEST(CommandLine, TakesEveryOption) {
   EXPECT_EQ(Accepted({"--level=5", "a"}).level, 5);
 }
 
+TEST(CommandLine, TakesOneDriveForItsFreeSpace) {
+  const Options options = Accepted({"--free-space", "--level", "5", "--yes", "--json", "--", "-drive"});
+  EXPECT_TRUE(options.freeSpace && options.yes && options.json);
+  EXPECT_EQ(options.level, 5);
+  EXPECT_THAT(options.paths, ElementsAre("-drive"));
+  EXPECT_FALSE(Accepted({"a"}).freeSpace);
+  EXPECT_THAT(Refused({"--free-space"}), HasSubstr("PATH is required"));
+  EXPECT_EQ(Refused({"--free-space", "a", "b"}), "--free-space takes one drive");
+  EXPECT_EQ(Refused({"--free-space", ""}), "a path is empty");
+  const std::vector<std::vector<std::string>> others = {{"--recursive"}, {"--mask", "*"}, {"--dry-run"}};
+  for (std::vector<std::string> arguments : others) {
+    arguments.insert(arguments.end(), {"--free-space", "a"});
+    EXPECT_EQ(Refused(arguments), "--free-space goes with none of --recursive, --mask and --dry-run");
+  }
+}
+
 TEST(CommandLine, TakesEveryNameForWhatItIs) {
   const std::vector<std::string> names = {"[a,b]", "[]", "[x",        "\x01y", "\x01[z]",
                                           "{}",    "%%", "++",        "a,b",   "a=b",

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "engine/Storage.h"
-
 namespace zq::engine::test {
 namespace {
 
@@ -398,7 +396,7 @@ class FakeFolder final : public Folder {
     return device_.Begin("trim", path_);
   }
   void Storage(StorageInfo& storage) override {
-    storage = {};
+    storage = device_.storage;
     storage.trims = device_.trims;
   }
 

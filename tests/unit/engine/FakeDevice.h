@@ -14,6 +14,7 @@
 #include "engine/Clock.h"
 #include "engine/Device.h"
 #include "engine/SeedSource.h"
+#include "engine/Storage.h"
 
 namespace zq::engine::test {
 
@@ -121,6 +122,7 @@ class FakeDevice final : public Device {
   bool removalsNeedRoom = false;        // on a full drive, of what has content
   std::string newFilesNotInPlace;       // FileInfo::notInPlace of files that are added
   bool trims = false;                   // the device can be told what is free
+  StorageInfo storage;                  // of all folders, but for that
   bool answersNoMore = false;           // transfers end only when they are given up; needs a queue
   int passesNeeded = 9;                 // less than these on any byte at a removal is a violation
   std::function<void(const Op&)> onOp;  // before the operation is carried out
