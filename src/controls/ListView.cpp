@@ -11,9 +11,7 @@ namespace zq {
 namespace {
 
 bool IsEnter(const MSG* message) {
-  constexpr LPARAM kHeldDown = LPARAM{1} << 30;
-  return message && message->message == WM_KEYDOWN && message->wParam == VK_RETURN &&
-         (message->lParam & kHeldDown) == 0;
+  return message && message->message == WM_KEYDOWN && message->wParam == VK_RETURN;
 }
 
 }  // namespace

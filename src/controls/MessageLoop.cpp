@@ -1,13 +1,27 @@
 #include "controls/MessageLoop.h"
 
 #include "controls/Form.h"
+#include "platform/win32/HeldKey.h"
 
 namespace zq {
+namespace {
+
+// One that is held down would run through the default buttons of all that comes up.
+bool IsHeldEnter(const MSG& message) {
+  return message.wParam == VK_RETURN && IsRepeatOfAHeldKey(message);
+}
+
+bool HandledByForm(Form& form, MSG& message) {
+  return form.TranslateShortcut(message) || IsHeldEnter(message) ||
+         ::IsDialogMessageW(form.Handle(), &message);
+}
+
+}  // namespace
 
 void DispatchToForms(MSG& message) {
   const HWND root = message.hwnd ? ::GetAncestor(message.hwnd, GA_ROOT) : nullptr;
   Form* form = root ? Form::FromHandle(root) : nullptr;
-  if (!form || (!form->TranslateShortcut(message) && !::IsDialogMessageW(root, &message))) {
+  if (!form || !HandledByForm(*form, message)) {
     ::TranslateMessage(&message);
     ::DispatchMessageW(&message);
   }

@@ -5,7 +5,8 @@
 
 namespace zq {
 
-// Accelerators and dialog keys of the form that the message belongs to, then its window procedure.
+// Accelerators and dialog keys of the form that the message belongs to, then its window procedure. An Enter
+// that is held down does nothing beyond the form's own shortcuts.
 void DispatchToForms(MSG& message);
 
 // Handles the waiting messages, then returns.

@@ -17,12 +17,6 @@ void frmStatus::Load() {
   }
 }
 
-// The Enter that the confirmation before the wipe was answered with, still held down, answers nothing here.
-bool frmStatus::TranslateShortcut(MSG& message) {
-  constexpr LPARAM kHeldDown = LPARAM{1} << 30;
-  return message.message == WM_KEYDOWN && message.wParam == VK_RETURN && (message.lParam & kHeldDown) != 0;
-}
-
 void frmStatus::SetCancelEnabled(bool enabled) {
   cmdCancel.SetEnabled(enabled);
   if (!enabled) return;

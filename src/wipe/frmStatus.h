@@ -24,7 +24,6 @@ class frmStatus final : public Form {
 
   // Enabled, it has the focus.
   void SetCancelEnabled(bool enabled);
-  bool TranslateShortcut(MSG& message) override;
 
  private:
   Image Image1{*this, IDC_frmStatus_Image1, "imgstatus"};

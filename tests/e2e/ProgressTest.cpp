@@ -1,9 +1,8 @@
 // The status window of a job wipe: what it shows, and how the user cancels.
 #include <algorithm>
-#include <atomic>
-#include <thread>
 
 #include "e2e/Wiping.h"
+#include "support/driver/sample_app.h"
 
 namespace zq::test {
 namespace {
@@ -24,33 +23,38 @@ constexpr std::uint32_t kBlue = 0x316AC5;
 
 class Progress : public WipingTest {};
 
-// A window of another program, ours, which lies over most of the screen and behind the program's.
-class OtherWindow {
+void WaitInFront(Window window) {
+  Await("the front place of " + window.Describe(),
+        [&] { return ::GetForegroundWindow() == window.Handle(); });
+}
+
+// Another program, whose window fills the screen and lies behind the one given. It is a process of its own:
+// the system hands it the front as soon as the program in front has no window left.
+class OtherProgram {
  public:
-  explicit OtherWindow(Window behind) {
-    std::atomic<HWND> made{nullptr};
-    thread_ = std::thread([&made] {
-      made = ::CreateWindowExW(WS_EX_NOACTIVATE, L"STATIC", L"another program", WS_OVERLAPPEDWINDOW, 0, 0,
-                               ::GetSystemMetrics(SM_CXSCREEN), ::GetSystemMetrics(SM_CYSCREEN), nullptr,
-                               nullptr, nullptr, nullptr);
-      MSG message;
-      while (::GetMessageW(&message, nullptr, 0, 0) > 0) ::DispatchMessageW(&message);
-    });
-    Await("another program's window", [&] { return made.load() != nullptr; });
-    ::SetWindowPos(made, behind.Handle(), 0, 0, 0, 0,
-                   SWP_SHOWWINDOW | SWP_NOACTIVATE | SWP_NOMOVE | SWP_NOSIZE);
-    window_ = Window(made);
+  explicit OtherProgram(Window inFront) {
+    ::SetWindowPos(window_.Handle(), nullptr, 0, 0, ::GetSystemMetrics(SM_CXSCREEN),
+                   ::GetSystemMetrics(SM_CYSCREEN), SWP_NOZORDER | SWP_NOACTIVATE);
+    // In front first, so that it is the next one in the order of the screen.
+    for (const Window window : {window_, inFront}) {
+      ::SetForegroundWindow(window.Handle());
+      WaitInFront(window);
+    }
+    atFirst_ = Activations();
   }
-  ~OtherWindow() {
-    ::PostThreadMessageW(::GetWindowThreadProcessId(window_.Handle(), nullptr), WM_QUIT, 0, 0);
-    thread_.join();
-  }
-  OtherWindow(const OtherWindow&) = delete;
-  OtherWindow& operator=(const OtherWindow&) = delete;
+
+  // Whether it has been given the front, be it for a moment, since it was put behind the other window.
+  bool WasInFront() const { return Activations() != atFirst_; }
 
  private:
-  std::thread thread_;
-  Window window_;
+  LONG_PTR Activations() const {
+    window_.Send(WM_NULL);  // behind what the system has sent it
+    return ::GetWindowLongPtrW(window_.Handle(), GWLP_USERDATA);
+  }
+
+  const Program program_{ProgramFolder() + "\\zq_sample_app.exe"};
+  const Window window_ = program_.WaitWindow(kSampleTitle);
+  LONG_PTR atFirst_ = 0;
 };
 
 TEST_F(Progress, ShowsItsProgressWhileTheMainWindowIsHidden) {
@@ -131,20 +135,20 @@ TEST_F(Progress, StandsInFrontOfOtherProgramsAndSoDoesWhatFollows) {
   Prepare(Level7());
   const Program program(exe_, Quoted(Large("big.dat")));
   const MainWindow main(program);
-  ::SetForegroundWindow(main.window.Handle());
-  const OtherWindow other(main.window);
+  const OtherProgram other(main.window);
   Confirm(program, main);
   const StatusWindow status(program);
   status.WaitWork("big.dat");
-  EXPECT_EQ(Window(::GetForegroundWindow()), status.window);
+  WaitInFront(status.window);
   TakePicture(status.window, "wiping-in-front", When::AtOnce);
   {
     const MessageBoxView box = WaitClosingBox(program);
-    EXPECT_EQ(Window(::GetForegroundWindow()), box.window);
+    WaitInFront(box.window);
     EXPECT_EQ(box.window.Owner(), main.window);
   }
   Close(program, main, kComplete);
-  EXPECT_EQ(Window(::GetForegroundWindow()), main.window);
+  WaitInFront(main.window);
+  EXPECT_FALSE(other.WasInFront());
 }
 
 TEST_F(Progress, GivesItsCancelTheKeyboard) {
@@ -285,15 +289,16 @@ TEST_F(Cancelling, LeavesWhatFollowsInFrontOfOtherPrograms) {
   const Program program(exe_, arguments_);
   const MainWindow main(program);
   main.list.WaitRows(4);
-  ::SetForegroundWindow(main.window.Handle());
-  const OtherWindow other(main.window);
+  const OtherProgram other(main.window);
   Confirm(program, main);
   const StatusWindow status(program);
   status.WaitWork("second.dat");
   status.cancel.Press();
+  EXPECT_FALSE(other.WasInFront());
   program.WaitBox("Cancel").Answer("Yes");
   const MessageBoxView box = WaitClosingBox(program);
-  EXPECT_EQ(Window(::GetForegroundWindow()), box.window);
+  // The user's Yes has left the program without a window for a moment.
+  WaitInFront(box.window);
   box.Answer("No");
   main.window.WaitEnabled();
 }

@@ -134,6 +134,17 @@ TEST_F(FormTest, EnterPressesTheDefaultButton) {
   EXPECT_FALSE(Default<frmSample>::IsLoaded());
 }
 
+TEST_F(FormTest, EnterThatIsHeldDownPressesNothing) {
+  frmSample& form = Default<frmSample>::Touch();
+  form.Show();
+  ::PostMessageA(form.cmdOK.Handle(), WM_KEYDOWN, VK_RETURN, 0x401C0001);
+  PumpMessages();
+  EXPECT_TRUE(Default<frmSample>::IsLoaded());
+  ::PostMessageA(form.cmdOK.Handle(), WM_KEYDOWN, VK_RETURN, 0x001C0001);
+  PumpMessages();
+  EXPECT_FALSE(Default<frmSample>::IsLoaded());
+}
+
 TEST_F(FormTest, FailureOfTheLoadReachesTheCallerAndLeavesNoInstance) {
   loadFails = true;
   EXPECT_THROW(Default<frmSample>::Touch(), RunTimeError);

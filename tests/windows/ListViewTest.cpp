@@ -4,10 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <map>
-#include <set>
 
 #include "Driving.h"
+#include "Ink.h"
 #include "MainFormTest.h"
 #include "controls/Pictures.h"
 #include "controls/RowColours.h"
@@ -24,29 +23,6 @@ std::string LongFolder() {
   std::string folder = "C:\\";
   for (int i = 0; i < 12; ++i) folder += "a folder on the way " + std::to_string(i) + "\\";
   return folder;
-}
-
-// A pixel as a colour of Windows.
-Colour ColourOf(std::uint32_t pixel) {
-  return (pixel & 0xFF) << 16 | (pixel & 0xFF00) | (pixel >> 16 & 0xFF);
-}
-
-// The colour that most of the picture has.
-Colour GroundOf(const Picture& picture) {
-  std::map<std::uint32_t, int> counts;
-  for (const std::uint32_t pixel : picture.pixels) ++counts[pixel];
-  return ColourOf(std::max_element(counts.begin(), counts.end(), [](const auto& a, const auto& b) {
-                    return a.second < b.second;
-                  })->first);
-}
-
-// The greatest contrast of any pixel to the ground.
-double InkContrast(const Picture& picture) {
-  const Colour ground = GroundOf(picture);
-  double most = 1;
-  for (const std::uint32_t pixel : std::set<std::uint32_t>(picture.pixels.begin(), picture.pixels.end()))
-    most = std::max(most, Contrast(ColourOf(pixel), ground));
-  return most;
 }
 
 class ListViewTest : public MainFormTest {
@@ -264,6 +240,17 @@ TEST_F(ListViewTest, NewRowsAreShownThoughTheFirstIsSelected) {
   PumpMessages();
   EXPECT_EQ(main.ListView1.SelectedRow(), 1);
   EXPECT_GE(ListView_GetTopIndex(list) + ListView_GetCountPerPage(list), 203);
+}
+
+TEST_F(ListViewTest, ATypedLetterGoesToTheNextRowWhosePathOrNameBeginsSo) {
+  frmMain& main =
+      OpenWith({"C:\\data\\README", "C:\\data\\other.txt", "C:\\papers\\report.doc", "D:\\a.txt"});
+  main.Jobs().Select(2);
+  const auto type = [&](wchar_t letter) {
+    ::SendMessageW(main.ListView1.Handle(), WM_CHAR, letter, 1);
+    return std::pair(main.ListView1.SelectedRow(), main.Jobs().SelectedRow());
+  };
+  EXPECT_EQ(type('r'), std::pair(3, 3)) << "behind the row that is chosen";
 }
 
 TEST_F(ListViewTest, EnterEditsTheChosenFolderAndNothingElse) {

@@ -82,6 +82,25 @@ TEST(Win32MessageBoxes, BoxesWithACancelButtonTakeEscAndTheCloseBoxForIt) {
   EXPECT_EQ(Ask(MessageButtons::OkCancel), MessageAnswer::Cancel);
 }
 
+TEST(Win32MessageBoxes, AKeyThatIsHeldDownAnswersNothingAFreshOneDoes) {
+  const auto press = [](HWND box, int button, WPARAM key, LPARAM state) {
+    ::PostMessageW(::GetDlgItem(box, button), WM_KEYDOWN, key, state);
+  };
+  constexpr LPARAM kHeld = 0x401C0001;
+  constexpr LPARAM kFresh = 0x001C0001;
+  const BoxUser cancels({[&](HWND box) {
+    press(box, IDOK, VK_RETURN, kHeld);
+    press(box, IDOK, VK_ESCAPE, kFresh);
+  }});
+  EXPECT_EQ(Ask(MessageButtons::OkCancel), MessageAnswer::Cancel);
+  const BoxUser says({[&](HWND box) {
+    press(box, IDNO, VK_RETURN, kHeld);
+    press(box, IDYES, 'N', kHeld);
+    press(box, IDYES, VK_RETURN, kFresh);
+  }});
+  EXPECT_EQ(Ask(MessageButtons::YesNo), MessageAnswer::Yes);
+}
+
 TEST(Win32MessageBoxes, EscOnAYesNoBoxIsNeitherAnswer) {
   // Where the box doesn't know Esc, it is the same box that No is said to.
   int shown = 0;

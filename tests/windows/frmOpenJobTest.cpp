@@ -2,6 +2,7 @@
 
 #include "Driving.h"
 #include "FakePlatform.h"
+#include "Ink.h"
 #include "jobs/frmOpenJob.h"
 #include "platform/RunTimeError.h"
 
@@ -35,6 +36,19 @@ class frmOpenJobTest : public testing::Test {
     notification.hdr = {Open().ListView1.Handle(), IDC_frmOpenJob_ListView1, static_cast<UINT>(NM_DBLCLK)};
     ::SendMessageA(Open().Handle(), WM_NOTIFY, IDC_frmOpenJob_ListView1,
                    reinterpret_cast<LPARAM>(&notification));
+  }
+
+  // The part of the list where no row comes to lie.
+  Picture BelowTheRows() {
+    Open().Show();
+    PumpMessages();
+    ::RedrawWindow(Open().Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW | RDW_ALLCHILDREN);
+    PumpMessages();  // what is drawn reaches the screen when the thread has nothing else to do
+    RECT list{};
+    ::GetWindowRect(Open().ListView1.Handle(), &list);
+    list.top += (list.bottom - list.top) * 2 / 5;
+    ::InflateRect(&list, -10, -10);
+    return GrabScreen(list);
   }
 
   FakePlatform fake_;
@@ -88,6 +102,20 @@ TEST_F(frmOpenJobTest, WithoutSavedJobsOnlyCloseAndHelpWork) {
   Press(form, IDC_frmOpenJob_cmdCancel);
   EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());
   EXPECT_TRUE(state_.JobActionCancelled);
+}
+
+TEST_F(frmOpenJobTest, WithoutSavedJobsTheListSaysSoInGrey) {
+  EXPECT_EQ(Open().ListView1.EmptyText, "No job has been saved yet");
+  const Picture empty = BelowTheRows();
+  EXPECT_GT(InkContrast(empty), 2.0);
+  EXPECT_LT(InkContrast(empty), 8.0) << "not as if it were a row";
+  TakePicture(Window(Open().Handle()), "open-job-empty");
+  Open().Unload();
+  Form::DestroyClosed();
+
+  AddJobs();
+  EXPECT_LT(InkContrast(BelowTheRows()), 1.1);
+  TakePicture(Window(Open().Handle()), "open-job");
 }
 
 TEST_F(frmOpenJobTest, OkChoosesTheSelectedJob) {
@@ -147,6 +175,12 @@ TEST_F(frmOpenJobTest, TypingFindsTheNextJobWhoseNameBeginsSo) {
   EXPECT_EQ(findRow("A", 3), 2);
   EXPECT_EQ(findRow("mon", 4), 1);
   EXPECT_EQ(findRow("x", 1), 0);
+
+  const auto type = [&](wchar_t letter) {
+    ::SendMessageW(Open().ListView1.Handle(), WM_CHAR, letter, 1);
+    return Open().ListView1.SelectedRow();
+  };
+  EXPECT_EQ(type('m'), 3) << "behind the job that is chosen";
 }
 
 TEST_F(frmOpenJobTest, JobWhoseFirstFieldIsMissingEndsTheLoad) {

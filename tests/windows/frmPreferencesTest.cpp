@@ -20,6 +20,7 @@ using testing::Not;
 
 struct FakeHelp final : Help {
   void ShowTopic(int topicId) override { topics.push_back(topicId); }
+  void ShowContents() override { ADD_FAILURE() << "a button asked for the contents"; }
   std::vector<int> topics;
 };
 

@@ -2,10 +2,32 @@
 
 #include <windows.h>
 
+#include "platform/win32/HeldKey.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
+
+// While this lives, a key that is held down does nothing in this thread's boxes: one hold of Enter, be it
+// only a little too long, would answer the question whether to wipe, and each one behind it.
+class HeldKeysAnswerNothing {
+ public:
+  HeldKeysAnswerNothing()
+      : hook_(::SetWindowsHookExW(WH_MSGFILTER, &Filter, nullptr, ::GetCurrentThreadId())) {}
+  ~HeldKeysAnswerNothing() {
+    if (hook_) ::UnhookWindowsHookEx(hook_);
+  }
+  HeldKeysAnswerNothing(const HeldKeysAnswerNothing&) = delete;
+  HeldKeysAnswerNothing& operator=(const HeldKeysAnswerNothing&) = delete;
+
+ private:
+  static LRESULT CALLBACK Filter(int code, WPARAM wParam, LPARAM lParam) {
+    if (code == MSGF_DIALOGBOX && IsRepeatOfAHeldKey(*reinterpret_cast<const MSG*>(lParam))) return TRUE;
+    return ::CallNextHookEx(nullptr, code, wParam, lParam);
+  }
+
+  HHOOK hook_;  // none if the system refuses it: the box is shown all the same
+};
 
 UINT IconFlag(MessageIcon icon) {
   switch (icon) {
@@ -59,6 +81,7 @@ MessageAnswer Win32MessageBoxes::Show(const Message& message) {
   const UINT flags = IconFlag(message.icon) | ButtonsFlag(message.buttons) | MB_DEFBUTTON1;
   const std::wstring text = ToWide(message.text);
   const std::wstring title = ToWide(message.title);
+  const HeldKeysAnswerNothing heldKeys;
   for (;;) {
     // Without an active window of ours, task-modal keeps the other windows from being used meanwhile.
     const HWND owner = ::GetActiveWindow();

@@ -239,6 +239,10 @@ LRESULT CALLBACK MainProc(HWND window, UINT message, WPARAM wParam, LPARAM lPara
       g_main = window;
       MakeControls();
       return 0;
+    case WM_ACTIVATE:
+      if (LOWORD(wParam) != WA_INACTIVE)
+        ::SetWindowLongPtrW(window, GWLP_USERDATA, ::GetWindowLongPtrW(window, GWLP_USERDATA) + 1);
+      return ::DefWindowProcW(window, message, wParam, lParam);
     case WM_COMMAND:
       if (LOWORD(wParam) == kCombo && HIWORD(wParam) == CBN_SELCHANGE) ::SetWindowTextW(g_edit, L"chosen");
       if (HIWORD(wParam) <= 1) DoCommand(LOWORD(wParam));

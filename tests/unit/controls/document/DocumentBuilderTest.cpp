@@ -73,6 +73,16 @@ TEST_F(DocumentBuilderTest, RunsFollowSizeAndBold) {
                           StyledRun{10, {8, false, kBlack}}));
 }
 
+TEST_F(DocumentBuilderTest, StyleWithoutTextLeavesNoRun) {
+  builder.SetFontSize(8);
+  builder.AppendText("a\r");
+  builder.SetFontBold(true);
+  builder.AppendText("\n");  // the rest of a pair that counts as one
+  builder.SetFontBold(false);
+  builder.AppendText("b");
+  EXPECT_THAT(builder.Content().runs, ElementsAre(StyledRun{0, {8, false, kBlack}}));
+}
+
 TEST_F(DocumentBuilderTest, SizesThatNobodyCouldReadAreBroughtIntoBounds) {
   for (const auto& [given, taken] : {std::pair{0.0F, 4.0F}, {-3.0F, 4.0F}, {8.0F, 8.0F}, {32767.0F, 72.0F}}) {
     builder.SetFontSize(given);
@@ -209,6 +219,41 @@ TEST_F(DocumentBuilderTest, StartingAgainForgetsTheDocumentAndKeepsTheHeader) {
   EXPECT_THAT(builder.Content().blocks, IsEmpty());
   EXPECT_THAT(builder.Content().tables, IsEmpty());
   EXPECT_EQ(builder.Content().header.left, "title");
+}
+
+TEST_F(DocumentBuilderTest, StartingAgainIsNotBold) {
+  builder.SetFontBold(true);
+  builder.StartDocument();
+  builder.AppendText("a");
+  EXPECT_FALSE(StyleAt(builder.Content(), 0).bold);
+}
+
+TEST_F(DocumentBuilderTest, TakesNothingBehindItsEnd) {
+  builder.EndDocument();
+  ExpectRaises(ErrorNumber::InvalidProcedureCall, [&] { builder.AppendText("a"); });
+  ExpectRaises(ErrorNumber::InvalidProcedureCall, [&] { builder.StartTable(); });
+  ExpectRaises(ErrorNumber::InvalidProcedureCall, [&] { builder.EndDocument(); });
+}
+
+TEST_F(DocumentBuilderTest, NextTableHasNothingOfTheOneBefore) {
+  MakeTable("a");
+  builder.StartTable();
+  ExpectRaises(ErrorNumber::SubscriptOutOfRange, [&] { builder.TableCell(TableSetting::Text, 1, 1, "b"); });
+  ExpectRaises(ErrorNumber::InvalidProcedureCall, [&] { builder.EndTable(); });
+}
+
+TEST_F(DocumentBuilderTest, ControlCharactersStayOutOfCellsAndHeader) {
+  MakeTable("a\x01\x7F");
+  builder.SetPageHeader("b\x7F");
+  EXPECT_EQ(builder.Content().text, "a\xEF\xBF\xBD\xEF\xBF\xBD\n");
+  EXPECT_EQ(builder.Content().header.left, "b\xEF\xBF\xBD");
+}
+
+TEST_F(DocumentBuilderTest, PictureBelongsToTheParagraphThatItIsDrawnIn) {
+  builder.AppendText("one\ntwo");
+  builder.DrawPicture(std::make_shared<PictureData>(), "1in", "1in", "1in", "1in");
+  builder.AppendText(" goes on\n");
+  EXPECT_EQ(builder.Content().pictures[0].block, 1U);
 }
 
 }  // namespace

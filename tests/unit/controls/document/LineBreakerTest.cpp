@@ -51,6 +51,11 @@ TEST(LineBreaker, BreaksBesideAnIdeograph) {
               ElementsAre("ab\xE6\xBC\xA2",
                           "\xE5\xAD\x97"
                           "cd"));
+  EXPECT_THAT(Lines("\xE6\xBC\xA2"
+                    "abc",
+                    3),
+              ElementsAre("\xE6\xBC\xA2", "abc"));
+  EXPECT_THAT(Lines("x ab\xE6\xBC\xA2", 4), ElementsAre("x ab", "\xE6\xBC\xA2"));
 }
 
 TEST(LineBreaker, KeepsMarksWithTheirCharacter) {
@@ -62,6 +67,15 @@ TEST(LineBreaker, KeepsMarksWithTheirCharacter) {
   // A skin colour and a joined sign belong to the sign before.
   EXPECT_THAT(Lines("a\xF0\x9F\x91\x8D\xF0\x9F\x8F\xBD", 2),
               ElementsAre("a", "\xF0\x9F\x91\x8D\xF0\x9F\x8F\xBD"));
+  EXPECT_THAT(Lines("a\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9", 3),
+              ElementsAre("a", "\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9"));
+}
+
+// As the system shapes some scripts: the second letter is a part of the first.
+TEST(LineBreaker, KeepsTogetherWhatHasOneWidth) {
+  std::vector<std::size_t> ends;
+  BreakLines("xab", {100, 200, 200}, 50, ends);
+  EXPECT_THAT(ends, ElementsAre(1, 3));
 }
 
 TEST(LineBreaker, PutsACharacterOnEachLineHoweverNarrow) {

@@ -134,10 +134,43 @@ TEST_F(PageLayoutTest, BoldIsMeasuredAsBold) {
 TEST_F(PageLayoutTest, LineIsAsHighAsItsLargestText) {
   builder.AppendText("small");
   builder.SetFontSize(20);
-  builder.AppendText("large\n");
+  builder.AppendText("large\nlarge");
+  builder.SetFontSize(10);
+  builder.AppendText("small");
   const PageLayout layout = LayOutIt();
-  EXPECT_EQ(layout.lines[0].height, 480);
-  EXPECT_EQ(layout.lines[0].ascent, 400);
+  for (const LaidLine& line : layout.lines) {
+    EXPECT_EQ(line.height, 480);
+    EXPECT_EQ(line.ascent, 400);
+  }
+}
+
+TEST_F(PageLayoutTest, LineHigherThanAPageHasAPageOfItsOwn) {
+  setup.height = setup.top + setup.bottom + kLineHeight / 2;
+  AppendLines(3);
+  const PageLayout layout = LayOutIt();
+  ASSERT_THAT(layout.pages, SizeIs(3));
+  EXPECT_EQ(layout.pages[0].endLine, 1U);
+}
+
+// Whatever a document holds, each byte of it is given to the font once.
+TEST_F(PageLayoutTest, MeasuresEachTextOnce) {
+  class Counting final : public TextMeasure {
+   public:
+    LineMetrics Metrics(const FontChoice& font) override { return font_.Metrics(font); }
+    void Edges(const FontChoice& font, std::string_view text, std::vector<Twips>& edges) override {
+      bytes += text.size();
+      font_.Edges(font, text, edges);
+    }
+    std::size_t bytes = 0;
+
+   private:
+    FakeMeasure font_;
+  };
+  AppendLines(500);
+  builder.AppendText(std::string(5000, 'x') + "\n");
+  Counting counting;
+  const PageLayout layout = LayOut(builder.Content(), setup, counting);
+  EXPECT_EQ(counting.bytes, builder.Content().text.size() - 501) << "all but the line feeds";
 }
 
 TEST_F(PageLayoutTest, TableIsAsWideAsItWasMade) {
@@ -165,6 +198,46 @@ TEST_F(PageLayoutTest, TextWrapsInsideItsCell) {
   EXPECT_EQ(layout.cells[0].bottom - layout.cells[0].top, 2 * kLineHeight + 2 * kCellPaddingY);
 }
 
+TEST_F(PageLayoutTest, CellsTextHasTheRoomBetweenItsMargins) {
+  const Twips width = 7 * FakeMeasure::CharacterWidth(10) + 2 * kCellPaddingX;
+  MakeTable("one two", std::to_string(width).c_str());
+  EXPECT_THAT(LayOutIt().lines, SizeIs(1));
+  MakeTable("one two", std::to_string(width - 1).c_str());
+  EXPECT_THAT(LayOutIt().lines, SizeIs(1 + 2));
+}
+
+TEST_F(PageLayoutTest, CellsOfARowStandSideBySideAndAreAsHighAsTheHighest) {
+  builder.StartTable();
+  builder.TableCell(TableSetting::Rows, 2);
+  builder.TableCell(TableSetting::Columns, 2);
+  builder.TableCell(TableSetting::ColumnWidth, 1, "0.5in");
+  builder.TableCell(TableSetting::ColumnWidth, 2, "1in");
+  builder.TableCell(TableSetting::Text, 1, 1, "one two");
+  builder.TableCell(TableSetting::Text, 1, 2, "b");
+  builder.EndTable();
+  const PageLayout layout = LayOutIt();
+  ASSERT_THAT(layout.cells, SizeIs(4));
+  EXPECT_EQ(layout.cells[1].left, setup.left + 720);
+  EXPECT_EQ(layout.cells[1].right, setup.left + 720 + 1440);
+  EXPECT_EQ(layout.cells[1].bottom, setup.top + 2 * kLineHeight + 2 * kCellPaddingY);
+  EXPECT_EQ(layout.cells[2].left, setup.left);
+  EXPECT_EQ(layout.cells[2].top, layout.cells[1].bottom);
+  ASSERT_THAT(layout.lines, SizeIs(3 + 2));
+  EXPECT_EQ(layout.lines[2].left, layout.cells[1].left + kCellPaddingX);
+  EXPECT_EQ(layout.lines[2].top, layout.lines[0].top);
+}
+
+TEST_F(PageLayoutTest, EachPageHasItsOwnCells) {
+  MakeTable("first");
+  AppendLines(LinesPerPage());
+  MakeTable("second");
+  const PageLayout layout = LayOutIt();
+  ASSERT_THAT(layout.pages, SizeIs(2));
+  EXPECT_EQ(layout.pages[0].endCell, 1U);
+  EXPECT_EQ(layout.pages[1].firstCell, 1U);
+  EXPECT_EQ(layout.pages[1].endCell, 2U);
+}
+
 TEST_F(PageLayoutTest, RowThatDoesNotFitGoesToTheNextPageWhole) {
   AppendLines(LinesPerPage() - 1);
   MakeTable("heading");  // higher than the line that is left
@@ -182,6 +255,8 @@ TEST_F(PageLayoutTest, RowHigherThanAPageIsCutOff) {
   const PageLayout layout = LayOutIt();
   ASSERT_THAT(layout.pages, SizeIs(2));
   EXPECT_LE(layout.cells[0].bottom, setup.TextBottom());
+  const LaidLine& last = layout.lines[layout.pages[0].endLine - 1];
+  EXPECT_LE(last.top + last.height, layout.cells[0].bottom);
   EXPECT_EQ(TextOf(layout.lines.back()), "after");
 }
 
@@ -195,6 +270,14 @@ TEST_F(PageLayoutTest, PictureIsOnThePageWhereTheTextStands) {
   ASSERT_THAT(layout.pictures, SizeIs(2));
   EXPECT_EQ(layout.pictures[0].page, 0U);
   EXPECT_EQ(layout.pictures[1].page, 1U);
+}
+
+TEST_F(PageLayoutTest, PictureBehindAllTextIsOnTheLastPage) {
+  AppendLines(LinesPerPage() + 1);
+  builder.DrawPicture(std::make_shared<PictureData>(), "1in", ".3in", "1in", "1in");
+  const PageLayout layout = LayOutIt();
+  ASSERT_THAT(layout.pictures, SizeIs(1));
+  EXPECT_EQ(layout.pictures[0].page, 1U);
 }
 
 TEST_F(PageLayoutTest, HeaderHasItsPartsAtBothEnds) {
@@ -222,8 +305,17 @@ TEST_F(PageLayoutTest, LongHeaderIsCutInFrontOfThePageNumber) {
   const std::vector<HeaderText> header = LayOutHeader(builder.Content(), setup, 7, measure);
   ASSERT_THAT(header, SizeIs(2));
   EXPECT_TRUE(header[0].text.ends_with("\xE2\x80\xA6"));
-  const auto characters = static_cast<Twips>(header[0].text.size() - 2);
-  EXPECT_LT(header[0].left + characters * FakeMeasure::CharacterWidth(10), header[1].left);
+  const auto rightOf = [](const HeaderText& text) {
+    const auto characters = static_cast<Twips>(text.text.size() - 2);
+    return text.left + characters * FakeMeasure::CharacterWidth(10);
+  };
+  EXPECT_LE(rightOf(header[0]), header[1].left - kLineHeight);
+  EXPECT_GT(rightOf(header[0]), header[1].left - kLineHeight - 2 * FakeMeasure::CharacterWidth(10));
+
+  builder.SetPageHeader(std::string(300, 'x') + "|middle|%d");
+  const std::vector<HeaderText> withCentre = LayOutHeader(builder.Content(), setup, 7, measure);
+  ASSERT_THAT(withCentre, SizeIs(3));
+  EXPECT_LE(rightOf(withCentre[0]), withCentre[1].left - kLineHeight);
 }
 
 TEST(TextMeasure, KnowsWhatTheSystemHasToShape) {

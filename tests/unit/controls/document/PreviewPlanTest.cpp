@@ -58,6 +58,23 @@ TEST(PreviewPlan, ThumbnailsFillTheRows) {
   EXPECT_GE(plan.Columns(), 5);
   EXPECT_LT(plan.PageRect(plan.Columns() - 1).right, 900);
   EXPECT_EQ(plan.PageRect(plan.Columns()).left, plan.PageRect(0).left);
+  for (const int width : {700, 750, 800, 850, 900})
+    EXPECT_GE(Plan(100, {width, 600}, ZoomMode::Thumbnail).PageRect(0).left, 16) << width;
+}
+
+TEST(PreviewPlan, SizesFollowTheResolution) {
+  const PreviewPlan plan = Plan(100, {1350, 900}, ZoomMode::Thumbnail, 100, 144);
+  const PixelRect page = plan.PageRect(0);
+  EXPECT_EQ(page.bottom - page.top, 230) << "1.6 inches";
+  EXPECT_EQ(page.top, 24);
+  EXPECT_EQ(plan.PageRect(1).left, page.right + 24);
+}
+
+TEST(PreviewPlan, OnePageStandsInTheMiddle) {
+  const PreviewPlan plan = Plan(1, {900, 600}, ZoomMode::Percent, 25);
+  const PixelRect page = plan.PageRect(0);
+  EXPECT_EQ(page.top, 600 - page.bottom);
+  EXPECT_EQ(page.left, 900 - page.right);
 }
 
 TEST(PreviewPlan, FindsThePagesThatAreSeen) {
@@ -104,6 +121,8 @@ TEST(PreviewPlan, LastPageIsPresentAtTheEnd) {
 TEST(PreviewPlan, StepsThroughTheList) {
   EXPECT_EQ(ZoomedIn(100), 125);
   EXPECT_EQ(ZoomedIn(101), 125);
+  EXPECT_EQ(ZoomedIn(99), 100);
+  EXPECT_EQ(ZoomedOut(101), 100);
   EXPECT_EQ(ZoomedIn(500), 500);
   EXPECT_EQ(ZoomedOut(100), 75);
   EXPECT_EQ(ZoomedOut(99), 75);

@@ -15,11 +15,15 @@ class FakePrinter final : public PrinterDevice {
  public:
   int failAt = -1;
   int cancelAt = -1;
+  int cancelWhileDrawing = -1;  // that page; no step fails for it
   std::vector<std::string> log;
 
   bool StartDocument() override { return Step("start"); }
   bool StartPage() override { return Step("page"); }
-  void DrawPage(int page) override { log.push_back("draw " + std::to_string(page)); }
+  void DrawPage(int page) override {
+    log.push_back("draw " + std::to_string(page));
+    if (page == cancelWhileDrawing) cancelled_ = true;
+  }
   bool EndPage() override { return Step("end page"); }
   bool EndDocument() override { return Step("end"); }
   void Abort() override { log.emplace_back("abort"); }
@@ -70,6 +74,15 @@ TEST(PrintPages, CancelAtAnyStepIsNoFailure) {
     printer.cancelAt = step;
     EXPECT_EQ(PrintPages(printer, {0, 1, 2}), PrintOutcome::Cancelled) << step;
     EXPECT_EQ(printer.Steps(), step + 1) << "nothing comes behind it";
+  }
+}
+
+TEST(PrintPages, CancelWhileAPageIsDrawnThrowsTheJobAway) {
+  for (const int page : {0, 1, 2}) {
+    FakePrinter printer;
+    printer.cancelWhileDrawing = page;
+    EXPECT_EQ(PrintPages(printer, {0, 1, 2}), PrintOutcome::Cancelled) << page;
+    EXPECT_EQ(printer.log.back(), "abort") << page;
   }
 }
 

@@ -94,6 +94,57 @@ TEST_F(RtfWriterTest, EachCharacterComesBack) {
   EXPECT_EQ(RtfText(Rtf()).Text(), all + "\n");
 }
 
+TEST_F(RtfWriterTest, CharactersAtTheEdgesOfAUnitComeBack) {
+  std::string all;
+  for (const char32_t c : {0x7EU, 0x80U, 0x7FFFU, 0x8000U, 0xFFFFU, 0x10000U, 0x10FFFFU}) AppendUtf8(all, c);
+  builder.AppendText(all);
+  EXPECT_EQ(RtfText(Rtf()).Text(), all + "\n");
+}
+
+TEST_F(RtfWriterTest, StyleEndsWhereTheNextBegins) {
+  builder.SetFontSize(8.5F);
+  builder.SetFontBold(true);
+  builder.AppendText("a");
+  builder.SetFontBold(false);
+  builder.AppendText("b\n\n");
+  EXPECT_THAT(Rtf(), HasSubstr("\\pard\\plain\\f0\\fs17\\b\\cf1 a\\f0\\fs17\\b0\\cf1 b\\par\r\n"
+                               "\\pard\\plain\\f0\\fs17\\b0\\cf1 \\par\r\n"))
+      << "an empty line has a height, too";
+}
+
+TEST_F(RtfWriterTest, RowHasAllThatTheLayoutGivesIt) {
+  builder.StartTable();
+  builder.TableCell(TableSetting::Rows, 1);
+  builder.TableCell(TableSetting::Columns, 2);
+  builder.TableCell(TableSetting::ColumnWidth, 1, "1in");
+  builder.TableCell(TableSetting::ColumnWidth, 2, "2in");
+  builder.TableCell(TableSetting::TextColour, 1, 1, 0x123456);
+  builder.SetTableBorder(kTableBorderAll);
+  builder.EndTable();
+  const std::string border =
+      "\\clbrdrt\\brdrs\\brdrw15\\brdrcf1\\clbrdrl\\brdrs\\brdrw15\\brdrcf1"
+      "\\clbrdrb\\brdrs\\brdrw15\\brdrcf1\\clbrdrr\\brdrs\\brdrw15\\brdrcf1";
+  const std::string rtf = Rtf();
+  EXPECT_THAT(rtf, HasSubstr("\\nowidctlpar\r\n"));
+  EXPECT_THAT(rtf, HasSubstr("\\red86\\green52\\blue18;"));
+  EXPECT_THAT(rtf, HasSubstr("\\trowd\\trgaph108\\trleft0\\trpaddl108\\trpaddfl3\\trpaddr108\\trpaddfr3"
+                             "\\trpaddt15\\trpaddft3\\trpaddb15\\trpaddfb3\\trkeep" +
+                             border + "\\clcbpat3\\cellx1440" + border + "\\clcbpat3\\cellx4320\r\n"));
+}
+
+TEST_F(RtfWriterTest, PictureBehindAllTextIsThereInLinesOfBoundedLength) {
+  auto data = std::make_shared<PictureData>();
+  data->png = std::string(200, '\x5A');
+  data->naturalWidth = data->naturalHeight = 900;
+  builder.AppendText("a\n");
+  builder.DrawPicture(data, "1in", ".3in", "100%", "100%");
+  const std::string rtf = Rtf();
+  EXPECT_EQ(RtfText(rtf).Pictures(), 1U);
+  EXPECT_THAT(rtf, HasSubstr("\\absh900\\dxfrtext0\\dfrmtxtx0\\dfrmtxty0\r\n{\\pict"));
+  for (std::size_t at = 0; at < rtf.size(); at = rtf.find("\r\n", at) + 2)
+    EXPECT_LE(rtf.find("\r\n", at) - at, 255U);
+}
+
 TEST_F(RtfWriterTest, LinesAndCellsComeBackInTheirOrder) {
   builder.AppendText("\r\na\\b {c}\r\n\r\n");
   builder.StartTable();

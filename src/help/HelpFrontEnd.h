@@ -1,0 +1,40 @@
+// HelpFrontEnd: what the Help buttons and the Help menu do with the program's help file.
+#pragma once
+
+#include <memory>
+
+#include "core/state/Help.h"
+#include "help/HTMLHelp.h"
+
+namespace zq {
+
+struct AppState;
+class Files;
+class MessageBoxes;
+
+class HelpFrontEnd final : public Help {
+ public:
+  HelpFrontEnd(const AppState& state, Files& files, MessageBoxes& messageBoxes, const HelpParts& parts)
+      : state_(state), files_(files), messageBoxes_(messageBoxes), parts_(parts) {}
+
+  // Whether the help file lies beside the program. A box tells that it doesn't.
+  bool HelpFileExists();
+
+  void ShowTopic(int topicId) override;
+  void ShowContents() override;
+
+  // The one object behind all of them; null until the first display.
+  const HTMLHelp* HelpObject() const { return HelpObject_.get(); }
+
+ private:
+  HTMLHelp& ReadyObject();
+  std::string HelpFile() const;
+
+  const AppState& state_;
+  Files& files_;
+  MessageBoxes& messageBoxes_;
+  const HelpParts parts_;
+  std::unique_ptr<HTMLHelp> HelpObject_;
+};
+
+}  // namespace zq
