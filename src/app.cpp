@@ -12,6 +12,7 @@
 #include "controls/MessageLoop.h"
 #include "controls/SystemLongWork.h"
 #include "core/main/frmMain.h"
+#include "core/state/DataFolder.h"
 #include "jobs/frmEdit.h"
 #include "jobs/frmFolder.h"
 #include "jobs/frmNew.h"
@@ -29,6 +30,7 @@
 #include "quickbin/frmQuick.h"
 #include "quickbin/frmQuickErrors.h"
 #include "reports/frmPrintReport.h"
+#include "wipe/LeftFillers.h"
 #include "wipe/frmDriveWipe.h"
 #include "wipe/frmSpaceStatus.h"
 #include "wipe/frmStatus.h"
@@ -52,9 +54,19 @@ struct Program {
   Win32Drives drives;
 };
 
+// A wipe of free space that was killed may have left its fillers. Not by the second instance: the wipe may be
+// one of the first, at work.
+void ClearUp(Program& program) {
+  if (program.state.SecondInstance) return;
+  RemoveLeftFillers(FillerRecord{DataFolder(program.files, program.state)}, program.drives);
+}
+
 void TellForms(Program& program) {
   Default<frmOpen>::SetFactory([&program] {
-    return std::make_unique<frmOpen>(program.platform, [] { Default<frmMain>::Touch().Show(); });
+    return std::make_unique<frmOpen>(program.platform, [&program] {
+      Default<frmMain>::Touch().Show();
+      ClearUp(program);
+    });
   });
   Default<frmMain>::SetFactory(
       [&program] { return std::make_unique<frmMain>(program.state, program.platform); });

@@ -3,12 +3,14 @@
 #include <algorithm>
 
 #include "core/state/AppState.h"
+#include "core/state/DataFolder.h"
 #include "core/state/MainWindow.h"
 #include "platform/MessageBoxes.h"
 #include "platform/NumberFormat.h"
 #include "platform/Process.h"
 #include "platform/Regional.h"
 #include "platform/RunTimeError.h"
+#include "wipe/FillerRecord.h"
 #include "wipe/FreeSpaceProgress.h"
 
 namespace zq {
@@ -51,12 +53,20 @@ void FreeSpaceWipe::DoWork() {
   statusWindow_.Show();
   mainWindow_.Hide();
 
-  // Its result tells nothing: a failure comes as an event, and whether the user has cancelled is known.
-  static_cast<void>(SFD1->WipeFreeSpace(state_.FreeSpaceDrive, state_.FreeSpacePasses));
+  RunEngine();
 
   mainWindow_.Show();
   // After a cancel the user has closed the window: this is a hidden one that the last events have brought up.
   statusWindow_.Unload();
+}
+
+// What a kill leaves is found by the next start of the program, and so is what a failure may have left.
+void FreeSpaceWipe::RunEngine() {
+  const FillerRecord record{DataFolder(platform_.files, state_)};
+  record.Add(state_.FreeSpaceDrive);
+  // Its result tells nothing: a failure comes as an event, and whether the user has cancelled is known.
+  static_cast<void>(SFD1->WipeFreeSpace(state_.FreeSpaceDrive, state_.FreeSpacePasses));
+  if (state_.FreeSpaceError.empty()) record.Drop(state_.FreeSpaceDrive);
 }
 
 Message FreeSpaceWipe::Outcome() const {

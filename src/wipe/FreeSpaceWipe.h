@@ -36,6 +36,7 @@ class FreeSpaceWipe {
 
  private:
   void DoWork();
+  void RunEngine();
   Message Outcome() const;
 
   AppState& state_;

@@ -239,6 +239,36 @@ TEST_F(FreeSpace, CancelStopsTheWipeAndGivesTheSpaceBack) {
   }
 }
 
+// What a kill leaves goes at the next start, and nothing else: not what only looks like it, nor on a drive
+// that no wipe was begun on.
+TEST_F(FreeSpace, WhatAKillLeftGoesAtTheNextStart) {
+  const std::string record = folder_ + "\\FreeSpace.dat";
+  {
+    const Program program(exe_);
+    const MainWindow main(program);
+    const Window dialog = OpenDialog(program, main);
+    Choose(dialog, 'D', kLevel7);
+    Ask(program, dialog, "D:\\").Answer("OK");
+    const Window status = WaitStatus(program);
+    Await("some progress", [&] { return status.Text().find('%') != std::string::npos; });
+    EXPECT_EQ(ReadFileBytes(record), "D:\\");
+  }
+  EXPECT_EQ(ReadFileBytes(kKept), kKeptContent);
+  // As where fillers outlive their handles.
+  ::CreateDirectoryW(L"D:\\ZQFILL-0123456789bc", nullptr);
+  WriteFileBytes("D:\\ZQFILL-0123456789bc\\z0000001", Marked("a filler ", 5000));
+  ASSERT_TRUE(::CreateDirectoryW(L"D:\\ZQFILL-0123456789bd", nullptr));
+  WriteFileBytes("D:\\ZQFILL-0123456789bd\\letter.txt", kKeptContent);
+  const Program program(exe_);
+  const MainWindow main(program);
+  Await("the record to go", [&] { return !PathExists(record); });
+  EXPECT_THAT(NamesOnSmallDrive(), ElementsAre("ZQFILL-0123456789bd", "kept.txt"));
+  EXPECT_EQ(ReadFileBytes("D:\\ZQFILL-0123456789bd\\letter.txt"), kKeptContent);
+  EXPECT_EQ(ReadFileBytes(kKept), kKeptContent);
+  ASSERT_TRUE(::DeleteFileW(L"D:\\ZQFILL-0123456789bd\\letter.txt"));
+  ASSERT_TRUE(::RemoveDirectoryW(L"D:\\ZQFILL-0123456789bd"));
+}
+
 TEST_F(FreeSpace, DriveThatTakesNoFolderIsToldAsAnError) {
   const ULONGLONG free = FreeBytes();
   const Program program(exe_);

@@ -50,6 +50,8 @@ class FreeSpaceWipeTest : public testing::Test {
   FreeSpaceWipeTest() {
     jobWipe.SetEngine(&engine);
     wipe.SetEngine(&engine);
+    state.AppFolder = "C:\\Zeroquill\\";
+    files.AddFolder("C:\\Zeroquill");
     state.FreeSpaceDrive = "D:\\";
     state.FreeSpacePasses = 5;
     state.Settings.Passes = 3;
@@ -108,10 +110,12 @@ TEST_F(FreeSpaceWipeTest, RunsStepAfterStepAndTellsTheSuccess) {
     regional.now = "11/22/2026 4:05:06 AM";
   });
   Run();
-  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "space: show", "main: hide", "WipeFreeSpace D:\\ 5",
+  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "space: show", "main: hide",
+                               "record C:\\Zeroquill\\FreeSpace.dat", "WipeFreeSpace D:\\ 5",
                                "space: text Wiped 617,283 KB of 1,234,567 KB...", "space: current 50",
-                               "space: caption 50% - Wipe Drive Free Space (D:\\)", "pump", "main: show",
-                               "space: unload", "box Free Space Wipe Complete"));
+                               "space: caption 50% - Wipe Drive Free Space (D:\\)", "pump",
+                               "remove C:\\Zeroquill\\FreeSpace.dat", "main: show", "space: unload",
+                               "box Free Space Wipe Complete"));
   EXPECT_THAT(boxes.shown,
               ElementsAre(kConfirmation,
                           CompleteBox("11/22/2026 1:02:03 AM", "11/22/2026 4:05:06 AM", "5", "1,234,567")));
@@ -140,7 +144,8 @@ TEST_F(FreeSpaceWipeTest, IsToldToTheSystemFromTheConfirmationToTheEnd) {
               ElementsAre("box Wipe Operation",
                           "work: begin: Free space is being wiped.  Cancel the wipe operation first, or "
                           "let it come to its end.",
-                          "main: hide", "WipeFreeSpace D:\\ 5", "work: 50", "work: 100", "main: show",
+                          "main: hide", "record C:\\Zeroquill\\FreeSpace.dat", "WipeFreeSpace D:\\ 5",
+                          "work: 50", "work: 100", "remove C:\\Zeroquill\\FreeSpace.dat", "main: show",
                           "work: end", "work: call", "box Free Space Wipe Complete"));
 }
 
@@ -148,7 +153,7 @@ TEST_F(FreeSpaceWipeTest, GrowthOfTheFreeSpaceIsShownAsAFullBar) {
   Work([](WipeEvents& events) { events.SFD1_FreeSpaceProgress("x", 117, 5, 20); });
   Run();
   EXPECT_THAT(
-      std::vector<std::string>(log.begin() + 4, log.begin() + 8),
+      std::vector<std::string>(log.begin() + 5, log.begin() + 9),
       ElementsAre("space: text Drive contents changed.  Now including any additional free space in "
                   "the wipe operation.  Please wait...117%...",
                   "space: current 100", "space: caption 100% - Wipe Drive Free Space (D:\\)", "pump"));
@@ -247,14 +252,30 @@ TEST_F(FreeSpaceWipeTest, ErrorOfAJobWipeIsNotKept) {
   EXPECT_THAT(log, IsEmpty());
 }
 
+// A kill in the middle leaves the record, and so does a failure, which may be one to remove a filler.
+TEST_F(FreeSpaceWipeTest, RemembersTheDriveUntilItHasComeToItsEnd) {
+  constexpr char kRecord[] = "C:\\Zeroquill\\FreeSpace.dat";
+  Work([&](WipeEvents&) { EXPECT_EQ(files.Read(kRecord), "D:\\"); });
+  Run();
+  EXPECT_FALSE(files.Exists(kRecord));
+  Work([](WipeEvents& events) { events.SFD1_WipeError(5, "Removing failed"); });
+  Run();
+  EXPECT_EQ(files.Read(kRecord), "D:\\");
+  Work([](WipeEvents&) {});
+  Run();
+  EXPECT_FALSE(files.Exists(kRecord));
+}
+
 TEST_F(FreeSpaceWipeTest, ProgressOfFilesIsNotShownWhileItRuns) {
   Work([](WipeEvents& events) {
     events.SFD1_WipeProgress(1, 2, 0, "filler");
     events.SFD1_ItemWiped("filler");
   });
   Run();
-  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "space: show", "main: hide", "WipeFreeSpace D:\\ 5",
-                               "main: show", "space: unload", "box Free Space Wipe Complete"));
+  EXPECT_THAT(log, ElementsAre("box Wipe Operation", "space: show", "main: hide",
+                               "record C:\\Zeroquill\\FreeSpace.dat", "WipeFreeSpace D:\\ 5",
+                               "remove C:\\Zeroquill\\FreeSpace.dat", "main: show", "space: unload",
+                               "box Free Space Wipe Complete"));
 }
 
 // The system is told how far it is, and for how long the computer must not go to sleep.
