@@ -301,6 +301,22 @@ TEST_F(VSPrinterTest, FindsTextAndBringsItIntoView) {
   EXPECT_EQ(::GetFocus(), printer.Preview().Handle());
 }
 
+TEST_F(VSPrinterTest, FindGoesBothWays) {
+  VSPrinter& printer = Show(Long(100));
+  ::SetWindowTextA(printer.Bar().Item(kBarFind), "letter 1");
+  const auto press = [&](PreviewBarId id) {
+    PressBar(printer, id);
+    return printer.Preview().Selection().begin;
+  };
+  const std::size_t first = press(kBarFindNext);
+  const std::size_t second = press(kBarFindNext);
+  const std::size_t third = press(kBarFindNext);
+  EXPECT_LT(first, second);
+  EXPECT_LT(second, third);
+  EXPECT_EQ(press(kBarFindPrevious), second);
+  EXPECT_EQ(press(kBarFindPrevious), first);
+}
+
 std::wstring ClipboardText() {
   std::wstring text;
   if (!::OpenClipboard(nullptr)) return text;
