@@ -40,7 +40,13 @@ class LayoutCheck {
     CheckPages();
     for (const Block& block : document_.blocks) {
       if (block.table < 0) {
+        const std::size_t first = nextLine_;
         Require(FollowLines(block.begin, block.end, setup_.TextWidth()) == block.end);
+        for (std::size_t i = first; i < nextLine_; ++i) {
+          const LaidLine& line = layout_.lines[i];
+          Require(line.left == setup_.left);
+          Place(line.top, line.top + line.height, layout_.pages[PageOfLine(layout_, i)].firstLine == i);
+        }
       } else {
         FollowTable(block.table);
       }
@@ -52,6 +58,12 @@ class LayoutCheck {
   }
 
  private:
+  // Below what was placed before it, or at the top of the next page.
+  void Place(Twips top, Twips bottom, bool startsPage) {
+    Require(startsPage ? top == setup_.top : top >= bottom_);
+    bottom_ = bottom;
+  }
+
   // What stands first and last on a page, lines and cells together.
   struct Extent {
     Twips top = 0;
@@ -132,7 +144,9 @@ class LayoutCheck {
     const Table& table = document_.tables[static_cast<std::size_t>(index)];
     for (std::size_t i = 0; i < table.cells.size(); ++i) {
       Require(nextCell_ < layout_.cells.size());
-      const LaidCell& laid = layout_.cells[nextCell_++];
+      const LaidCell& laid = layout_.cells[nextCell_];
+      if (i % table.columnWidths.size() == 0) Place(laid.top, laid.bottom, StartsPage(nextCell_));
+      ++nextCell_;
       const Twips width = table.columnWidths[i % table.columnWidths.size()];
       Require(laid.table == index && laid.cell == static_cast<int>(i) && laid.right - laid.left == width);
       const std::size_t first = nextLine_;
@@ -155,12 +169,20 @@ class LayoutCheck {
     }
   }
 
+  bool StartsPage(std::size_t cell) const {
+    return layout_.cells[cell].top == setup_.top &&
+           std::any_of(layout_.pages.begin(), layout_.pages.end(), [cell](const LaidPage& page) {
+             return page.firstCell == cell && page.endCell > cell;
+           });
+  }
+
   FakeMeasure measure_;
   const Document& document_;
   const PageSetup setup_;
   const PageLayout layout_;
   std::size_t nextLine_ = 0;
   std::size_t nextCell_ = 0;
+  Twips bottom_ = 0;
 };
 
 // A paragraph for each block and for each picture, and one behind a table that is last.

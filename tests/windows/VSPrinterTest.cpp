@@ -26,6 +26,47 @@ class HeldKey {
   BYTE before_[256];
 };
 
+// Reads the menu that comes up while the program shows it, and chooses from it by the keyboard.
+class MenuUser {
+ public:
+  explicit MenuUser(std::vector<MSG> keys) : keys_(std::move(keys)) {
+    present = this;
+    timer_ = ::SetTimer(nullptr, 0, 10, [](HWND, UINT, UINT_PTR, DWORD) {
+      if (present) present->Look();
+    });
+  }
+  ~MenuUser() {
+    ::KillTimer(nullptr, timer_);
+    present = nullptr;
+  }
+  MenuUser(const MenuUser&) = delete;
+  MenuUser& operator=(const MenuUser&) = delete;
+
+  std::vector<std::string> items;  // a checked one with a star in front
+ private:
+  void Look() {
+    const HWND popup = ::FindWindowW(L"#32768", nullptr);
+    if (!popup || !::IsWindowVisible(popup)) return;
+    // What was posted has been taken before the timer comes again.
+    if (++looks_ > 100) ::EndMenu();
+    if (looks_ > 1) return;
+    constexpr UINT kGetMenu = 0x01E1;  // MN_GETHMENU
+    const auto menu = reinterpret_cast<HMENU>(::SendMessageW(popup, kGetMenu, 0, 0));
+    for (int i = 0; i < ::GetMenuItemCount(menu); ++i) {
+      wchar_t text[100] = L"";
+      ::GetMenuStringW(menu, static_cast<UINT>(i), text, static_cast<int>(std::size(text)), MF_BYPOSITION);
+      const UINT state = ::GetMenuState(menu, static_cast<UINT>(i), MF_BYPOSITION);
+      items.push_back(((state & MF_CHECKED) != 0 ? "*" : "") + FromWide(text));
+    }
+    TakePicture(Window(popup), "report-zoom-menu", When::AtOnce);
+    for (const MSG& key : keys_) ::PostMessageW(::GetFocus(), key.message, key.wParam, 0);
+  }
+  static inline MenuUser* present = nullptr;
+  const std::vector<MSG> keys_;
+  int looks_ = 0;
+  UINT_PTR timer_ = 0;
+};
+
 class VSPrinterTest : public ReportStage {
  protected:
   VSPrinter& Show(const ReportData& report) {
@@ -203,6 +244,28 @@ TEST_F(VSPrinterTest, ButtonsAreEnabledAsFarAsThereIsAPageToGoTo) {
   EXPECT_TRUE(enabled(kBarPrevious));
 }
 
+TEST_F(VSPrinterTest, ZoomListGivesItsChoices) {
+  VSPrinter& printer = Show(Long(700));
+  const auto choose = [&](std::vector<std::pair<UINT, WPARAM>> keys) {
+    std::vector<MSG> messages;
+    for (const auto& [message, key] : keys) messages.push_back({nullptr, message, key, 0, 0, {}});
+    MenuUser user(messages);
+    PressBar(printer, kBarZoom);
+    return user.items;
+  };
+  EXPECT_THAT(choose({{WM_CHAR, 'w'}}),
+              testing::ElementsAre("Whole &Page", "Page &Width", "&Two Pages", "Thumb&nail", "", "10%", "25%",
+                                   "50%", "75%", "*100%", "125%", "150%", "200%", "300%", "400%", "500%"));
+  EXPECT_EQ(printer.Preview().Mode(), ZoomMode::PageWidth);
+  EXPECT_EQ(choose({{WM_CHAR, 'n'}}).at(1), "*Page &Width");
+  EXPECT_EQ(printer.Preview().Mode(), ZoomMode::Thumbnail);
+  choose({{WM_KEYDOWN, VK_UP}, {WM_KEYDOWN, VK_RETURN}});
+  EXPECT_EQ(printer.Preview().Mode(), ZoomMode::Percent);
+  EXPECT_EQ(printer.Zoom(), 500);
+  choose({{WM_KEYDOWN, VK_ESCAPE}});
+  EXPECT_EQ(printer.Zoom(), 500);
+}
+
 TEST_F(VSPrinterTest, ZoomKeepsThePlace) {
   VSPrinter& printer = Show(Long(700));
   printer.Preview().GoToPage(5);
@@ -236,6 +299,22 @@ TEST_F(VSPrinterTest, FindsTextAndBringsItIntoView) {
   EXPECT_EQ(printer.Bar().Text(kBarFound), "") << "the answer goes with the question";
   EXPECT_TRUE(Translate(printer, box, VK_ESCAPE));
   EXPECT_EQ(::GetFocus(), printer.Preview().Handle());
+}
+
+TEST_F(VSPrinterTest, FindGoesBothWays) {
+  VSPrinter& printer = Show(Long(100));
+  ::SetWindowTextA(printer.Bar().Item(kBarFind), "letter 1");
+  const auto press = [&](PreviewBarId id) {
+    PressBar(printer, id);
+    return printer.Preview().Selection().begin;
+  };
+  const std::size_t first = press(kBarFindNext);
+  const std::size_t second = press(kBarFindNext);
+  const std::size_t third = press(kBarFindNext);
+  EXPECT_LT(first, second);
+  EXPECT_LT(second, third);
+  EXPECT_EQ(press(kBarFindPrevious), second);
+  EXPECT_EQ(press(kBarFindPrevious), first);
 }
 
 std::wstring ClipboardText() {
@@ -368,6 +447,36 @@ TEST_F(VSPrinterTest, LabelsFitTheirTexts) {
   }
   ::SelectObject(context, before);
   ::ReleaseDC(printer.Handle(), context);
+}
+
+// What isn't seen is not even measured.
+TEST_F(VSPrinterTest, DrawsOnlyWhatIsSeen) {
+  class Counting final : public TextMeasure {
+   public:
+    LineMetrics Metrics(const FontChoice& font) override { return measure_.Metrics(font); }
+    void Edges(const FontChoice& font, std::string_view text, std::vector<Twips>& edges) override {
+      bytes += text.size();
+      measure_.Edges(font, text, edges);
+    }
+    std::size_t bytes = 0;
+
+   private:
+    GdiTextMeasure measure_;
+  };
+  VSPrinter& printer = Show(Long(2000));
+  const PageLayout& layout = printer.Layout();
+  Counting counting;
+  PreviewWindow preview;
+  preview.Create(Default<frmPrintReport>::Touch().Handle(), 1);
+  ::SetWindowPos(preview.Handle(), HWND_TOP, 0, 0, 600, 200, 0);
+  preview.ShowDocument(printer.Content(), layout, counting);
+  preview.GoToPage(20);
+  counting.bytes = 0;
+  ::RedrawWindow(preview.Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
+  const LaidPage& page = layout.pages[20];
+  const std::size_t pageBytes = layout.lines[page.endLine - 1].end - layout.lines[page.firstLine].begin;
+  EXPECT_GT(counting.bytes, 0U);
+  EXPECT_LT(counting.bytes, pageBytes / 2) << "a small part of the page is in the view";
 }
 
 TEST_F(VSPrinterTest, ReportOfThirtyThousandLinesOpensAndScrolls) {

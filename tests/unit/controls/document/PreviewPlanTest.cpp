@@ -58,7 +58,7 @@ TEST(PreviewPlan, ThumbnailsFillTheRows) {
   EXPECT_GE(plan.Columns(), 5);
   EXPECT_LT(plan.PageRect(plan.Columns() - 1).right, 900);
   EXPECT_EQ(plan.PageRect(plan.Columns()).left, plan.PageRect(0).left);
-  for (const int width : {700, 750, 800, 850, 900})
+  for (const int width : {700, 750, 800, 830, 900})
     EXPECT_GE(Plan(100, {width, 600}, ZoomMode::Thumbnail).PageRect(0).left, 16) << width;
 }
 

@@ -46,6 +46,14 @@ TEST_F(TextSearchTest, SearchesBackwards) {
   EXPECT_EQ(Found("old", 17, true), "3:Old");
 }
 
+TEST_F(TextSearchTest, TakesTheNearestOfALine) {
+  builder.AppendText("\nab ab ab");
+  const std::size_t line = builder.Content().text.size() - 8;
+  EXPECT_EQ(Found("ab", line), std::to_string(line) + ":ab");
+  EXPECT_EQ(Found("ab", line + 8, true), std::to_string(line + 6) + ":ab");
+  EXPECT_EQ(Found("ab", line + 6, true), std::to_string(line + 3) + ":ab");
+}
+
 TEST_F(TextSearchTest, FindsTextInTables) {
   EXPECT_EQ(Found("errors", 0), "32:Errors");
 }
