@@ -390,8 +390,8 @@ TEST_F(CommandsTest, FreeSpaceIsWipedIfADriveCameBack) {
   boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
   commands.Run("WipeFreeSpace");
   EXPECT_THAT(log, ElementsAre("frmDriveWipe", "box Wipe Operation", "space: show", "main: hide",
-                               "WipeFreeSpace D:\\ 5", "main: show", "space: unload",
-                               "box Free Space Wipe Complete"));
+                               "record C:\\Zeroquill\\FreeSpace.dat", "WipeFreeSpace D:\\ 5", "main: show",
+                               "space: unload", "box Free Space Wipe Complete"));
 }
 
 TEST_F(CommandsTest, FreeSpaceIsLeftAloneIfNoDriveCameBack) {
