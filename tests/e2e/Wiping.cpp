@@ -104,7 +104,7 @@ Hold::Hold(const Program& program, const StatusWindow& status) {
   status.cancel.Press();
   Await("the question", [&] {
     for (Window box : program.Boxes()) {
-      if (box.Text() == "Cancel") box_ = box;
+      if (box.HasText("Cancel")) box_ = box;
     }
     return static_cast<bool>(box_);
   });
@@ -131,7 +131,7 @@ void WipingTest::Confirm(const Program& program, const MainWindow& main) {
 MessageBoxView WipingTest::WaitClosingBox(const Program& program) {
   const auto isThere = [&program] {
     const std::vector<Window> boxes = program.Boxes();
-    return std::any_of(boxes.begin(), boxes.end(), [](Window box) { return box.Text() == kWipeOperation; });
+    return std::any_of(boxes.begin(), boxes.end(), [](Window box) { return box.HasText(kWipeOperation); });
   };
   for (std::string before = "none";;) {
     const std::string now = WorkLine(program);

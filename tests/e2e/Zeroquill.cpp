@@ -25,13 +25,8 @@ void AppendPadded(std::string& bytes, std::string text) {
 
 // It holds a list; a message box may have the same title.
 bool IsMainWindow(Window window) {
-  try {
-    return ::FindWindowExW(window.Handle(), nullptr, L"SysListView32", nullptr) != nullptr &&
-           window.Text() == "Zeroquill";
-  } catch (const DriverError&) {
-    if (window) throw;
-    return false;  // gone since it was listed
-  }
+  return ::FindWindowExW(window.Handle(), nullptr, L"SysListView32", nullptr) != nullptr &&
+         window.HasText("Zeroquill");
 }
 
 Window WaitMain(const Program& program) {

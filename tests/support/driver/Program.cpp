@@ -57,12 +57,7 @@ std::vector<Window> Program::Windows() const {
 
 std::optional<Window> Program::FindWindow(std::string_view title, std::string_view className) const {
   for (Window window : Windows()) {
-    try {
-      if (window.Text() == title && (className.empty() || window.ClassName() == className)) return window;
-    } catch (const DriverError&) {
-      // Gone since it was listed.
-      if (window) throw;
-    }
+    if (window.HasText(title) && (className.empty() || window.ClassName() == className)) return window;
   }
   return std::nullopt;
 }
@@ -95,7 +90,7 @@ MessageBoxView Program::WaitBox(std::string_view title, Limit limit) const {
   Window found;
   const auto look = [&] {
     for (Window box : Boxes()) {
-      if (box.Text() == title) found = box;
+      if (box.HasText(title)) found = box;
     }
     return static_cast<bool>(found) || !IsRunning();
   };

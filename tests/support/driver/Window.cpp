@@ -69,6 +69,15 @@ std::string Window::Text() const {
   return ToUtf8(text);
 }
 
+bool Window::HasText(std::string_view text) const {
+  try {
+    return Text() == text;
+  } catch (const DriverError&) {
+    if (*this) throw;
+    return false;
+  }
+}
+
 std::string Window::ClassName() const {
   wchar_t name[256];
   const int length = ::GetClassNameW(handle_, name, 256);

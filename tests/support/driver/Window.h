@@ -24,6 +24,7 @@ class Window {
   bool operator==(const Window&) const = default;
 
   std::string Text() const;
+  bool HasText(std::string_view text) const;  // false, too, of a window that has gone meanwhile
   std::string ClassName() const;
   DWORD ProcessId() const;
   int Id() const;
