@@ -2,6 +2,7 @@
 // happens, and proves that the files are gone. It ends with 1 when anything is not as it should be.
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <optional>
@@ -130,6 +131,34 @@ void LookAtFreeSpace(const Program& program, Window mainWindow) {
   Demand(program.Boxes().empty(), "nothing is asked after Cancel");
 }
 
+// The settings, left as they are. The command has no tool, so that it is chosen by its letters.
+void LookAtPreferences(const Program& program, Window mainWindow) {
+  TypeKey(mainWindow, 'F', {VK_MENU});
+  Await("the menu", [&] {
+    const std::vector<Window> windows = program.Windows();
+    return std::any_of(windows.begin(), windows.end(),
+                       [](Window window) { return window.ClassName() == "#32768"; });
+  });
+  TypeKey(mainWindow, 'P');
+  const Window dialog = program.WaitWindow("Preferences");
+  Say("Preferences: the security level, the program's looks, the companion in Explorer.");
+  Show(dialog, "17-preferences");
+  dialog.Child("Cancel").Press();
+  dialog.WaitGone();
+  mainWindow.WaitEnabled();
+}
+
+// The window that wipes what is dropped on it, opened and closed.
+void LookAtTheBin(const Program& program, Window mainWindow) {
+  TypeKey(mainWindow, 'Q', {VK_CONTROL});
+  const Window bin = program.WaitWindow("QuickWipe Bin");
+  Say("The QuickWipe Bin: whatever is dropped on its picture is wiped at once. Nothing is dropped here.");
+  Show(bin, "18-quickwipe-bin");
+  bin.Child("Close Bin").Press();
+  bin.WaitGone();
+  Await("the main window to be back", [&] { return ::IsIconic(mainWindow.Handle()) == FALSE; });
+}
+
 // Answers the question before a wipe, and waits for the one behind it.
 MessageBoxView WipeNow(const Program& program, Window mainWindow, const std::string& confirmPicture,
                        const std::string& progressPicture) {
@@ -256,6 +285,8 @@ void WipeSavedJob(const ScratchFolder& scratch, const std::string& programFolder
   Say("Report\\Report.dat:");
   Say(ReadFileBytes(programFolder + "\\Report\\Report.dat"));
   LookAtFreeSpace(program, mainWindow);
+  LookAtPreferences(program, mainWindow);
+  LookAtTheBin(program, mainWindow);
   CloseFrontWindows(program, mainWindow);
   Demand(program.WaitExit() == 0, "the program ends with 0");
 
