@@ -119,9 +119,13 @@ keep() {
   done
   # Wine starts its services and its desktop with the first program that wants them, and they would
   # keep that program's output open: so let it be this one. A prefix that is being made has none yet.
+  # The desktop goes a second after its last program, and would take along one that comes just then: so
+  # another stays, as long as the cage does.
   if [[ -f $prefix/system.reg ]]; then
-    DISPLAY=$(<"$prefix/cage/display") WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=" \
-      wine rundll32.exe user32.dll,GetDesktopWindow || true
+    export DISPLAY WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe="
+    DISPLAY=$(<"$prefix/cage/display")
+    tail --pid=$$ --follow /dev/null | wine cmd.exe >/dev/null 2>&1 &
+    wine rundll32.exe user32.dll,GetDesktopWindow || true
   fi
   : >"$prefix/cage/ready"
 
