@@ -7,9 +7,9 @@
 
 #include <string>
 
+#include "help/HelpMachine_win32.h"
+#include "help/HelpViewer_win32.h"
 #include "help/RegistryText.h"
-#include "help/Win32HelpMachine.h"
-#include "help/Win32HelpViewer.h"
 #include "platform/win32/Wide.h"
 #include "support/ExpectRaises.h"
 

@@ -1,4 +1,4 @@
-#include "help/Win32HelpViewer.h"
+#include "help/HelpViewer_win32.h"
 
 #include <htmlhelp.h>
 

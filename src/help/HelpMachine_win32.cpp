@@ -1,4 +1,4 @@
-#include "help/Win32HelpMachine.h"
+#include "help/HelpMachine_win32.h"
 
 #include <windows.h>
 
