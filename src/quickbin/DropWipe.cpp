@@ -1,7 +1,5 @@
 #include "quickbin/DropWipe.h"
 
-#include <utility>
-
 #include "controls/ToolStates.h"
 #include "core/state/MainWindow.h"
 #include "jobs/AddFiles.h"
@@ -41,19 +39,7 @@ void DropWipe::Drop(const std::vector<std::string>& paths) {
 }
 
 void DropWipe::WipeFiles() {
-  struct Whole {
-    explicit Whole(WholeWipes* wipes) : wipes_(wipes) {
-      if (wipes_) wipes_->BeginWhole();
-    }
-    Whole(const Whole&) = delete;
-    Whole& operator=(const Whole&) = delete;
-    ~Whole() { End(); }
-    bool End() {
-      WholeWipes* const wipes = std::exchange(wipes_, nullptr);
-      return wipes == nullptr || wipes->EndWhole();
-    }
-    WholeWipes* wipes_;
-  } whole(QuickFiles.Count() > 0 ? whole_ : nullptr);
+  OneWhole whole(QuickFiles.Count() > 0 ? whole_ : nullptr);
   for (const std::string& path : QuickFiles.Items()) WipeOne(path);
   // It belongs to no file: they have been told as what they were then.
   if (!whole.End()) QuickErrors.Add(SFD1->GetLastErrorText());

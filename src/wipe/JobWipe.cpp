@@ -1,7 +1,6 @@
 #include "wipe/JobWipe.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
@@ -160,19 +159,7 @@ void JobWipe::CountRow(const JobRow& row) {
 
 // The rows of a job are one operation to the engine, however the run ends.
 void JobWipe::WipeRows() {
-  struct Whole {
-    explicit Whole(WholeWipes* wipes) : wipes_(wipes) {
-      if (wipes_) wipes_->BeginWhole();
-    }
-    Whole(const Whole&) = delete;
-    Whole& operator=(const Whole&) = delete;
-    ~Whole() { End(); }
-    bool End() {
-      WholeWipes* const wipes = std::exchange(wipes_, nullptr);
-      return wipes == nullptr || wipes->EndWhole();
-    }
-    WholeWipes* wipes_;
-  } whole(whole_);
+  OneWhole whole(whole_);
   const std::int16_t end = jobList_.RowLoopEnd();
   for (int row = 1; row <= end; ++row) {
     const JobRow& item = jobList_.Row(row);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace zq {
 
@@ -57,6 +58,26 @@ class WholeWipes {
   virtual ~WholeWipes() = default;
   virtual void BeginWhole() = 0;
   virtual bool EndWhole() noexcept = 0;
+};
+
+// One whole of what is called in its life, however that ends. Without an engine that knows of it, nothing.
+class OneWhole {
+ public:
+  explicit OneWhole(WholeWipes* wipes) : wipes_(wipes) {
+    if (wipes_) wipes_->BeginWhole();
+  }
+  OneWhole(const OneWhole&) = delete;
+  OneWhole& operator=(const OneWhole&) = delete;
+  ~OneWhole() { End(); }
+
+  // False as EndWhole is; true, too, where it has ended already.
+  bool End() {
+    WholeWipes* const wipes = std::exchange(wipes_, nullptr);
+    return wipes == nullptr || wipes->EndWhole();
+  }
+
+ private:
+  WholeWipes* wipes_;
 };
 
 }  // namespace zq
