@@ -23,7 +23,7 @@
 #include "reports/ReportDocument.h"
 #include "reports/frmPrintReport.h"
 #include "support/driver/Scratch.h"
-#include "windows/FakePlatform.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {

@@ -12,12 +12,8 @@
 #include "jobs/JobList.h"
 #include "platform/Platform.h"
 #include "support/Rows.h"
-#include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeIconPainter.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeToolStates.h"
 
 namespace zq::test {
@@ -29,7 +25,7 @@ constexpr const char* kJob = "C:\\Zeroquill\\Jobs\\Job.zqj";
 constexpr std::size_t kLongEnough = 16;
 
 // A program that loads and saves one job. On its disc stand a file and a folder that rows may name.
-struct Program {
+struct Program : FakePlatform {
   Program() {
     state.AppFolder = "C:\\Zeroquill\\";
     files.AddFolder("C:\\Zeroquill\\Jobs");
@@ -57,12 +53,6 @@ struct Program {
   }
 
   AppState state;
-  FakeFiles files;
-  FakeMessageBoxes boxes{files.log};
-  FakeProcess process{files.log};
-  FakeRegional regional;
-  FakeRegistry registry;
-  Platform platform{files, boxes, process, regional, registry};
   JobList jobList{regional};
   FakeIconPainter painter;
   FileIcons icons{painter, regional};

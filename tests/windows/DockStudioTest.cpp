@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
-#include "FakePlatform.h"
 #include "controls/BarLayout.h"
 #include "controls/MessageLoop.h"
 #include "core/main/frmMain.h"
 #include "core/state/Settings.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {
@@ -115,7 +115,7 @@ TEST_F(DockStudioTest, UnreadableLayoutFileIsPassedOverInSilence) {
   fake_.files.AddFile(kLayoutFile, EncodeBarLayout({{3, false, 300}, {1, true, 140}, {2, false, 200}}));
   fake_.files.unreadable.insert(kLayoutFile);
   Open().Unload();
-  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake_.boxes.shown.empty());
   EXPECT_EQ(fake_.files.log.back(), "end");
 }
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "controls/MessageLoop.h"
 #include "core/main/frmMain.h"
 #include "core/state/Settings.h"
@@ -15,6 +14,7 @@
 #include "jobs/frmOpenJob.h"
 #include "jobs/frmSave.h"
 #include "support/driver/Scratch.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {
@@ -161,7 +161,7 @@ TEST_F(JobCommandsTest, NewShowsItsNoteUntilItIsSwitchedOff) {
 
 TEST_F(JobCommandsTest, DeleteRemovesTheFileOfTheOpenJob) {
   Open("C:\\Zeroquill\\Jobs\\Monthly.zqj");
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Click("mnuFileDelete");
   EXPECT_FALSE(fake_.files.Exists("C:\\Zeroquill\\Jobs\\Monthly.zqj"));
   EXPECT_TRUE(Listed().empty());
@@ -170,21 +170,21 @@ TEST_F(JobCommandsTest, DeleteRemovesTheFileOfTheOpenJob) {
 
 TEST_F(JobCommandsTest, CloseAsksToSaveAndOnCancelChangesNothing) {
   Open("C:\\a.txt");
-  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  fake_.boxes.answers = {MessageAnswer::Cancel};
   Click("mnuFileClose");
   EXPECT_EQ(Listed(), std::vector<std::string>{"C:\\a.txt"});
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   Click("mnuFileClose");
   EXPECT_TRUE(Listed().empty());
 }
 
 TEST_F(JobCommandsTest, ExitStaysWhenTheQuestionIsCancelled) {
   Open("C:\\a.txt");
-  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  fake_.boxes.answers = {MessageAnswer::Cancel};
   Close(Main());
   EXPECT_TRUE(Default<frmMain>::IsLoaded());
   EXPECT_EQ(Listed(), std::vector<std::string>{"C:\\a.txt"});
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   Close(Main());
   EXPECT_FALSE(Default<frmMain>::IsLoaded());
   EXPECT_EQ(fake_.files.log.back(), "end");

@@ -8,10 +8,10 @@
 #include <utility>
 #include <vector>
 
-#include "FakePlatform.h"
 #include "controls/MessageLoop.h"
 #include "core/main/frmMain.h"
 #include "core/state/Settings.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 

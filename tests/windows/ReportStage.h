@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "controls/document/Characters.h"
 #include "core/state/AppState.h"
 #include "platform/win32/Wide.h"
 #include "reports/ReportData.h"
 #include "reports/frmPrintReport.h"
 #include "support/driver/Driver.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 

@@ -379,7 +379,7 @@ TEST_F(VSPrinterTest, CopyWaitsForAClipboardThatIsInUse) {
   Key(printer, 'C');
   EXPECT_EQ(pauses, 3);
   EXPECT_EQ(ClipboardText(), ToWide(TextToCopy(printer.Content(), {0, printer.Content().text.size()})));
-  EXPECT_TRUE(fake.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake.boxes.shown.empty());
 }
 
 TEST_F(VSPrinterTest, CopyThatWaitsInVainSaysSo) {
@@ -389,12 +389,12 @@ TEST_F(VSPrinterTest, CopyThatWaitsInVainSaysSo) {
   const ClipboardHolder holder;
   int pauses = 0;
   printer.Preview().Pause = [&] { ++pauses; };
-  fake.messageBoxes.answers = {MessageAnswer::Ok};
+  fake.boxes.answers = {MessageAnswer::Ok};
   Key(printer, 'C');
   EXPECT_EQ(pauses, 49);
-  ASSERT_EQ(fake.messageBoxes.shown.size(), 1U);
-  EXPECT_EQ(fake.messageBoxes.shown[0].title, "Copy");
-  EXPECT_THAT(fake.messageBoxes.shown[0].text, testing::HasSubstr("another program is using the clipboard"));
+  ASSERT_EQ(fake.boxes.shown.size(), 1U);
+  EXPECT_EQ(fake.boxes.shown[0].title, "Copy");
+  EXPECT_THAT(fake.boxes.shown[0].text, testing::HasSubstr("another program is using the clipboard"));
 }
 
 TEST_F(VSPrinterTest, MouseSelectsText) {

@@ -4,10 +4,10 @@
 
 #include <string>
 
-#include "FakePlatform.h"
 #include "core/state/AppState.h"
 #include "platform/win32/Win32WindowList.h"
 #include "preferences/MFindPartLoop.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {
@@ -38,8 +38,9 @@ class Win32WindowListTest : public testing::Test {
   AppState state_;
   FakePlatform fake_;
   Win32WindowList windows_;
-  Platform platform_{fake_.files,    fake_.messageBoxes,     fake_.process, fake_.regional,
-                     fake_.registry, UntoldWork::Instance(), windows_};
+  Platform platform_{fake_.files,    fake_.boxes,    fake_.process,
+                     fake_.regional, fake_.registry, UntoldWork::Instance(),
+                     windows_};
 };
 
 TEST_F(Win32WindowListTest, HiddenWindowIsFoundWhileItIsThere) {

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "controls/MessageLoop.h"
 #include "core/state/Help.h"
 #include "platform/RunTimeError.h"
@@ -10,6 +9,7 @@
 #include "support/ExpectRaises.h"
 #include "support/driver/Driver.h"
 #include "support/fakes/FakeDrives.h"
+#include "support/fakes/FakePlatform.h"
 #include "wipe/DriveList.h"
 #include "wipe/frmDriveWipe.h"
 

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "jobs/FileMask.h"
 #include "jobs/JobList.h"
 #include "jobs/frmEdit.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {
@@ -92,9 +92,9 @@ TEST_F(frmEditTest, ImproperMaskIsRefusedAndTheMaskGetsTheFocus) {
   form.Show();
   Type(form, IDC_frmEdit_txtMask, "doc");
   ::SetFocus(Item(form, IDC_frmEdit_cmdOK));
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Press(form, IDC_frmEdit_cmdOK);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector<Message>{BoxOf(FolderVerdict::ImproperMask)});
+  EXPECT_EQ(fake_.boxes.shown, std::vector<Message>{BoxOf(FolderVerdict::ImproperMask)});
   EXPECT_EQ(::GetFocus(), Item(form, IDC_frmEdit_txtMask));
   EXPECT_EQ(SelectionOf(form, IDC_frmEdit_txtMask), std::make_pair(DWORD{0}, DWORD{3}));
   EXPECT_TRUE(Default<frmEdit>::IsLoaded());
@@ -103,9 +103,9 @@ TEST_F(frmEditTest, ImproperMaskIsRefusedAndTheMaskGetsTheFocus) {
 TEST_F(frmEditTest, WholeDriveIsRefusedAndANarrowerMaskIsNotAskedAbout) {
   frmEdit& form = OpenOn("C:\\");
   Type(form, IDC_frmEdit_txtMask, "*.*");
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Press(form, IDC_frmEdit_cmdOK);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector<Message>{BoxOf(FolderVerdict::WholeDriveEdited)});
+  EXPECT_EQ(fake_.boxes.shown, std::vector<Message>{BoxOf(FolderVerdict::WholeDriveEdited)});
   ASSERT_TRUE(Default<frmEdit>::IsLoaded());
   Type(form, IDC_frmEdit_txtMask, "*.tmp");
   Press(form, IDC_frmEdit_cmdOK);

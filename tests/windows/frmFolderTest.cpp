@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "jobs/FileMask.h"
 #include "jobs/JobList.h"
 #include "jobs/frmFolder.h"
 #include "support/driver/Scratch.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {
@@ -138,9 +138,9 @@ TEST_F(frmFolderTest, ImproperMaskIsRefusedAndTheMaskGetsTheFocus) {
   form.Show();
   Type(form, IDC_frmFolder_txtMask, "*.html");
   form.FT1.SetFocus();
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Press(form, IDC_frmFolder_cmdOK);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector<Message>{BoxOf(FolderVerdict::ImproperMask)});
+  EXPECT_EQ(fake_.boxes.shown, std::vector<Message>{BoxOf(FolderVerdict::ImproperMask)});
   EXPECT_EQ(::GetFocus(), Item(form, IDC_frmFolder_txtMask));
   EXPECT_EQ(SelectionOf(form, IDC_frmFolder_txtMask), std::make_pair(DWORD{0}, DWORD{6}));
   EXPECT_TRUE(Default<frmFolder>::IsLoaded());
@@ -150,10 +150,10 @@ TEST_F(frmFolderTest, ImproperMaskIsRefusedAndTheMaskGetsTheFocus) {
 TEST_F(frmFolderTest, WholeDriveIsRefused) {
   frmFolder& form = OpenAt("C:\\");
   form.Show();
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   form.FT1.SetFocus();
   Press(form, IDC_frmFolder_cmdOK);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector<Message>{BoxOf(FolderVerdict::WholeDriveAdded)});
+  EXPECT_EQ(fake_.boxes.shown, std::vector<Message>{BoxOf(FolderVerdict::WholeDriveAdded)});
   EXPECT_NE(::GetFocus(), Item(form, IDC_frmFolder_txtMask));
   EXPECT_TRUE(Default<frmFolder>::IsLoaded());
   EXPECT_EQ(jobList_.Count(), 0U);
@@ -162,13 +162,13 @@ TEST_F(frmFolderTest, WholeDriveIsRefused) {
 TEST_F(frmFolderTest, RootDriveWithANarrowerMaskIsAskedAbout) {
   frmFolder& form = OpenAt("C:\\");
   Type(form, IDC_frmFolder_txtMask, "*.tmp");
-  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  fake_.boxes.answers = {MessageAnswer::Cancel};
   Press(form, IDC_frmFolder_cmdOK);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector<Message>{BoxOf(FolderVerdict::RootDriveAdded)});
+  EXPECT_EQ(fake_.boxes.shown, std::vector<Message>{BoxOf(FolderVerdict::RootDriveAdded)});
   EXPECT_TRUE(Default<frmFolder>::IsLoaded());
   EXPECT_EQ(jobList_.Count(), 0U);
 
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Press(form, IDC_frmFolder_cmdOK);
   EXPECT_FALSE(Default<frmFolder>::IsLoaded());
   ASSERT_EQ(jobList_.Count(), 1U);

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 
-#include "FakePlatform.h"
 #include "controls/MessageLoop.h"
 #include "core/main/frmMain.h"
 #include "core/state/Settings.h"
 #include "platform/RunTimeError.h"
 #include "reports/frmPrintReport.h"
+#include "support/fakes/FakePlatform.h"
 #include "wipe/frmStatus.h"
 
 namespace zq::test {
@@ -126,10 +126,10 @@ TEST_F(frmMainTest, SessionEndSavesAsAnyExitDoes) {
   frmMain& main = Load();
   fake_.files.log.clear();
   const HWND window = static_cast<Form&>(main).Handle();
-  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  fake_.boxes.answers = {MessageAnswer::Cancel};
   EXPECT_EQ(::SendMessageW(window, WM_QUERYENDSESSION, 0, 0), FALSE);
   EXPECT_EQ(main.Jobs().Count(), 1U);
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   EXPECT_EQ(::SendMessageW(window, WM_QUERYENDSESSION, 0, 0), TRUE);
   ::SendMessageW(window, WM_ENDSESSION, TRUE, 0);
   EXPECT_EQ(fake_.files.log,
@@ -161,7 +161,7 @@ TEST_F(frmMainTest, SessionEndIsRefusedWhileAWipeRunsAndWhenForcedLeavesItsRowsA
     EXPECT_EQ(main.Jobs().Count(), 1U) << "the wipe still walks them";
     EXPECT_TRUE(Ended());
   };
-  fake_.messageBoxes.answers = {MessageAnswer::Ok, MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::Ok, MessageAnswer::No};
   main.DockStudio1.ToolClick("WipeNow");
   EXPECT_GT(asked, 0);
   fake_.process.onPump = nullptr;

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "Ink.h"
 #include "jobs/frmOpenJob.h"
 #include "platform/RunTimeError.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {

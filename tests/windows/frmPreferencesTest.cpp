@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "core/state/AppState.h"
 #include "core/state/Help.h"
 #include "preferences/frmPreferences.h"
 #include "support/driver/Driver.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 
 namespace zq::test {
@@ -278,7 +278,7 @@ TEST_F(frmPreferencesTest, CancelAndTheCloseBoxChangeNothing) {
   for (const bool closeBox : {false, true}) {
     Press(Open(), IDC_frmPreferences_opt7);
     Press(Open(), IDC_frmPreferences_chkMaximize);
-    fake_.messageBoxes.answers = {MessageAnswer::Ok};
+    fake_.boxes.answers = {MessageAnswer::Ok};
     Press(Open(), IDC_frmPreferences_chkManager);
     EXPECT_FALSE(IsTicked(Open(), IDC_frmPreferences_chkManager));
     if (closeBox) {
@@ -309,14 +309,14 @@ TEST_F(frmPreferencesTest, ReturnIsOk) {
 
 TEST_F(frmPreferencesTest, UntickingTheManagerAsksAndCancelTicksItAgain) {
   state_.Settings.ExplorerManager = 1;
-  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  fake_.boxes.answers = {MessageAnswer::Cancel};
   Press(Open(), IDC_frmPreferences_chkManager);
   EXPECT_TRUE(IsTicked(Open(), IDC_frmPreferences_chkManager));
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Press(Open(), IDC_frmPreferences_chkManager);
   EXPECT_FALSE(IsTicked(Open(), IDC_frmPreferences_chkManager));
-  EXPECT_EQ(fake_.messageBoxes.shown.size(), 2U);
-  fake_.windows.windows = {{"ZQ Explorer Manager"}};
+  EXPECT_EQ(fake_.boxes.shown.size(), 2U);
+  fake_.systemWindows.windows = {{"ZQ Explorer Manager"}};
   Press(Open(), IDC_frmPreferences_cmdOK);
   EXPECT_THAT(log_, Contains("registry: -Zeroquill Explorer Manager"));
   EXPECT_EQ(log_.back(), "close window 1");
@@ -327,7 +327,7 @@ TEST_F(frmPreferencesTest, TickingTheManagerAsksNothingBeforeOk) {
   Press(Open(), IDC_frmPreferences_chkManager);
   Press(Open(), IDC_frmPreferences_chkManager);
   EXPECT_THAT(log_, IsEmpty());
-  fake_.messageBoxes.answers = {MessageAnswer::Yes};
+  fake_.boxes.answers = {MessageAnswer::Yes};
   Press(Open(), IDC_frmPreferences_cmdOK);
   EXPECT_EQ(log_.back(), "start C:\\Zeroquill\\ZQExMan.exe");
   EXPECT_FALSE(Default<frmPreferences>::IsLoaded());

@@ -120,7 +120,7 @@ TEST_F(frmPrintReportTest, RichTextThatIsLockedOrReadOnlyIsPassedOver) {
   }
   EXPECT_EQ(ReadFileBytes(RtfPath()), "the older one");
   EXPECT_EQ(filesInFolder(), before);
-  EXPECT_TRUE(fake.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake.boxes.shown.empty());
 
   Default<frmPrintReport>::Touch().Unload();
   EXPECT_THAT(ReadFileBytes(RtfPath()), testing::StartsWith("{\\rtf1"));

@@ -7,12 +7,12 @@
 #include <vector>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "core/state/AppState.h"
 #include "platform/win32/Win32Files.h"
 #include "quickbin/frmQuick.h"
 #include "quickbin/frmQuickErrors.h"
 #include "support/driver/Driver.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeToolStates.h"
 #include "support/fakes/FakeWindows.h"
 
@@ -81,7 +81,7 @@ class frmQuickTest : public testing::Test {
   AppState state_;
   FakePlatform fake_;
   Win32Files files_;
-  Platform platform_{files_, fake_.messageBoxes, fake_.process, fake_.regional, fake_.registry};
+  Platform platform_{files_, fake_.boxes, fake_.process, fake_.regional, fake_.registry};
   EventLog& log_ = fake_.files.log;
   FakeMainWindow mainWindow_{log_};
   FakeToolStates tools_{log_};
@@ -177,7 +177,7 @@ TEST_F(frmQuickTest, LockedFileAndOneThatIsGoneAreListedByAClickOnThePanel) {
   EXPECT_EQ(ReadFileBytes(locked), "in use");
   EXPECT_FALSE(PathExists(free));
   EXPECT_EQ(Panel(), "Last Operation: Errors");
-  EXPECT_THAT(fake_.messageBoxes.shown, IsEmpty());
+  EXPECT_THAT(fake_.boxes.shown, IsEmpty());
   ClickPanel(1);
   EXPECT_FALSE(Default<frmQuickErrors>::IsLoaded());
   for (int time = 0; time < 2; ++time) {

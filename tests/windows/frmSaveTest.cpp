@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "jobs/JobName.h"
 #include "jobs/frmSave.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {
@@ -69,9 +69,9 @@ TEST_F(frmSaveTest, NameOfAnyLengthCanBeTyped) {
 
 TEST_F(frmSaveTest, IllegalNameIsRefusedAndSelectedForAnotherTry) {
   frmSave& form = OpenWith("a?b");
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Press(form, IDC_frmSave_cmdOK);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector<Message>{BoxOf(JobNameVerdict::Illegal)});
+  EXPECT_EQ(fake_.boxes.shown, std::vector<Message>{BoxOf(JobNameVerdict::Illegal)});
   EXPECT_TRUE(Default<frmSave>::IsLoaded());
   EXPECT_EQ(::GetFocus(), Item(form, IDC_frmSave_txtName));
   EXPECT_EQ(SelectionOf(form, IDC_frmSave_txtName), std::make_pair(DWORD{0}, DWORD{3}));
@@ -80,12 +80,12 @@ TEST_F(frmSaveTest, IllegalNameIsRefusedAndSelectedForAnotherTry) {
 
 TEST_F(frmSaveTest, NameOfASavedJobIsAskedAbout) {
   frmSave& form = OpenWith(" monthly");
-  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  fake_.boxes.answers = {MessageAnswer::Cancel};
   Press(form, IDC_frmSave_cmdOK);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector<Message>{BoxOf(JobNameVerdict::Exists)});
+  EXPECT_EQ(fake_.boxes.shown, std::vector<Message>{BoxOf(JobNameVerdict::Exists)});
   EXPECT_EQ(::GetFocus(), Item(form, IDC_frmSave_txtName));
   EXPECT_EQ(state_.CurrentJobName, "");
-  fake_.messageBoxes.answers = {MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok};
   Press(form, IDC_frmSave_cmdOK);
   EXPECT_EQ(state_.CurrentJobName, "monthly");
   EXPECT_FALSE(Default<frmSave>::IsLoaded());

@@ -2,10 +2,10 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "jobs/JobList.h"
 #include "support/driver/Driver.h"
 #include "support/fakes/FakeEngine.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/WipeHandlers.h"
@@ -84,9 +84,9 @@ TEST_F(frmSpaceStatusTest, ShowsTheProgress) {
 }
 
 TEST_F(frmSpaceStatusTest, CancelButtonAsksAndOnNoTheWipeGoesOn) {
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   Press(Open(), IDC_frmSpaceStatus_cmdCancel);
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+  EXPECT_EQ(fake_.boxes.shown, std::vector{kCancelQuestion});
   EXPECT_TRUE(Default<frmSpaceStatus>::IsLoaded());
   EXPECT_FALSE(state_.CancelRequested);
   EXPECT_THAT(log_, Not(Contains("CancelOperation")));
@@ -95,11 +95,11 @@ TEST_F(frmSpaceStatusTest, CancelButtonAsksAndOnNoTheWipeGoesOn) {
 TEST_F(frmSpaceStatusTest, CancelButtonStopsTheEngineAndClosesTheWindow) {
   for (const MessageAnswer answer : {MessageAnswer::Yes, MessageAnswer::Cancel}) {
     log_.clear();
-    fake_.messageBoxes.shown.clear();
+    fake_.boxes.shown.clear();
     state_.CancelRequested = false;
-    fake_.messageBoxes.answers = {answer};
+    fake_.boxes.answers = {answer};
     Press(Open(), IDC_frmSpaceStatus_cmdCancel);
-    EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion}) << "its own unload asks nothing";
+    EXPECT_EQ(fake_.boxes.shown, std::vector{kCancelQuestion}) << "its own unload asks nothing";
     EXPECT_FALSE(Default<frmSpaceStatus>::IsLoaded());
     EXPECT_TRUE(state_.CancelRequested);
     EXPECT_THAT(log_, Contains("CancelOperation"));
@@ -107,13 +107,13 @@ TEST_F(frmSpaceStatusTest, CancelButtonStopsTheEngineAndClosesTheWindow) {
 }
 
 TEST_F(frmSpaceStatusTest, CloseBoxAsksTheSame) {
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   Close(Open());
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+  EXPECT_EQ(fake_.boxes.shown, std::vector{kCancelQuestion});
   EXPECT_TRUE(Default<frmSpaceStatus>::IsLoaded());
   EXPECT_FALSE(state_.CancelRequested);
 
-  fake_.messageBoxes.answers = {MessageAnswer::Yes};
+  fake_.boxes.answers = {MessageAnswer::Yes};
   Close(Open());
   EXPECT_FALSE(Default<frmSpaceStatus>::IsLoaded());
   EXPECT_TRUE(state_.CancelRequested);
@@ -124,7 +124,7 @@ TEST_F(frmSpaceStatusTest, CloseByTheProgramAsksNothing) {
   statusWindow_.Show();
   statusWindow_.Unload();
   EXPECT_FALSE(Default<frmSpaceStatus>::IsLoaded());
-  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake_.boxes.shown.empty());
   EXPECT_FALSE(state_.CancelRequested);
 }
 
@@ -132,7 +132,7 @@ TEST_F(frmSpaceStatusTest, EscDoesNothing) {
   Open().Show();
   ::SendMessageW(Open().Handle(), WM_COMMAND, IDCANCEL, 0);
   EXPECT_TRUE(Default<frmSpaceStatus>::IsLoaded());
-  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake_.boxes.shown.empty());
 }
 
 TEST_F(frmSpaceStatusTest, EventAfterTheCloseWorksOnAFreshHiddenInstance) {
@@ -145,7 +145,7 @@ TEST_F(frmSpaceStatusTest, EventAfterTheCloseWorksOnAFreshHiddenInstance) {
 }
 
 TEST_F(frmSpaceStatusTest, EndOfTheRunUnloadsTheInstanceThatCameAfterACancel) {
-  fake_.messageBoxes.answers = {MessageAnswer::Ok, MessageAnswer::Yes, MessageAnswer::Ok};
+  fake_.boxes.answers = {MessageAnswer::Ok, MessageAnswer::Yes, MessageAnswer::Ok};
   engine_.work = [this](const std::string&, WipeEvents& events) {
     events.SFD1_FreeSpaceProgress("filler", 10, 1, 10);
     EXPECT_TRUE(IsEnabled(Open(), IDC_frmSpaceStatus_cmdCancel));
@@ -157,7 +157,7 @@ TEST_F(frmSpaceStatusTest, EndOfTheRunUnloadsTheInstanceThatCameAfterACancel) {
   };
   wipe_.RunFreeSpaceWipe();
   EXPECT_FALSE(Default<frmSpaceStatus>::IsLoaded());
-  EXPECT_EQ(fake_.messageBoxes.shown.back().title, "Cancelled");
+  EXPECT_EQ(fake_.boxes.shown.back().title, "Cancelled");
 }
 
 TEST_F(frmSpaceStatusTest, BarIsPlainForEverySettingButOne) {

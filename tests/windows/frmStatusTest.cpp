@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include "FakePlatform.h"
 #include "controls/MessageLoop.h"
 #include "jobs/JobList.h"
 #include "support/driver/Picture.h"
 #include "support/fakes/FakeEngine.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/JobWipe.h"
 #include "wipe/frmStatus.h"
@@ -66,7 +66,7 @@ TEST_F(frmStatusTest, CloseBoxIsRefusedWithoutAWordWhileCancelIsDisabled) {
   statusWindow_.SetCancelEnabled(false);
   PressCloseBox();
   EXPECT_TRUE(Default<frmStatus>::IsLoaded());
-  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake_.boxes.shown.empty());
   EXPECT_FALSE(state_.CancelRequested);
 }
 
@@ -82,49 +82,49 @@ TEST_F(frmStatusTest, CancelButtonHasTheFocusOnceItIsEnabled) {
 TEST_F(frmStatusTest, EnterHeldDownPressesNothingAFreshOneDoes) {
   statusWindow_.Show();
   statusWindow_.SetCancelEnabled(true);
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   const HWND button = Default<frmStatus>::Touch().cmdCancel.Handle();
   ::PostMessageW(button, WM_KEYDOWN, VK_RETURN, 0x401C0001);
   PumpMessages();
-  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake_.boxes.shown.empty());
   ::PostMessageW(button, WM_KEYDOWN, VK_RETURN, 0x001C0001);
   PumpMessages();
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+  EXPECT_EQ(fake_.boxes.shown, std::vector{kCancelQuestion});
 }
 
 TEST_F(frmStatusTest, CancelButtonAsksAndOnNoTheWipeGoesOn) {
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   PressCancel();
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+  EXPECT_EQ(fake_.boxes.shown, std::vector{kCancelQuestion});
   EXPECT_TRUE(Default<frmStatus>::IsLoaded());
   EXPECT_FALSE(state_.CancelRequested);
   EXPECT_FALSE(EngineWasCancelled());
 }
 
 TEST_F(frmStatusTest, CancelButtonStopsTheEngineAndClosesTheWindow) {
-  fake_.messageBoxes.answers = {MessageAnswer::Yes};
+  fake_.boxes.answers = {MessageAnswer::Yes};
   PressCancel();
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion}) << "its own unload asks nothing";
+  EXPECT_EQ(fake_.boxes.shown, std::vector{kCancelQuestion}) << "its own unload asks nothing";
   EXPECT_FALSE(Default<frmStatus>::IsLoaded());
   EXPECT_TRUE(state_.CancelRequested);
   EXPECT_TRUE(EngineWasCancelled());
 }
 
 TEST_F(frmStatusTest, AnyAnswerButNoCancels) {
-  fake_.messageBoxes.answers = {MessageAnswer::Cancel};
+  fake_.boxes.answers = {MessageAnswer::Cancel};
   PressCancel();
   EXPECT_TRUE(state_.CancelRequested);
   EXPECT_FALSE(Default<frmStatus>::IsLoaded());
 }
 
 TEST_F(frmStatusTest, CloseBoxAsksTheSameWhileCancelIsEnabled) {
-  fake_.messageBoxes.answers = {MessageAnswer::No};
+  fake_.boxes.answers = {MessageAnswer::No};
   PressCloseBox();
-  EXPECT_EQ(fake_.messageBoxes.shown, std::vector{kCancelQuestion});
+  EXPECT_EQ(fake_.boxes.shown, std::vector{kCancelQuestion});
   EXPECT_TRUE(Default<frmStatus>::IsLoaded());
   EXPECT_FALSE(state_.CancelRequested);
 
-  fake_.messageBoxes.answers = {MessageAnswer::Yes};
+  fake_.boxes.answers = {MessageAnswer::Yes};
   PressCloseBox();
   EXPECT_FALSE(Default<frmStatus>::IsLoaded());
   EXPECT_TRUE(state_.CancelRequested);
@@ -135,7 +135,7 @@ TEST_F(frmStatusTest, CloseByTheProgramAsksNothing) {
   statusWindow_.SetCancelEnabled(true);
   statusWindow_.Unload();
   EXPECT_FALSE(Default<frmStatus>::IsLoaded());
-  EXPECT_TRUE(fake_.messageBoxes.shown.empty());
+  EXPECT_TRUE(fake_.boxes.shown.empty());
   EXPECT_FALSE(state_.CancelRequested);
 }
 

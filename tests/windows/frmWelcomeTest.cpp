@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
-#include "FakePlatform.h"
 #include "ancillary/frmWelcome.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
 namespace {

@@ -11,9 +11,9 @@
 #include "platform/Platform.h"
 #include "support/ExpectRaises.h"
 #include "support/Rows.h"
-#include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeIconPainter.h"
 #include "support/fakes/FakeMessageBoxes.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeProcess.h"
 #include "support/fakes/FakeRegional.h"
 #include "support/fakes/FakeRegistry.h"
@@ -45,7 +45,7 @@ JobRow Ghosted(JobRow row) {
   return row;
 }
 
-class JobFileTest : public testing::Test {
+class JobFileTest : public testing::Test, protected test::FakePlatform {
  protected:
   JobFileTest() {
     state.AppFolder = "C:\\Zeroquill\\";
@@ -92,13 +92,6 @@ class JobFileTest : public testing::Test {
   }
 
   AppState state;
-  test::FakeFiles files;
-  test::EventLog& log = files.log;
-  test::FakeMessageBoxes boxes{log};
-  test::FakeProcess process{log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  Platform platform{files, boxes, process, regional, registry};
   JobList jobList{regional};
   test::FakeIconPainter painter;
   FileIcons icons{painter, regional};

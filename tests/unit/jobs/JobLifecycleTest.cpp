@@ -13,13 +13,9 @@
 #include "jobs/JobList.h"
 #include "platform/Platform.h"
 #include "support/Rows.h"
-#include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeIconPainter.h"
 #include "support/fakes/FakeJobDialogs.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeToolStates.h"
 
 namespace zq {
@@ -43,7 +39,7 @@ std::string JobOf(const std::string& path, const std::string& stamp = "N/A") {
   return "\"" + stamp + "\"\r\n\"[FOLDERS]\"\r\n\"[FILES]\"\r\n\"" + path + "\"\r\n";
 }
 
-class JobLifecycleTest : public testing::Test {
+class JobLifecycleTest : public testing::Test, protected test::FakePlatform {
  protected:
   JobLifecycleTest() {
     state.AppFolder = "C:\\Zeroquill\\";
@@ -122,13 +118,6 @@ class JobLifecycleTest : public testing::Test {
   Job OpenJob() const { return {state.CurrentJobName, state.LastWiping, state.JobSaved, Paths()}; }
 
   AppState state;
-  test::FakeFiles files;
-  test::EventLog& log = files.log;
-  test::FakeMessageBoxes boxes{log};
-  test::FakeProcess process{log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  Platform platform{files, boxes, process, regional, registry};
   JobList jobList{regional};
   test::FakeIconPainter painter;
   FileIcons icons{painter, regional};

@@ -7,12 +7,7 @@
 #include "core/state/Settings.h"
 #include "platform/Platform.h"
 #include "preferences/ExplorerManager.h"
-#include "support/fakes/FakeFiles.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
-#include "support/fakes/FakeWindowList.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq {
 namespace {
@@ -27,7 +22,7 @@ constexpr const char* kStarted = "start D:\\Wiping Tools\\ZQExMan.exe";
 const Message kOffer{"Do you wish to launch the Zeroquill Explorer Manager now?", "Explorer Manager",
                      MessageIcon::Question, MessageButtons::YesNo};
 
-class ExplorerManagerTest : public testing::Test {
+class ExplorerManagerTest : public testing::Test, protected test::FakePlatform {
  protected:
   ExplorerManagerTest() {
     state.AppFolder = "D:\\Wiping Tools\\";
@@ -41,14 +36,6 @@ class ExplorerManagerTest : public testing::Test {
   }
 
   AppState state;
-  test::FakeFiles files;
-  test::EventLog& log = files.log;
-  test::FakeMessageBoxes boxes{log};
-  test::FakeProcess process{log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  test::FakeWindowList windows{log};
-  Platform platform{files, boxes, process, regional, registry, UntoldWork::Instance(), windows};
   ExplorerManager manager{state, platform};
 };
 
@@ -117,7 +104,7 @@ TEST_F(ExplorerManagerTest, OfferIsDeclinedAndNothingStarts) {
 
 TEST_F(ExplorerManagerTest, NothingIsOfferedWhileAWindowOfItsTitleIsThere) {
   for (const char* title : {"ZQ Explorer Manager", "zq explorer manager", "ZQ Explorer Manager 2"}) {
-    windows.windows = {{title}};
+    systemWindows.windows = {{title}};
     manager.OfferManagerLaunch();
     EXPECT_THAT(log, IsEmpty()) << title;
   }
@@ -135,27 +122,27 @@ TEST_F(ExplorerManagerTest, OfferedLaunchThatFailsIsTold) {
 }
 
 TEST_F(ExplorerManagerTest, IsNotShutDownWhenItDoesNotRun) {
-  windows.windows = {{"Other"}};
+  systemWindows.windows = {{"Other"}};
   manager.ShutDownManager();
   EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(ExplorerManagerTest, IsToldToCloseByItsExactTitle) {
-  windows.windows = {{"ZQ Explorer Manager - help"}, {"ZQ Explorer Manager"}};
+  systemWindows.windows = {{"ZQ Explorer Manager - help"}, {"ZQ Explorer Manager"}};
   manager.ShutDownManager();
   EXPECT_THAT(log, ElementsAre("close window 2"));
 }
 
 TEST_F(ExplorerManagerTest, AnotherTitleThatBeginsWithItsIsLeftAlone) {
-  windows.windows = {{"ZQ Explorer Manager - help"}};
+  systemWindows.windows = {{"ZQ Explorer Manager - help"}};
   manager.ShutDownManager();
   EXPECT_TRUE(state.ManagerRunning);
   EXPECT_THAT(log, IsEmpty());
 }
 
 TEST_F(ExplorerManagerTest, ShutDownThatTheSystemRefusesIsTold) {
-  windows.windows = {{"ZQ Explorer Manager"}};
-  windows.refusesPost = true;
+  systemWindows.windows = {{"ZQ Explorer Manager"}};
+  systemWindows.refusesPost = true;
   boxes.answers = {MessageAnswer::Ok};
   manager.ShutDownManager();
   EXPECT_THAT(boxes.shown,

@@ -5,17 +5,12 @@
 #include "core/state/AppState.h"
 #include "platform/Platform.h"
 #include "preferences/MFindPartLoop.h"
-#include "support/fakes/FakeFiles.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
-#include "support/fakes/FakeWindowList.h"
+#include "support/fakes/FakePlatform.h"
 
 namespace zq {
 namespace {
 
-class MFindPartLoopTest : public testing::Test {
+class MFindPartLoopTest : public testing::Test, protected test::FakePlatform {
  protected:
   // The handle that is found, with ManagerRunning telling the same.
   WindowHandle Find(const std::string& part, std::int16_t mode = kTitleBeginsWith) {
@@ -26,18 +21,11 @@ class MFindPartLoopTest : public testing::Test {
   }
   WindowHandle FindIn(const std::string& title, const std::string& part,
                       std::int16_t mode = kTitleBeginsWith) {
-    windows.windows = {{title}};
+    systemWindows.windows = {{title}};
     return Find(part, mode);
   }
 
   AppState state;
-  test::FakeFiles files;
-  test::FakeMessageBoxes boxes{files.log};
-  test::FakeProcess process{files.log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  test::FakeWindowList windows{files.log};
-  Platform platform{files, boxes, process, regional, registry, UntoldWork::Instance(), windows};
 };
 
 TEST_F(MFindPartLoopTest, WithoutWindowsNothingIsFound) {
@@ -45,9 +33,9 @@ TEST_F(MFindPartLoopTest, WithoutWindowsNothingIsFound) {
 }
 
 TEST_F(MFindPartLoopTest, TheFrontWindowThatMatchesIsTaken) {
-  windows.windows = {{"Other"}, {"ZQ Explorer Manager"}, {"ZQ Explorer Manager"}};
+  systemWindows.windows = {{"Other"}, {"ZQ Explorer Manager"}, {"ZQ Explorer Manager"}};
   EXPECT_EQ(Find("ZQ Explorer Manager"), 2U);
-  EXPECT_EQ(windows.asked, 2) << "the walk stops there";
+  EXPECT_EQ(systemWindows.asked, 2) << "the walk stops there";
 }
 
 TEST_F(MFindPartLoopTest, LetterCaseIsIgnoredOnBothSides) {
@@ -74,9 +62,9 @@ TEST_F(MFindPartLoopTest, NowhereByAnyOtherMode) {
 }
 
 TEST_F(MFindPartLoopTest, WindowWithAParentIsNotSeen) {
-  windows.windows = {{"Owner"}, {"ZQ Explorer Manager", 1}};
+  systemWindows.windows = {{"Owner"}, {"ZQ Explorer Manager", 1}};
   EXPECT_EQ(Find("ZQ Explorer Manager"), 0U);
-  windows.windows.push_back({"ZQ Explorer Manager"});
+  systemWindows.windows.push_back({"ZQ Explorer Manager"});
   EXPECT_EQ(Find("ZQ Explorer Manager"), 3U);
 }
 
@@ -87,10 +75,10 @@ TEST_F(MFindPartLoopTest, EmptyTitleIsNotCompared) {
 }
 
 TEST_F(MFindPartLoopTest, OrderThatChangesMeanwhileEndsTheWalk) {
-  windows.windows = {{"One"}, {"Two"}};
-  windows.turnsBack = true;
+  systemWindows.windows = {{"One"}, {"Two"}};
+  systemWindows.turnsBack = true;
   EXPECT_EQ(Find("ZQ Explorer Manager"), 0U);
-  EXPECT_EQ(windows.asked, 2);
+  EXPECT_EQ(systemWindows.asked, 2);
 }
 
 }  // namespace

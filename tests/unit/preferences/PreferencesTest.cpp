@@ -7,12 +7,7 @@
 #include "platform/Platform.h"
 #include "preferences/Preferences.h"
 #include "support/ExpectRaises.h"
-#include "support/fakes/FakeFiles.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
-#include "support/fakes/FakeWindowList.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 
 namespace zq {
@@ -39,7 +34,7 @@ SettingsRecord NothingTicked() {
   return settings;
 }
 
-class PreferencesTest : public testing::Test {
+class PreferencesTest : public testing::Test, protected test::FakePlatform {
  protected:
   PreferencesTest() {
     state.AppFolder = "C:\\Zeroquill\\";
@@ -53,14 +48,6 @@ class PreferencesTest : public testing::Test {
   SettingsRecord OnDisc() { return DecodeSettings(files.Find(kFile)->content); }
 
   AppState state;
-  test::FakeFiles files;
-  test::EventLog& log = files.log;
-  test::FakeMessageBoxes boxes{log};
-  test::FakeProcess process{log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  test::FakeWindowList windows{log};
-  Platform platform{files, boxes, process, regional, registry, UntoldWork::Instance(), windows};
   test::FakeMainWindow mainWindow{log};
   Preferences preferences{state, platform, mainWindow};
 };
@@ -172,7 +159,7 @@ TEST_F(PreferencesTest, TickedBoxRegistersAndOffersToLaunch) {
 }
 
 TEST_F(PreferencesTest, TickedBoxRegistersAManagerThatRunsAndOffersNothing) {
-  windows.windows = {{"ZQ Explorer Manager"}};
+  systemWindows.windows = {{"ZQ Explorer Manager"}};
   PreferencesFields fields = LoadWith(0);
   fields.explorerManager = 1;
   preferences.Store(fields);
@@ -180,7 +167,7 @@ TEST_F(PreferencesTest, TickedBoxRegistersAManagerThatRunsAndOffersNothing) {
 }
 
 TEST_F(PreferencesTest, ClearedBoxRemovesAndShutsDown) {
-  windows.windows = {{"ZQ Explorer Manager"}};
+  systemWindows.windows = {{"ZQ Explorer Manager"}};
   PreferencesFields fields = LoadWith(1);
   fields.explorerManager = 0;
   preferences.Store(fields);
@@ -190,7 +177,7 @@ TEST_F(PreferencesTest, ClearedBoxRemovesAndShutsDown) {
 }
 
 TEST_F(PreferencesTest, BoxAsItWasTouchesNeitherRegistryNorManager) {
-  windows.windows = {{"ZQ Explorer Manager"}};
+  systemWindows.windows = {{"ZQ Explorer Manager"}};
   for (const std::int16_t registered : {std::int16_t{0}, std::int16_t{1}}) {
     log.clear();
     preferences.Store(LoadWith(registered));

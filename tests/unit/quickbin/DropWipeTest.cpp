@@ -9,11 +9,7 @@
 #include "quickbin/DropWipe.h"
 #include "support/ExpectRaises.h"
 #include "support/fakes/FakeEngine.h"
-#include "support/fakes/FakeFiles.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeToolStates.h"
 #include "support/fakes/FakeWindows.h"
 
@@ -41,7 +37,7 @@ class FakeBin final : public QuickBinWindow {
   const AppState& state_;
 };
 
-class DropWipeTest : public testing::Test {
+class DropWipeTest : public testing::Test, protected test::FakePlatform {
  protected:
   DropWipeTest() {
     wipe.SetEngine(&engine, &whole);
@@ -63,13 +59,6 @@ class DropWipeTest : public testing::Test {
   }
 
   AppState state;
-  test::FakeFiles files;
-  test::EventLog& log = files.log;
-  test::FakeMessageBoxes boxes{log};
-  test::FakeProcess process{log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  Platform platform{files, boxes, process, regional, registry};
   FakeBin bin{log, state};
   DropWipe wipe{state, platform, bin};
   test::FakeEngine engine{log, wipe};

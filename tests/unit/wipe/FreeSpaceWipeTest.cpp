@@ -8,12 +8,8 @@
 #include "jobs/JobList.h"
 #include "support/ExpectRaises.h"
 #include "support/fakes/FakeEngine.h"
-#include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeLongWork.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
@@ -45,7 +41,7 @@ Message CompleteBox(const std::string& started, const std::string& ended, const 
           "Free Space Wipe Complete", MessageIcon::Information, MessageButtons::Ok};
 }
 
-class FreeSpaceWipeTest : public testing::Test {
+class FreeSpaceWipeTest : public testing::Test, protected test::FakePlatform {
  protected:
   FreeSpaceWipeTest() {
     jobWipe.SetEngine(&engine);
@@ -69,13 +65,6 @@ class FreeSpaceWipeTest : public testing::Test {
   }
 
   AppState state;
-  test::FakeFiles files;
-  test::EventLog& log = files.log;
-  test::FakeMessageBoxes boxes{log};
-  test::FakeProcess process{log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  Platform platform{files, boxes, process, regional, registry};
   JobList jobList{regional};
   test::FakeMainWindow mainWindow{log};
   test::FakeStatusWindow jobStatus{log};

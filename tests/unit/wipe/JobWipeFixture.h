@@ -15,11 +15,7 @@
 #include "support/ExpectRaises.h"
 #include "support/Rows.h"
 #include "support/fakes/FakeEngine.h"
-#include "support/fakes/FakeFiles.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/JobWipe.h"
 
@@ -49,7 +45,7 @@ inline const Message kCancelled{
 inline constexpr const char* kCancelLine =
     "\"User cancelled wipe operation.  Listed items may or may not have finished processing.\"\r\n";
 
-class JobWipeTest : public ::testing::Test {
+class JobWipeTest : public ::testing::Test, protected FakePlatform {
  protected:
   JobWipeTest() {
     wipe.SetEngine(&engine);
@@ -101,13 +97,6 @@ class JobWipeTest : public ::testing::Test {
 
   bool cancelPressed = false;
   AppState state;
-  FakeFiles files;
-  EventLog& log = files.log;
-  FakeMessageBoxes boxes{log};
-  FakeProcess process{log};
-  FakeRegional regional;
-  FakeRegistry registry;
-  Platform platform{files, boxes, process, regional, registry};
   JobList jobList{regional};
   FakeMainWindow mainWindow{log};
   FakeStatusWindow statusWindow{log};

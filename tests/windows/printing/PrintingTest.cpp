@@ -91,7 +91,7 @@ class Printing : public ReportStage {
     colour_ = std::make_unique<PostScriptPrinter>(kColour, port_, Colours::All);
     black_ = std::make_unique<PostScriptPrinter>(kBlackAlone, port_, Colours::BlackAlone);
     colour_->MakeDefault();
-    fake.messageBoxes.answers = {MessageAnswer::Ok};
+    fake.boxes.answers = {MessageAnswer::Ok};
   }
 
   VSPrinter& Load(const ReportData& report) {
@@ -198,7 +198,7 @@ class Printing : public ReportStage {
   }
 
   void ExpectQuietEnd() const {
-    EXPECT_THAT(fake.messageBoxes.shown, IsEmpty());
+    EXPECT_THAT(fake.boxes.shown, IsEmpty());
     ExpectWindowsBack();
   }
   static void ExpectWindowsBack() {
@@ -369,9 +369,9 @@ TEST_F(Printing, WithoutAPrinterSaysSo) {
   black_.reset();
   VSPrinter& VS1 = Show(Example());
   VS1.PrintWithDialog();
-  ASSERT_EQ(fake.messageBoxes.shown.size(), 1U);
-  EXPECT_EQ(fake.messageBoxes.shown[0].title, "Print");
-  EXPECT_THAT(fake.messageBoxes.shown[0].text, HasSubstr("There is no printer"));
+  ASSERT_EQ(fake.boxes.shown.size(), 1U);
+  EXPECT_EQ(fake.boxes.shown[0].title, "Print");
+  EXPECT_THAT(fake.boxes.shown[0].text, HasSubstr("There is no printer"));
   ExpectWindowsBack();
   const PageSetup setup = PaperOfDefaultPrinter();
   EXPECT_EQ(setup.width, 12240) << "the paper of the tests' region";
@@ -383,9 +383,9 @@ TEST_F(Printing, PrinterThatCannotPrintIsTold) {
   PrintOrder order = Order(printer);
   order.output = ToWide(scratch / "nowhere\\printed.ps");
   EXPECT_EQ(VS1.PrintTo(order), PrintOutcome::Failed);
-  ASSERT_EQ(fake.messageBoxes.shown.size(), 1U);
-  EXPECT_EQ(fake.messageBoxes.shown[0].icon, MessageIcon::Exclamation);
-  EXPECT_THAT(fake.messageBoxes.shown[0].text, HasSubstr("was not printed completely"));
+  ASSERT_EQ(fake.boxes.shown.size(), 1U);
+  EXPECT_EQ(fake.boxes.shown[0].icon, MessageIcon::Exclamation);
+  EXPECT_THAT(fake.boxes.shown[0].text, HasSubstr("was not printed completely"));
   ExpectWindowsBack();
 }
 
@@ -404,8 +404,8 @@ TEST_F(Printing, PrinterThatFailsInTheMiddleIsTold) {
   });
   EXPECT_EQ(VS1.PrintTo(Order(printer)), PrintOutcome::Failed);
   ::DeleteFileA(filler.c_str());
-  ASSERT_EQ(fake.messageBoxes.shown.size(), 1U);
-  EXPECT_THAT(fake.messageBoxes.shown[0].text, HasSubstr("was not printed completely"));
+  ASSERT_EQ(fake.boxes.shown.size(), 1U);
+  EXPECT_THAT(fake.boxes.shown[0].text, HasSubstr("was not printed completely"));
   ExpectWindowsBack();
 }
 

@@ -19,15 +19,10 @@
 #include "support/Rows.h"
 #include "support/fakes/FakeCommandWindows.h"
 #include "support/fakes/FakeEngine.h"
-#include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeIconPainter.h"
 #include "support/fakes/FakeJobDialogs.h"
-#include "support/fakes/FakeMessageBoxes.h"
-#include "support/fakes/FakeProcess.h"
-#include "support/fakes/FakeRegional.h"
-#include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeToolStates.h"
-#include "support/fakes/FakeWindowList.h"
 #include "support/fakes/FakeWindows.h"
 #include "wipe/FreeSpaceWipe.h"
 #include "wipe/JobWipe.h"
@@ -49,7 +44,7 @@ const Message kNoReport{"There is no report available to view at this time.", "N
 const Message kBinBusy{"An operation is currently being performed.  The QuickWipe Bin cannot be closed.",
                        "Operation", MessageIcon::Exclamation, MessageButtons::Ok};
 
-class CommandsTest : public testing::Test {
+class CommandsTest : public testing::Test, protected test::FakePlatform {
  protected:
   CommandsTest() {
     state.AppFolder = "C:\\Zeroquill\\";
@@ -78,14 +73,6 @@ class CommandsTest : public testing::Test {
   }
 
   AppState state;
-  test::FakeFiles files;
-  test::EventLog& log = files.log;
-  test::FakeMessageBoxes boxes{log};
-  test::FakeProcess process{log};
-  test::FakeRegional regional;
-  test::FakeRegistry registry;
-  test::FakeWindowList systemWindows{log};
-  Platform platform{files, boxes, process, regional, registry, UntoldWork::Instance(), systemWindows};
   JobList jobList{regional};
   test::FakeIconPainter painter;
   FileIcons icons{painter, regional};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "support/fakes/EventLog.h"
 #include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeMessageBoxes.h"
 #include "support/fakes/FakeProcess.h"
@@ -13,12 +14,13 @@ namespace zq::test {
 
 struct FakePlatform {
   FakeFiles files;
-  FakeMessageBoxes messageBoxes{files.log};
-  FakeProcess process{files.log};
+  EventLog& log = files.log;
+  FakeMessageBoxes boxes{log};
+  FakeProcess process{log};
   FakeRegional regional;
   FakeRegistry registry;
-  FakeWindowList windows{files.log};
-  Platform platform{files, messageBoxes, process, regional, registry, UntoldWork::Instance(), windows};
+  FakeWindowList systemWindows{log};
+  Platform platform{files, boxes, process, regional, registry, UntoldWork::Instance(), systemWindows};
 };
 
 }  // namespace zq::test
