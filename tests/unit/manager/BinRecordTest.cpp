@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "manager/BinRecord.h"
-#include "unit/manager/BinBytes.h"
+#include "support/BinBytes.h"
 
 namespace zq::test {
 namespace {

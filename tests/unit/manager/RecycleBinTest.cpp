@@ -5,9 +5,9 @@
 
 #include "manager/RecycleBin.h"
 #include "platform/Drives.h"
+#include "support/BinBytes.h"
 #include "support/fakes/FakeDrives.h"
 #include "support/fakes/FakePlatform.h"
-#include "unit/manager/BinBytes.h"
 
 namespace zq::test {
 namespace {
