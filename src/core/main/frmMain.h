@@ -35,6 +35,8 @@
 
 namespace zq {
 
+class Help;
+
 class frmMain final : public Form,
                       public MainWindow,
                       private JobListView,
@@ -44,7 +46,8 @@ class frmMain final : public Form,
                       private IconPainter {
  public:
   // `SFD1` stands for the engine; tests pass one of their own.
-  frmMain(AppState& state, Platform& platform);
+  // `help` may be null: the Help menu's commands then do nothing.
+  frmMain(AppState& state, Platform& platform, Help* help = nullptr);
 
   void Show() override;
   void Hide() override { Form::Hide(); }
