@@ -24,7 +24,7 @@ packages_of() {
       ;;
     test)
       printf '%s\n' googletest clang libclang-rt-dev clang-format clang-tidy cppcheck shellcheck \
-        imagemagick icoutils librsvg2-bin python3 ghostscript unrtf
+        imagemagick icoutils librsvg2-bin python3 ghostscript unrtf fp-utils
       # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
       printf '%s\n' e2fsprogs ntfs-3g xfsprogs btrfs-progs dosfstools fuse-overlayfs procps sleuthkit testdisk \
         secure-delete wipe

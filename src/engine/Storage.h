@@ -20,4 +20,8 @@ struct StorageInfo {
   bool ChoosesPlaces() const { return kind == Kind::Unknown || kind == Kind::Flash; }
 };
 
+// Whether a disk of this model is one that a virtual machine is shown: what it says of itself isn't what lies
+// beneath.
+bool IsMadeUp(const std::string& model);
+
 }  // namespace zq::engine

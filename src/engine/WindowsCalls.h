@@ -72,6 +72,9 @@ inline constexpr std::uint32_t kGetRetrievalPointers = 0x00090073;
 inline constexpr std::uint32_t kMarkHandle = 0x000900FC;
 inline constexpr std::uint32_t kGetExternalBacking = 0x00090310;
 inline constexpr std::uint32_t kQueryAllocatedRanges = 0x000940CF;
+inline constexpr std::uint32_t kFileLevelTrim = 0x00098208;
+inline constexpr std::uint32_t kStorageQueryProperty = 0x002D1400;
+inline constexpr std::uint32_t kGetVolumeDiskExtents = 0x00560000;
 
 // How a file is opened, in Windows' own values.
 struct Opening {

@@ -14,6 +14,7 @@ struct Volume {
   std::string fileSystem;   // as the system names it: "NTFS". Empty: not told
   std::uint32_t flags = 0;  // GetVolumeInformation's
   std::wstring root;
+  std::wstring device;  // by which the volume itself is opened. Empty: not known
   bool isRemote = false;
   // A drive of this machine, whose flush of one file is a flush of the device.
   bool flushesAtOnce = false;

@@ -41,6 +41,8 @@ static_assert(kAttributeEncrypted == FILE_ATTRIBUTE_ENCRYPTED);
 static_assert(kPathForms[1] == VOLUME_NAME_NT && kPathForms[2] == FILE_NAME_OPENED);
 static_assert(kGetRetrievalPointers == FSCTL_GET_RETRIEVAL_POINTERS && kMarkHandle == FSCTL_MARK_HANDLE);
 static_assert(kQueryAllocatedRanges == FSCTL_QUERY_ALLOCATED_RANGES);
+static_assert(kStorageQueryProperty == IOCTL_STORAGE_QUERY_PROPERTY);
+static_assert(kGetVolumeDiskExtents == IOCTL_VOLUME_GET_VOLUME_DISK_EXTENTS);
 
 Code CodeIf(BOOL failed) {
   return failed != 0 ? ::GetLastError() : kSuccess;

@@ -1,5 +1,6 @@
 #include "engine/file_win32.h"
 
+#include "engine/WindowsStorage.h"
 #include "engine/entries_win32.h"
 #include "engine/transfers_win32.h"
 
@@ -152,6 +153,12 @@ Status WindowsFile::FlushEntry() {
 
 Status WindowsFile::Remove() {
   return RemoveEntry(*place_.calls, opened_.handle, Path(), opened_.wasReadOnly && names_ > 1);
+}
+
+Status WindowsFile::Trim() {
+  LARGE_INTEGER length{};
+  if (::GetFileSizeEx(opened_.handle, &length) == 0) return LastError();
+  return TrimFile(*place_.calls, opened_.handle, static_cast<std::uint64_t>(length.QuadPart));
 }
 
 }  // namespace zq::engine::win32

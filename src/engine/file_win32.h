@@ -57,6 +57,7 @@ class WindowsFile final : public File {
   // The file's own flush writes the log of its volume, and so its entry.
   Status FlushEntry() override;
   Status Remove() override;
+  Status Trim() override;
 
   HANDLE Handle() const { return opened_.handle; }
   bool IsDirect() const { return opened_.direct; }

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "engine/WindowsStorage.h"
 #include "engine/entries_win32.h"
 #include "engine/file_win32.h"
 #include "engine/paths_win32.h"
@@ -94,10 +95,7 @@ class WindowsFolder final : public Folder {
 
   // The valid part of the master file table.
   bool RecordTable(std::uint64_t& bytes) override {
-    const std::wstring& root = place_.volume->root;
-    std::wstring volume = root.substr(0, root.find_last_not_of(L'\\') + 1);
-    if (volume.starts_with(L"\\\\?\\")) volume[2] = L'.';
-    const UniqueHandle handle(::CreateFileW(volume.c_str(), FILE_READ_ATTRIBUTES | SYNCHRONIZE,
+    const UniqueHandle handle(::CreateFileW(place_.volume->device.c_str(), FILE_READ_ATTRIBUTES | SYNCHRONIZE,
                                             FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0,
                                             nullptr));
     NTFS_VOLUME_DATA_BUFFER data{};
@@ -109,6 +107,8 @@ class WindowsFolder final : public Folder {
     bytes = static_cast<std::uint64_t>(data.MftValidDataLength.QuadPart);
     return true;
   }
+
+  void Storage(StorageInfo& storage) override { storage = StorageOf(*place_.calls, *place_.volume); }
 
   Status OpenFolder(const std::string& name, std::unique_ptr<Folder>& folder) override {
     std::wstring wide;

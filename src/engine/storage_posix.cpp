@@ -80,7 +80,9 @@ class Walk {
     const std::string name = path.filename();
     const bool isVirtual = name.starts_with("vd") || name.starts_with("xvd") || name.starts_with("nbd") ||
                            name.starts_with("loop") || name.starts_with("ram") || name.starts_with("zram");
-    Take(rotational == "1" && discard == "0" && !isVirtual ? Kind::Rotating : Kind::Unknown);
+    Take(rotational == "1" && discard == "0" && !isVirtual && !IsMadeUp(Line(path / "device/model"))
+             ? Kind::Rotating
+             : Kind::Unknown);
   }
 
   // The worst of all counts; what isn't known may be as bad.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwchar>
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 namespace zq::engine::win32 {
@@ -13,6 +14,23 @@ namespace {
 bool RunsInWine() {
   const HMODULE ntdll = ::GetModuleHandleW(L"ntdll.dll");
   return ntdll != nullptr && ::GetProcAddress(ntdll, "wine_get_version") != nullptr;
+}
+
+// The name by which the volume at `root`, a drive or a folder that it is mounted in, is opened itself.
+std::wstring DeviceAt(const std::wstring& root) {
+  constexpr DWORD kLongestName = 50;  // "\\\\?\\Volume{GUID}\\"
+  wchar_t name[kLongestName] = L"";
+  std::wstring device;
+  if (::GetVolumeNameForVolumeMountPointW(root.c_str(), name, kLongestName) != 0) {
+    device = name;
+  } else {
+    const std::wstring_view plain =
+        std::wstring_view(root).starts_with(L"\\\\?\\") ? std::wstring_view(root).substr(4) : root;
+    if (plain.size() == 3 && plain[1] == L':') device = L"\\\\.\\" + std::wstring(plain);
+  }
+  // With a backslash at its end it would be the root folder.
+  while (!device.empty() && device.back() == L'\\') device.pop_back();
+  return device;
 }
 
 }  // namespace
@@ -43,6 +61,7 @@ Status LookAtVolume(const std::wstring& path, Volume& volume) {
   volume.isRemote = kind == DRIVE_REMOTE;
   volume.flushesAtOnce = (kind == DRIVE_FIXED || kind == DRIVE_REMOVABLE) && !RunsInWine();
   volume.mayBackExternally = MayBackExternally(volume);
+  volume.device = DeviceAt(root);
   volume.root = std::move(root);
   return {};
 }

@@ -8,7 +8,7 @@ here=$(cd -- "$(dirname -- "${BASH_SOURCE[0]}")" && pwd)
 narrow_names() {
   # SendMessageA; LOGFONTA, LVM_INSERTCOLUMNA: an A behind a whole word, other than of the words that end so.
   (cd -- "$1" && grep -rnoP --include='*.h' --include='*.cpp' \
-    '\b[A-Z]\w*[a-z0-9]A\b|\b(?!\w*(DATA|DELTA|AREA|ALPHA|BGRA|RGBA)\b)[A-Z][A-Z0-9_]*[A-Z0-9]A\b' . || true) |
+    '\b[A-Z]\w*[a-z0-9]A\b|\b(?!(ATA|\w*(DATA|DELTA|AREA|ALPHA|BGRA|RGBA))\b)[A-Z][A-Z0-9_]*[A-Z0-9]A\b' . || true) |
     sed 's|^\./||' | LC_ALL=C sort
 }
 
@@ -36,6 +36,7 @@ expect 'TB_ADDBUTTONSA' TB_ADDBUTTONSA
 expect 'WIN32_FIND_DATAA entry;' WIN32_FIND_DATAA
 expect '::SendMessageW(window, TB_ADDBUTTONSW, 0, 0);' ''
 expect 'GWLP_USERDATA, WHEEL_DELTA, AC_SRC_ALPHA, SPI_GETWORKAREA, ERROR_MORE_DATA, WIN32_FILE_ATTRIBUTE_DATA' ''
+expect 'vendor == "ATA"' ''
 expect 'constexpr int kA = 1; std::vector<A> all;' ''
 
 # --- Our own tree ---

@@ -82,7 +82,7 @@ std::string CellOf(const JobRow& row, int column) {
 
 }  // namespace
 
-frmMain::frmMain(AppState& state, Platform& platform)
+frmMain::frmMain(AppState& state, Platform& platform, Help* help)
     : Form(IDD_frmMain),
       state_(state),
       platform_(platform),
@@ -109,7 +109,8 @@ frmMain::frmMain(AppState& state, Platform& platform)
                  .mainWindow = *this,
                  .folderDialog = *this,
                  .windows = *this,
-                 .reportViewer = &reportWindow_}) {
+                 .reportViewer = &reportWindow_,
+                 .help = help}) {
   jobWipe_.SetEngine(&SFD1, &SFD1);
   freeSpaceWipe_.SetEngine(&SFD1);
   jobList_.SetView(this);

@@ -36,6 +36,8 @@
 
 namespace zq {
 
+class Help;
+
 class frmMain final : public Form,
                       public MainWindow,
                       private JobListView,
@@ -45,7 +47,8 @@ class frmMain final : public Form,
                       private IconPainter {
  public:
   // `SFD1` stands for the engine; tests pass one of their own.
-  frmMain(AppState& state, Platform& platform);
+  // `help` may be null: the Help menu's commands then do nothing.
+  frmMain(AppState& state, Platform& platform, Help* help = nullptr);
 
   void Show() override;
   void Hide() override { Form::Hide(); }

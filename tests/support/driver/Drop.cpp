@@ -107,13 +107,20 @@ void Carry(POINT from, POINT to, Source& source) {
     StepMouseTo({from.x + (to.x - from.x) * step / kSteps, from.y + (to.y - from.y) * step / kSteps});
     Await("the drag to go on", [&] { return source.asked > before; });
   }
-  // The target's answer to the last step; one that takes nothing stays at none. The pointer trembles
-  // meanwhile, since an answer is asked for at a move alone.
+  // The target's answer at the place; one that takes nothing stays at none. The pointer trembles meanwhile,
+  // since an answer is asked for at a move alone. The screen reports moves late, and one of the way may come
+  // after all of them: so the same answer is waited for several times, or the files would fall beside the
+  // target.
+  constexpr int kSame = 8;
+  int same = 0;
   int tremble = 0;
   WaitFor(
       [&] {
+        const int before = source.asked;
         StepMouseTo({to.x + (++tremble & 1), to.y});
-        return source.effect != DROPEFFECT_NONE;
+        Await("the drag to go on", [&] { return source.asked > before; });
+        same = source.effect == DROPEFFECT_NONE ? 0 : same + 1;
+        return same == kSame;
       },
       Limit(4000));
   Mouse(MOUSEEVENTF_LEFTUP);

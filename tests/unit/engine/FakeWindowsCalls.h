@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -37,15 +38,20 @@ class FakeWindowsCalls final : public win32::WindowsCalls {
   std::vector<std::vector<std::array<std::int64_t, 2>>> ranges;  // the same of kQueryAllocatedRanges
   Code rangesEndWith = win32::kSuccess;
   Code markFails = win32::kSuccess;
+  // All other control codes: fills the answer, and returns how it ended.
+  std::function<Code(std::uint32_t control, std::span<const std::byte> input, std::vector<std::byte>& answer)>
+      otherControls;
 
   // --- what it looks at ---
   std::vector<std::string> story;
   std::chrono::milliseconds waited{0};
   int open = 0;
   win32::Opening lastOpening;
+  std::wstring lastPath;
   std::vector<std::byte> lastMark;
 
-  Code Open(const std::wstring&, const win32::Opening& how, SystemHandle& handle) override {
+  Code Open(const std::wstring& path, const win32::Opening& how, SystemHandle& handle) override {
+    lastPath = path;
     return OpenAs(how.disposition == win32::kCreateNew ? "create" : "open", how, handle);
   }
   Code Reopen(SystemHandle, const win32::Opening& how, SystemHandle& again) override {
@@ -96,6 +102,7 @@ class FakeWindowsCalls final : public win32::WindowsCalls {
       case win32::kQueryAllocatedRanges:
         return Ranges(output, gotBytes);
       default:
+        if (otherControls) return Other(control, input, output, gotBytes);
         ADD_FAILURE() << "control code " << control;
         return win32::kInvalidFunction;
     }
@@ -114,6 +121,14 @@ class FakeWindowsCalls final : public win32::WindowsCalls {
   }
 
  private:
+  Code Other(std::uint32_t control, std::span<const std::byte> input, std::span<std::byte> output,
+             std::size_t& gotBytes) {
+    std::vector<std::byte> answer;
+    const Code code = otherControls(control, input, answer);
+    gotBytes = std::min(answer.size(), output.size());
+    std::copy_n(answer.begin(), gotBytes, output.begin());
+    return code;
+  }
   static Code Next(std::vector<Code>& codes) {
     if (codes.empty()) return win32::kSuccess;
     const Code code = codes.front();

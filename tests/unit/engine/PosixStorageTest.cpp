@@ -94,6 +94,8 @@ TEST_F(PosixStorage, DoesNotBelieveTheDisksOfAVirtualMachine) {
     EXPECT_EQ(Of(kDisk).kind, Kind::Unknown);
     fs::remove_all(scratch_ / "dev");
   }
+  Name(Add("sda", kDisk, "1", "0"), "QEMU HARDDISK", "1");
+  EXPECT_EQ(Of(kDisk).kind, Kind::Unknown);
 }
 
 TEST_F(PosixStorage, CountsTheWorstDiskOfSeveral) {
