@@ -18,6 +18,7 @@ done
 # Made before the tests start, since the first of them would need its time for it.
 scripts/prefix.sh create test >/dev/null
 
+export ZQ_FAILURES_ONLY=1
 # One run over all the trees gives one summary.
 mkdir -p build/all
 for tree in "${trees[@]}"; do

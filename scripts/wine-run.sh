@@ -10,11 +10,23 @@
 # ZQ_PREFIX_OPTIONS (see prefix.sh).
 # ZQ_PICTURES is a folder of this machine for the pictures that the program takes; the program sees
 # a folder of its own under that name, whose pictures are moved. Else they go to build/pictures.
+# With ZQ_FAILURES_ONLY set, what GoogleTest prints of tests that passed is left out: the rest is short enough to be
+# read in any log, and of a program that ended early it still names the test.
 # Exit code 97: the cage is open, and nothing was run; 96: the prefix has small drives, for which this system
 # allows no mount name space.
 set -euo pipefail
 # shellcheck source=scripts/cage.sh
 source "$(dirname -- "${BASH_SOURCE[0]}")/cage.sh"
+
+leave_out_passed() {
+  awk '
+    /^\[ RUN      \]/ { begun = $0; next }
+    /^\[       OK \]/ { begun = ""; next }
+    /^\[----------\]/ { next }
+    begun != "" { print begun; begun = "" }
+    { print }
+    END { if (begun != "") print begun }'
+}
 
 (($# >= 1)) || { sed -n '2,3s/^# //p' "${BASH_SOURCE[0]}" >&2; exit 2; }
 program=$(realpath -e -- "$1")
@@ -45,8 +57,14 @@ fi
 pictures=${ZQ_PICTURES:-$cage_repo/build/pictures/$name}
 mkdir -- "$folder/pictures"
 status=0
-ZQ_PICTURES="C:\\run\\${folder##*/}\\pictures" \
-  cage_exec "$prefix" "$folder" wine "$name.exe" "$@" || status=$?
+run() {
+  ZQ_PICTURES="C:\\run\\${folder##*/}\\pictures" cage_exec "$prefix" "$folder" wine "$name.exe" "$@"
+}
+if [[ -n ${ZQ_FAILURES_ONLY:-} ]]; then
+  run "$@" | leave_out_passed || status=$?
+else
+  run "$@" || status=$?
+fi
 
 if [[ -n $(ls -A -- "$folder/pictures" 2>/dev/null) ]]; then
   mkdir -p -- "$pictures"

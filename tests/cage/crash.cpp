@@ -1,4 +1,5 @@
-// A program that ends as it is told to: `crash` by a fault, `fill` after filling drive D:, else with 3.
+// A program that ends as it is told to: `crash` by a fault in the second of two tests, `fill` after filling
+// drive D:, else with 3.
 #include <windows.h>
 
 #include <cstdio>
@@ -28,6 +29,8 @@ unsigned long long FillDrive() {
 
 int main(int argc, char** argv) {
   if (argc > 1 && std::strcmp(argv[1], "crash") == 0) {
+    std::puts("[ RUN      ] Two.First\n[       OK ] Two.First (0 ms)\n[ RUN      ] Two.Second");
+    std::fflush(stdout);
     int* volatile nowhere = nullptr;
     *nowhere = 1;
   }

@@ -117,14 +117,8 @@ void MainWindow::WaitJobTools(bool enabled) const {
 
 Window MainWindow::OpenMenu(WORD menuKey) const {
   window.WaitEnabled();  // keys are lost on a window that still has a modal one
-  // Wine rarely loses a key that comes just after another window has gone: pressed again, as a user would.
-  constexpr int kPresses = 3;
-  const auto isOpen = [&] { return static_cast<bool>(FindMenu(*program_)); };
-  for (int press = 0; press < kPresses && !isOpen(); ++press) {
-    TypeKey(window, menuKey, {VK_MENU});
-    WaitFor(isOpen, Limit(7000));
-  }
-  if (!isOpen()) throw DriverError("no menu; there is " + program_->Describe());
+  TypeKey(window, menuKey, {VK_MENU});
+  Await("a menu", [&] { return static_cast<bool>(FindMenu(*program_)); });
   return FindMenu(*program_);
 }
 

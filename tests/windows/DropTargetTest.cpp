@@ -5,6 +5,8 @@
 #include <ole2.h>
 #include <shlobj.h>
 
+#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -64,6 +66,14 @@ class Drawer final : public IDropTargetHelper, public IClassFactory {
   void Add(const char* call, DWORD effect) { calls.push_back(call + (" " + std::to_string(effect))); }
 };
 
+// What came of the last time that the pointer was over the window: on its way it may touch the window, leave
+// it and come again, since the screen reports its moves late.
+std::vector<std::string> LastVisit(const std::vector<std::string>& calls, const std::string& begin) {
+  const auto isBegin = [&](const std::string& call) { return call.starts_with(begin); };
+  const auto last = std::find_if(calls.rbegin(), calls.rend(), isBegin);
+  return last == calls.rend() ? calls : std::vector<std::string>(std::prev(last.base()), calls.end());
+}
+
 TEST(DropTargetTest, TheShellDrawsWhatIsDraggedOverIt) {
   ASSERT_TRUE(SUCCEEDED(::OleInitialize(nullptr)));
   Drawer drawer;
@@ -84,7 +94,9 @@ TEST(DropTargetTest, TheShellDrawsWhatIsDraggedOverIt) {
   });
   EXPECT_THAT(dropped, ElementsAre("C:\\a.txt"));
   // The target's answer, copy, goes with each.
-  EXPECT_THAT(drawer.calls, ElementsAre("enter 1", "over 1", "drop 1"));
+  EXPECT_THAT(LastVisit(drawer.calls, "enter"), ElementsAre("enter 1", "over 1", "drop 1"));
+  const auto count = [&](const char* call) { return std::ranges::count(drawer.calls, call); };
+  EXPECT_EQ(count("leave"), count("enter 1") - 1) << "each visit but the last ends";
   target.Revoke();
   ::DestroyWindow(window);
   ::CoRevokeClassObject(registered);
@@ -104,7 +116,8 @@ TEST(DropTargetTest, TakesInsideTheDropAndTellsWhatIsOverIt) {
       window, [&](const DroppedPaths& paths) { told.insert(told.end(), paths.begin(), paths.end()); },
       DropTarget::When::Inside);
   EXPECT_EQ(DragFilesTo({300, 300}, {"C:\\a.txt", "C:\\ä.txt"}), static_cast<DWORD>(DROPEFFECT_COPY));
-  EXPECT_THAT(told, ElementsAre("over", "off", "C:\\a.txt", "C:\\ä.txt"));
+  EXPECT_THAT(LastVisit(told, "over"), ElementsAre("over", "off", "C:\\a.txt", "C:\\ä.txt"));
+  EXPECT_EQ(std::ranges::count(told, "off"), std::ranges::count(told, "over")) << "no visit is left open";
   told.clear();
   target.SetAccepting(false);
   EXPECT_EQ(DragFilesTo({300, 300}, {"C:\\a.txt"}), static_cast<DWORD>(DROPEFFECT_NONE));

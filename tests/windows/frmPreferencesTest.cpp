@@ -4,9 +4,9 @@
 
 #include "Driving.h"
 #include "core/state/AppState.h"
-#include "core/state/Help.h"
 #include "preferences/frmPreferences.h"
 #include "support/driver/Driver.h"
+#include "support/fakes/FakeHelp.h"
 #include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 
@@ -17,12 +17,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
-
-struct FakeHelp final : Help {
-  void ShowTopic(int topicId) override { topics.push_back(topicId); }
-  void ShowContents() override { ADD_FAILURE() << "a button asked for the contents"; }
-  std::vector<int> topics;
-};
 
 // The tabs' own controls, in their order.
 const std::vector<int> kPages[] = {
@@ -90,7 +84,8 @@ class frmPreferencesTest : public testing::Test {
   FakePlatform fake_;
   EventLog& log_ = fake_.files.log;
   FakeMainWindow mainWindow_{log_};
-  FakeHelp help_;
+  EventLog asked_;
+  FakeHelp help_{asked_};
   AppState state_;
 };
 
@@ -335,7 +330,7 @@ TEST_F(frmPreferencesTest, TickingTheManagerAsksNothingBeforeOk) {
 
 TEST_F(frmPreferencesTest, HelpAsksForItsTopicAndLeavesTheDialogOpen) {
   Press(Open(), IDC_frmPreferences_cmdHelp);
-  EXPECT_THAT(help_.topics, ElementsAre(11));
+  EXPECT_THAT(asked_, ElementsAre("help: topic 11"));
   EXPECT_TRUE(Default<frmPreferences>::IsLoaded());
   EXPECT_THAT(log_, Not(Contains("record C:\\Zeroquill\\Settings.dat")));
 }

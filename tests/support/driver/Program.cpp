@@ -18,9 +18,16 @@ Program::Program(const std::string& path, const std::string& arguments) {
   STARTUPINFOW startup{};
   startup.cb = sizeof startup;
   PROCESS_INFORMATION info{};
-  if (::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
-                       folder.c_str(), &startup, &info) == 0) {
-    const DWORD error = ::GetLastError();
+  const auto start = [&]() -> DWORD {
+    return ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
+                            folder.c_str(), &startup, &info) != 0
+               ? ERROR_SUCCESS
+               : ::GetLastError();
+  };
+  DWORD error = start();
+  // On a busy machine Wine sometimes loses a process before its first instruction, and says so by this error.
+  for (int again = 0; again < 3 && error == ERROR_INTERNAL_ERROR; ++again) error = start();
+  if (error != ERROR_SUCCESS) {
     ::CloseHandle(job_);
     throw DriverError("can't start " + path + ", error " + std::to_string(error));
   }

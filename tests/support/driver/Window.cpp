@@ -266,10 +266,24 @@ void ParkMouse() {
   Window(::GetDesktopWindow()).Send(WM_NULL);  // it has heard by then that the pointer is there
 }
 
+// The X server tells which keys are down with each change of its focus, too. The window hears it in its own
+// time: so all that the server has to say is waited for, by questions that it answers in its turn (its
+// pixels), and by messages between which the window takes what has come.
+void LetItHear(Window window) {
+  constexpr int kTurns = 3;
+  HDC screen = ::GetDC(nullptr);
+  for (int turn = 0; turn < kTurns; ++turn) {
+    ::GetPixel(screen, 0, 0);
+    window.Send(WM_NULL);
+  }
+  ::ReleaseDC(nullptr, screen);
+}
+
 void TypeInFront(Window window, std::vector<INPUT>&& inputs) {
   ::SetForegroundWindow(window.Handle());
   Await("the front place of " + window.Describe() + ", with the focus",
         [&] { return ::GetForegroundWindow() == window.Handle() && window.HoldsFocus(); });
+  LetItHear(window);
   const auto count = static_cast<UINT>(inputs.size());
   if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw DriverError("can't type a key");
 }
