@@ -9,7 +9,8 @@ foreach(target IN ITEMS Zeroquill ZQExMan zqwipe)
   endif()
 endforeach()
 
-install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION . COMPONENT program)
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/resources/help/Zeroquill.chm
+  DESTINATION . COMPONENT program)
 if(TARGET zqwipe)
   install(FILES ${PROJECT_SOURCE_DIR}/src/cli/CLI11-LICENSE.txt DESTINATION . COMPONENT program)
 endif()

@@ -24,7 +24,7 @@ packages_of() {
       ;;
     test)
       printf '%s\n' googletest clang libclang-rt-dev clang-format clang-tidy cppcheck shellcheck \
-        imagemagick icoutils librsvg2-bin python3 ghostscript unrtf
+        imagemagick icoutils librsvg2-bin python3 ghostscript unrtf fp-utils
       # Wipes on real file systems: the file systems, those who search them, the tools to compare with.
       printf '%s\n' e2fsprogs ntfs-3g xfsprogs btrfs-progs dosfstools fuse-overlayfs procps sleuthkit testdisk \
         secure-delete wipe
@@ -65,7 +65,7 @@ need_packages() {
       [build]="cmake ninja x86_64-w64-mingw32-g++-posix x86_64-w64-mingw32-windres"
       [build-native]="cmake ninja g++"
       [run]="wine wineserver Xvfb unshare nsenter"
-      [test]="clang++ clang-format clang-tidy cppcheck shellcheck"
+      [test]="clang++ clang-format clang-tidy cppcheck shellcheck chmcmd chmls"
       [bench]="wipe srm scrub fio strace perl")
     local tool absent=""
     for set in "$@"; do

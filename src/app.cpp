@@ -13,6 +13,9 @@
 #include "controls/SystemLongWork.h"
 #include "core/main/frmMain.h"
 #include "core/state/DataFolder.h"
+#include "help/HelpFrontEnd.h"
+#include "help/HelpMachine_win32.h"
+#include "help/HelpViewer_win32.h"
 #include "jobs/frmEdit.h"
 #include "jobs/frmFolder.h"
 #include "jobs/frmNew.h"
@@ -25,6 +28,8 @@
 #include "platform/win32/Win32Process.h"
 #include "platform/win32/Win32Regional.h"
 #include "platform/win32/Win32Registry.h"
+#include "platform/win32/Win32Shell.h"
+#include "platform/win32/Win32ShellDrops.h"
 #include "platform/win32/Win32WindowList.h"
 #include "preferences/frmPreferences.h"
 #include "quickbin/frmQuick.h"
@@ -38,6 +43,18 @@
 namespace zq {
 namespace {
 
+// What the help works on.
+struct HelpMachine {
+  Win32HelpViewer viewer;
+  Win32HelpDesktop desktop;
+  Win32HelpBoxes boxes;
+  Win32HelpFileSearch files;
+  Win32HelpRegistry registry;
+  Win32FileVersions versions;
+  Win32SystemVersion system;
+  Win32Shell shell;
+};
+
 // Everything that lives as long as the process. The process ends by ExitProcess, from the main window.
 struct Program {
   AppState state;
@@ -50,8 +67,23 @@ struct Program {
     return Default<frmMain>::IsLoaded() ? static_cast<Form&>(Default<frmMain>::Touch()).Handle() : nullptr;
   }};
   Win32WindowList windows;
-  Platform platform{files, messageBoxes, process, regional, registry, longWork, windows};
+  Win32ShellDrops shellDrops;
+  Platform platform{files, messageBoxes, process, regional, registry, longWork, windows, shellDrops};
   Win32Drives drives;
+  HelpMachine helpMachine;
+  HelpFrontEnd help{state,
+                    files,
+                    messageBoxes,
+                    helpMachine.shell,
+                    {.viewer = helpMachine.viewer,
+                     .desktop = helpMachine.desktop,
+                     .boxes = helpMachine.boxes,
+                     .files = helpMachine.files,
+                     .registry = helpMachine.registry,
+                     .versions = helpMachine.versions,
+                     .system = helpMachine.system,
+                     .process = process,
+                     .regional = regional}};
 };
 
 // A wipe of free space that was killed may have left its fillers. Not by the second instance: the wipe may be
@@ -69,12 +101,13 @@ void TellForms(Program& program) {
     });
   });
   Default<frmMain>::SetFactory(
-      [&program] { return std::make_unique<frmMain>(program.state, program.platform); });
+      [&program] { return std::make_unique<frmMain>(program.state, program.platform, &program.help); });
   Default<frmStatus>::SetFactory([&program] {
     return std::make_unique<frmStatus>(program.state, program.platform, Default<frmMain>::Touch().Driver());
   });
-  Default<frmDriveWipe>::SetFactory(
-      [&program] { return std::make_unique<frmDriveWipe>(program.state, program.platform, program.drives); });
+  Default<frmDriveWipe>::SetFactory([&program] {
+    return std::make_unique<frmDriveWipe>(program.state, program.platform, program.drives, &program.help);
+  });
   Default<frmSpaceStatus>::SetFactory([&program] {
     return std::make_unique<frmSpaceStatus>(program.state, program.platform,
                                             Default<frmMain>::Touch().FreeSpaceDriver());
@@ -82,7 +115,8 @@ void TellForms(Program& program) {
   Default<frmPrintReport>::SetFactory(
       [&program] { return std::make_unique<frmPrintReport>(program.state, program.platform); });
   Default<frmFolder>::SetFactory([&program] {
-    return std::make_unique<frmFolder>(program.state, program.platform, Default<frmMain>::Touch().Jobs());
+    return std::make_unique<frmFolder>(program.state, program.platform, Default<frmMain>::Touch().Jobs(),
+                                       &program.help);
   });
   Default<frmEdit>::SetFactory([&program] {
     return std::make_unique<frmEdit>(program.state, program.platform, Default<frmMain>::Touch().Jobs());
@@ -91,9 +125,10 @@ void TellForms(Program& program) {
   Default<frmSave>::SetFactory(
       [&program] { return std::make_unique<frmSave>(program.state, program.platform); });
   Default<frmOpenJob>::SetFactory(
-      [&program] { return std::make_unique<frmOpenJob>(program.state, program.platform); });
+      [&program] { return std::make_unique<frmOpenJob>(program.state, program.platform, &program.help); });
   Default<frmPreferences>::SetFactory([&program] {
-    return std::make_unique<frmPreferences>(program.state, program.platform, Default<frmMain>::Touch());
+    return std::make_unique<frmPreferences>(program.state, program.platform, Default<frmMain>::Touch(),
+                                            &program.help);
   });
   Default<frmQuick>::SetFactory([&program] {
     frmMain& main = Default<frmMain>::Touch();

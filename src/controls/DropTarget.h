@@ -4,13 +4,10 @@
 #include <windows.h>
 
 #include <functional>
-#include <string>
-#include <vector>
+
+#include "controls/DroppedPaths.h"
 
 namespace zq {
-
-// Paths in the shell's order.
-using DroppedPaths = std::vector<std::string>;
 
 // Takes the drops on a window while it is registered. Needs OLE on this thread.
 class DropTarget {

@@ -4,6 +4,7 @@
 #include "platform/Files.h"
 #include "platform/MessageBoxes.h"
 #include "platform/RunTimeError.h"
+#include "platform/Shell.h"
 
 namespace zq {
 namespace {
@@ -42,6 +43,11 @@ void HelpFrontEnd::ShowTopic(int topicId) {
 
 void HelpFrontEnd::ShowContents() {
   if (HelpFileExists()) ReadyObject().HHDisplayContents();
+}
+
+// The two texts are what the shell has always been given; a page has a use for neither.
+void HelpFrontEnd::ShowWebPage() {
+  shell_.Execute({.verb = "open", .file = kWebPage, .parameters = "0", .directory = "0"});
 }
 
 // The shared object, set anew: nothing depends on what the display before left in it.

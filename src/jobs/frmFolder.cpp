@@ -1,13 +1,14 @@
 #include "jobs/frmFolder.h"
 
+#include "core/state/Help.h"
 #include "jobs/FileMask.h"
 #include "jobs/JobList.h"
 #include "platform/MessageBoxes.h"
 
 namespace zq {
 
-frmFolder::frmFolder(AppState& state, Platform& platform, JobList& jobList)
-    : Form(IDD_frmFolder), state_(state), platform_(platform), jobList_(jobList) {
+frmFolder::frmFolder(AppState& state, Platform& platform, JobList& jobList, Help* help)
+    : Form(IDD_frmFolder), state_(state), platform_(platform), jobList_(jobList), help_(help) {
   FT1.SelectionChange = [this](const std::string& text, const std::string& fullPath) {
     FT1_SelectionChange(text, fullPath);
   };
@@ -53,6 +54,7 @@ void frmFolder::cmdOK_Click() {
 void frmFolder::cmdHelp_Click() {
   // Or the help window would be hidden behind this one. It isn't raised again.
   DropToNormalLevel();
+  if (help_) help_->ShowTopic(kHelpOnFolder);
 }
 
 }  // namespace zq

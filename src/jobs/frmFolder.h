@@ -12,11 +12,13 @@
 
 namespace zq {
 
+class Help;
 class JobList;
 
 class frmFolder final : public Form {
  public:
-  frmFolder(AppState& state, Platform& platform, JobList& jobList);
+  // `help` may be null: the Help button then shows none.
+  frmFolder(AppState& state, Platform& platform, JobList& jobList, Help* help = nullptr);
 
   FolderTreeview FT1{*this, IDC_frmFolder_FT1};
 
@@ -38,6 +40,7 @@ class frmFolder final : public Form {
   AppState& state_;
   Platform& platform_;
   JobList& jobList_;
+  Help* help_;
   std::string FolderPath;  // of the last node that carries one
 };
 

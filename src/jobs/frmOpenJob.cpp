@@ -1,6 +1,7 @@
 #include "jobs/frmOpenJob.h"
 
 #include "core/state/DataFolder.h"
+#include "core/state/Help.h"
 #include "jobs/JobLifecycle.h"
 #include "platform/Regional.h"
 
@@ -14,8 +15,8 @@ constexpr ListColumn kColumns[] = {
 
 }  // namespace
 
-frmOpenJob::frmOpenJob(AppState& state, Platform& platform)
-    : Form(IDD_frmOpenJob), state_(state), platform_(platform) {
+frmOpenJob::frmOpenJob(AppState& state, Platform& platform, Help* help)
+    : Form(IDD_frmOpenJob), state_(state), platform_(platform), help_(help) {
   CloseOnEsc();
   ListView1.CellText = [this](int row, int column) {
     const SavedJob& job = jobs_.at(static_cast<std::size_t>(row - 1));
@@ -29,6 +30,7 @@ frmOpenJob::frmOpenJob(AppState& state, Platform& platform)
   ListView1.DblClick = [this] { ListView1_DblClick(); };
   cmdOK.Click = [this] { cmdOK_Click(); };
   cmdCancel.Click = [this] { Unload(); };
+  cmdHelp.Click = [this] { cmdHelp_Click(); };
 }
 
 void frmOpenJob::Load() {
@@ -81,6 +83,10 @@ void frmOpenJob::ListView1_DblClick() {
 void frmOpenJob::cmdOK_Click() {
   ChooseSavedJob(state_, jobs_.at(static_cast<std::size_t>(ListView1.SelectedRow() - 1)).name);
   Unload();
+}
+
+void frmOpenJob::cmdHelp_Click() {
+  if (help_) help_->ShowTopic(kHelpOnOpenJob);
 }
 
 }  // namespace zq

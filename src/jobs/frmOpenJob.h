@@ -15,9 +15,12 @@
 
 namespace zq {
 
+class Help;
+
 class frmOpenJob final : public Form {
  public:
-  frmOpenJob(AppState& state, Platform& platform);
+  // `help` may be null: the Help button then does nothing.
+  frmOpenJob(AppState& state, Platform& platform, Help* help = nullptr);
 
   ListView ListView1{*this, IDC_frmOpenJob_ListView1};
 
@@ -34,9 +37,11 @@ class frmOpenJob final : public Form {
   int FindJob(const std::string& prefix, int start) const;
   void ListView1_DblClick();
   void cmdOK_Click();
+  void cmdHelp_Click();
 
   AppState& state_;
   Platform& platform_;
+  Help* help_;
   ImageList ImageList1;
   std::vector<SavedJob> jobs_;  // the rows
 };

@@ -35,9 +35,6 @@ constexpr const char* kCancelled =
     "the report for more details.";
 constexpr const char* kNoPlaceToWipe =
     "It lies neither on a drive with a letter nor in a share of a server, and was not touched.";
-constexpr const char* kReasonToStay =
-    "Files are being wiped.  What is in work would be left half done.  Cancel the wipe operation first, or "
-    "let it come to its end.";
 constexpr const char* kReviewReport = "Do you wish to review the report for the current operation?";
 constexpr const char* kCancelLine =
     "User cancelled wipe operation.  Listed items may or may not have finished processing.";
@@ -97,7 +94,7 @@ void JobWipe::RunJobWipe() {
 
 // From the hidden main window to the report.
 void JobWipe::DoWork() {
-  const LongWorkScope work(platform_.longWork, kReasonToStay);
+  const LongWorkScope work(platform_.longWork, kFilesReasonToStay);
   // Before the main window goes: a program without a window loses the front to another one.
   statusWindow_.Show();
   mainWindow_.Hide();

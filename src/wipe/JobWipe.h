@@ -8,6 +8,7 @@
 #include "platform/Platform.h"
 #include "reports/ReportViewer.h"
 #include "wipe/SecureFileDeleteWizard.h"
+#include "wipe/WipeProgress.h"
 
 namespace zq {
 
@@ -15,10 +16,9 @@ struct AppState;
 struct JobRow;
 class JobList;
 class MainWindow;
-class WipeStatusWindow;
 
 // The driver and the handlers of the engine's events that serve it.
-class JobWipe final : public WipeEvents {
+class JobWipe final : public WipeEvents, public CancellableWipe {
  public:
   // `reportViewer` may be null: the closing question is asked all the same. `SFD1` is set by SetEngine before
   // a run, since the engine in turn takes this object for its events.
@@ -41,7 +41,7 @@ class JobWipe final : public WipeEvents {
   void RunJobWipe();
 
   // The user's answer to a confirmed cancel: the engine stops, the driver ends after the present row.
-  void CancelOperation();
+  void CancelOperation() override;
 
   void SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, std::int32_t unused,
                          const std::string& itemName) override;

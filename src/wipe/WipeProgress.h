@@ -10,6 +10,11 @@ namespace zq {
 
 class Regional;
 
+// What the user reads who ends the session meanwhile.
+inline constexpr const char* kFilesReasonToStay =
+    "Files are being wiped.  What is in work would be left half done.  Cancel the wipe operation first, or "
+    "let it come to its end.";
+
 // The progress window as the driver and the handlers see it. A closed window isn't an error: touching
 // it brings up a fresh, hidden one.
 class WipeStatusWindow {
@@ -23,6 +28,13 @@ class WipeStatusWindow {
   virtual void SetCurrent(int percent) = 0;
   virtual void SetOverall(int percent) = 0;  // takes values beyond 100 as they come
   virtual void SetCaption(const std::string& text) = 0;
+};
+
+// A running wipe as its progress window sees it.
+class CancellableWipe {
+ public:
+  virtual ~CancellableWipe() = default;
+  virtual void CancelOperation() = 0;
 };
 
 // What a handler of the engine's WipeProgress event shows.

@@ -1,12 +1,11 @@
 #include "wipe/frmStatus.h"
 
 #include "platform/MessageBoxes.h"
-#include "wipe/JobWipe.h"
 
 namespace zq {
 
-frmStatus::frmStatus(AppState& state, Platform& platform, JobWipe& jobWipe)
-    : Form(IDD_frmStatus), state_(state), platform_(platform), jobWipe_(jobWipe) {
+frmStatus::frmStatus(AppState& state, Platform& platform, CancellableWipe& wipe)
+    : Form(IDD_frmStatus), state_(state), platform_(platform), wipe_(wipe) {
   cmdCancel.Click = [this] { cmdCancel_Click(); };
 }
 
@@ -34,7 +33,7 @@ bool frmStatus::UserConfirmsCancel() {
 void frmStatus::cmdCancel_Click() {
   // The engine stands still meanwhile: this runs inside the pump of its progress event.
   if (!UserConfirmsCancel()) return;
-  jobWipe_.CancelOperation();
+  wipe_.CancelOperation();
   Unload();
 }
 
@@ -43,7 +42,7 @@ bool frmStatus::QueryUnload(CloseReason reason) {
   // The counting pass and the report phase can't be stopped.
   if (!cmdCancel.IsEnabled()) return false;
   if (!UserConfirmsCancel()) return false;
-  jobWipe_.CancelOperation();
+  wipe_.CancelOperation();
   return true;
 }
 

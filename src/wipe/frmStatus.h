@@ -1,4 +1,4 @@
-// frmStatus: the progress window of a job wipe.
+// frmStatus: the progress window of a wipe of files and folders.
 #pragma once
 
 #include "controls/Control.h"
@@ -11,11 +11,9 @@
 
 namespace zq {
 
-class JobWipe;
-
 class frmStatus final : public Form {
  public:
-  frmStatus(AppState& state, Platform& platform, JobWipe& jobWipe);
+  frmStatus(AppState& state, Platform& platform, CancellableWipe& wipe);
 
   ProgressBarEx pbCurrent{*this, IDC_frmStatus_pbCurrent};
   ProgressBarEx pbOverall{*this, IDC_frmStatus_pbOverall};
@@ -35,7 +33,7 @@ class frmStatus final : public Form {
 
   AppState& state_;
   Platform& platform_;
-  JobWipe& jobWipe_;
+  CancellableWipe& wipe_;
 };
 
 // The window as the driver sees it: each call goes to the present instance, made afresh when there is none.

@@ -1,5 +1,5 @@
 // The preferences in the real program, and the companion that they start and shut down: the real registry,
-// and a second process with its window.
+// and a second process with its window, which is the real companion or the least that passes for one.
 #include "e2e/Zeroquill.h"
 
 namespace zq::test {
@@ -20,7 +20,7 @@ std::string RunValue() {
 }
 
 Window Manager() {
-  return Window(::FindWindowW(L"ManagerStandIn", L"ZQ Explorer Manager"));
+  return Window(::FindWindowW(nullptr, L"ZQ Explorer Manager"));
 }
 
 class PreferencesDialog : public ZeroquillTest {
@@ -31,10 +31,11 @@ class PreferencesDialog : public ZeroquillTest {
     if (const Window manager = Manager()) manager.Close();
     Await("the companion to be gone", [] { return !Manager(); });
   }
-  void PutManager() const {
+  void PutStandIn() const {
     const std::string copy = scratch_.CopyIn("zq_manager_stand_in.exe");
     WriteFileBytes(folder_ + "\\ZQExMan.exe", ReadFileBytes(copy));
   }
+  void RegisterStartRemoveAndShutDown() const;
   static Window Open(const Program& program, const MainWindow& main) {
     main.ChooseMenu('F', 'P');
     return program.WaitWindow("Preferences");
@@ -81,8 +82,7 @@ TEST_F(PreferencesDialog, AreWrittenAtOnceAndActOnTheMainWindow) {
   EXPECT_FALSE(::IsZoomed(main.window.Handle())) << "at the next start";
 }
 
-TEST_F(PreferencesDialog, RegisterStartRemoveAndShutDownTheCompanion) {
-  PutManager();
+void PreferencesDialog::RegisterStartRemoveAndShutDown() const {
   const Program program(exe_);
   const MainWindow main(program);
   Window dialog = Open(program, main);
@@ -118,7 +118,17 @@ TEST_F(PreferencesDialog, RegisterStartRemoveAndShutDownTheCompanion) {
   manager.WaitGone();
 }
 
+TEST_F(PreferencesDialog, RegisterStartRemoveAndShutDownTheCompanion) {
+  RegisterStartRemoveAndShutDown();
+}
+
+TEST_F(PreferencesDialog, RegisterStartRemoveAndShutDownWhateverHasTheCompanionsWindow) {
+  PutStandIn();
+  RegisterStartRemoveAndShutDown();
+}
+
 TEST_F(PreferencesDialog, MissingCompanionIsToldWhenItIsToBeLaunched) {
+  ASSERT_TRUE(::DeleteFileA((folder_ + "\\ZQExMan.exe").c_str()));
   const Program program(exe_);
   const MainWindow main(program);
   main.ChooseMenu('F', 'L');

@@ -29,8 +29,8 @@ expect_icon() {
     got=$(icotool --list "$pictures/ico/$name.ico" |
       sed -E 's/.*--width=([0-9]+) --height=([0-9]+) --bit-depth=([0-9]+).*/\1x\2 \3/')
     [[ $got == "$want" ]] || fail "ico/$name.ico holds" $got ", not" $want
-    grep -Eq "^(1|$name) ICON \"pictures/ico/$name\.ico\"\$" "$resources/pictures.rc" ||
-      fail "pictures.rc does not carry $name.ico"
+    grep -Eqh "^(1|$name) ICON \"pictures/ico/$name\.ico\"\$" "$resources"/*.rc ||
+      fail "no resource script carries $name.ico"
   done
 }
 
@@ -48,7 +48,7 @@ expect_png() {
 
 command -v icotool >/dev/null || { echo "pictures_test: icotool is needed" >&2; exit 1; }
 
-expect_icon '16 20 24 32 40 48 64 256' zeroquill
+expect_icon '16 20 24 32 40 48 64 256' zeroquill manager
 expect_icon '16 20 24 32' $small
 expect_icon '32 40 48 64' $large
 expect_icon '32 40 48 64 96' $decorations

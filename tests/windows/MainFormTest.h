@@ -11,6 +11,7 @@
 #include "controls/MessageLoop.h"
 #include "core/main/frmMain.h"
 #include "core/state/Settings.h"
+#include "support/fakes/FakeHelp.h"
 #include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
@@ -21,7 +22,8 @@ class MainFormTest : public testing::Test {
     fake_.files.AddFolder("C:\\Zeroquill");
     fake_.files.AddFile("C:\\Zeroquill\\sfrun.dat");
     Put({}, {.Width = 12000, .Height = 6000, .Left = 0, .Top = 0});
-    Default<frmMain>::SetFactory([this] { return std::make_unique<frmMain>(state_, fake_.platform); });
+    Default<frmMain>::SetFactory(
+        [this] { return std::make_unique<frmMain>(state_, fake_.platform, &help_); });
   }
   void TearDown() override {
     state_.QuickBinBusy = false;
@@ -61,6 +63,8 @@ class MainFormTest : public testing::Test {
   }
 
   FakePlatform fake_;
+  EventLog asked_;  // of the help
+  FakeHelp help_{asked_};
   AppState state_;
 };
 

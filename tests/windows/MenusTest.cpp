@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Drawing.h"
+#include "Driving.h"
 #include "MainFormTest.h"
 #include "core/main/CommandTable.h"
 
@@ -310,6 +311,25 @@ TEST_F(MenusTest, GreyEditByTheRowThatIsSelected) {
   EXPECT_THAT(Greyed(main), IsEmpty());
   main.Jobs().Select(0);
   EXPECT_THAT(Greyed(main), ElementsAre("mnuActionsEdit"));
+}
+
+TEST_F(MenusTest, HelpMenuLeadsToContentsAndWebPage) {
+  frmMain& main = Open();
+  main.DockStudio1.ToolClick("mnuHelpContents");
+  main.DockStudio1.ToolClick("mnuHelpWebPage");
+  EXPECT_THAT(asked_, ElementsAre("help: contents", "help: web page"));
+}
+
+// The key is a tool's. What the system makes of it besides, the request for help on a window, is let go by.
+TEST_F(MenusTest, F1ShowsTheContentsOnce) {
+  Form& main = Open();
+  PostKey(main, VK_F1);
+  EXPECT_THAT(asked_, ElementsAre("help: contents"));
+  HELPINFO info{};
+  info.cbSize = sizeof info;
+  ::SendMessageW(main.Handle(), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+  PumpMessages();
+  EXPECT_THAT(asked_, ElementsAre("help: contents"));
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 
 #include "Driving.h"
 #include "controls/MessageLoop.h"
-#include "core/state/Help.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/Win32Drives.h"
 #include "support/ExpectRaises.h"
 #include "support/driver/Driver.h"
 #include "support/fakes/FakeDrives.h"
+#include "support/fakes/FakeHelp.h"
 #include "support/fakes/FakePlatform.h"
 #include "wipe/DriveList.h"
 #include "wipe/frmDriveWipe.h"
@@ -18,12 +18,6 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAre;
-
-struct FakeHelp final : Help {
-  void ShowTopic(int topicId) override { topics.push_back(topicId); }
-  void ShowContents() override { ADD_FAILURE() << "a button asked for the contents"; }
-  std::vector<int> topics;
-};
 
 class frmDriveWipeTest : public testing::Test {
  protected:
@@ -58,7 +52,8 @@ class frmDriveWipeTest : public testing::Test {
 
   FakePlatform fake_;
   FakeDrives drives_;
-  FakeHelp help_;
+  EventLog asked_;
+  FakeHelp help_{asked_};
   AppState state_;
 };
 
@@ -170,7 +165,7 @@ TEST_F(frmDriveWipeTest, LoadCancelAndTheCloseBoxLeaveNoDrive) {
 TEST_F(frmDriveWipeTest, HelpAsksForItsTopicAndLeavesTheDialogOpen) {
   Press(Open(), IDC_frmDriveWipe_cmdHelp);
   Press(Open(), IDC_frmDriveWipe_cmdHelp);
-  EXPECT_THAT(help_.topics, ElementsAre(10, 10));
+  EXPECT_THAT(asked_, ElementsAre("help: topic 10", "help: topic 10"));
   EXPECT_TRUE(Default<frmDriveWipe>::IsLoaded());
 }
 

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Driving.h"
@@ -5,6 +6,7 @@
 #include "jobs/JobList.h"
 #include "jobs/frmFolder.h"
 #include "support/driver/Scratch.h"
+#include "support/fakes/FakeHelp.h"
 #include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
@@ -14,7 +16,7 @@ class frmFolderTest : public testing::Test {
  protected:
   void SetUp() override {
     Default<frmFolder>::SetFactory(
-        [this] { return std::make_unique<frmFolder>(state_, fake_.platform, jobList_); });
+        [this] { return std::make_unique<frmFolder>(state_, fake_.platform, jobList_, &help_); });
   }
   void TearDown() override {
     if (Default<frmFolder>::IsLoaded()) Default<frmFolder>::Touch().Unload();
@@ -35,6 +37,8 @@ class frmFolderTest : public testing::Test {
   FakePlatform fake_;
   AppState state_;
   JobList jobList_{fake_.regional};
+  EventLog asked_;
+  FakeHelp help_{asked_};
 };
 
 TEST_F(frmFolderTest, OpensWithItsTexts) {
@@ -187,7 +191,32 @@ TEST_F(frmFolderTest, StaysAboveOtherWindowsUntilHelpIsAskedFor) {
   EXPECT_TRUE(IsTopmost(form));
   Press(form, IDC_frmFolder_cmdHelp);
   EXPECT_FALSE(IsTopmost(form));
+  EXPECT_THAT(asked_, testing::ElementsAre("help: topic 5"));
   EXPECT_TRUE(Default<frmFolder>::IsLoaded());
+}
+
+// Help of which nothing comes, since its file is missing, has taken the window down all the same: the box
+// that says so must be seen.
+TEST_F(frmFolderTest, IsBelowTheTopmostWindowsBeforeHelpIsAskedFor) {
+  struct LookingHelp final : Help {
+    void ShowTopic(int) override { topmost = IsTopmost(Default<frmFolder>::Touch()); }
+    void ShowContents() override {}
+    void ShowWebPage() override {}
+    bool topmost = true;
+  } help;
+  Default<frmFolder>::SetFactory(
+      [&] { return std::make_unique<frmFolder>(state_, fake_.platform, jobList_, &help); });
+  Open().Show();
+  Press(Open(), IDC_frmFolder_cmdHelp);
+  EXPECT_FALSE(help.topmost);
+}
+
+TEST_F(frmFolderTest, F1AsksForNoHelp) {
+  frmFolder& form = Open();
+  form.Show();
+  PostKey(form, VK_F1);
+  EXPECT_THAT(asked_, testing::IsEmpty());
+  EXPECT_TRUE(IsTopmost(form));
 }
 
 TEST_F(frmFolderTest, FocusOnTheMaskSelectsAllOfIt) {

@@ -1,9 +1,11 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "Driving.h"
 #include "Ink.h"
 #include "jobs/frmOpenJob.h"
 #include "platform/RunTimeError.h"
+#include "support/fakes/FakeHelp.h"
 #include "support/fakes/FakePlatform.h"
 
 namespace zq::test {
@@ -17,7 +19,8 @@ class frmOpenJobTest : public testing::Test {
     state_.JobActionCancelled = true;  // as the Open command sets it
     fake_.files.AddFolder("C:\\Zeroquill");
     fake_.files.AddFolder("C:\\Zeroquill\\Jobs");
-    Default<frmOpenJob>::SetFactory([this] { return std::make_unique<frmOpenJob>(state_, fake_.platform); });
+    Default<frmOpenJob>::SetFactory(
+        [this] { return std::make_unique<frmOpenJob>(state_, fake_.platform, &help_); });
   }
   void TearDown() override {
     if (Default<frmOpenJob>::IsLoaded()) Default<frmOpenJob>::Touch().Unload();
@@ -53,6 +56,8 @@ class frmOpenJobTest : public testing::Test {
 
   FakePlatform fake_;
   AppState state_;
+  EventLog asked_;
+  FakeHelp help_{asked_};
 };
 
 TEST_F(frmOpenJobTest, OpensWithItsTexts) {
@@ -98,6 +103,7 @@ TEST_F(frmOpenJobTest, WithoutSavedJobsOnlyCloseAndHelpWork) {
   DoubleClick();
   EXPECT_TRUE(Default<frmOpenJob>::IsLoaded());
   Press(form, IDC_frmOpenJob_cmdHelp);
+  EXPECT_THAT(asked_, testing::ElementsAre("help: topic 6"));
   EXPECT_TRUE(Default<frmOpenJob>::IsLoaded());
   Press(form, IDC_frmOpenJob_cmdCancel);
   EXPECT_FALSE(Default<frmOpenJob>::IsLoaded());

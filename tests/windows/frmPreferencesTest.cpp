@@ -4,9 +4,9 @@
 
 #include "Driving.h"
 #include "core/state/AppState.h"
-#include "core/state/Help.h"
 #include "preferences/frmPreferences.h"
 #include "support/driver/Driver.h"
+#include "support/fakes/FakeHelp.h"
 #include "support/fakes/FakePlatform.h"
 #include "support/fakes/FakeWindows.h"
 
@@ -17,12 +17,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
-
-struct FakeHelp final : Help {
-  void ShowTopic(int topicId) override { topics.push_back(topicId); }
-  void ShowContents() override { ADD_FAILURE() << "a button asked for the contents"; }
-  std::vector<int> topics;
-};
 
 // The tabs' own controls, in their order.
 const std::vector<int> kPages[] = {
@@ -85,12 +79,23 @@ class frmPreferencesTest : public testing::Test {
     DispatchToForms(message);
     ::SetKeyboardState(before);
   }
+  // Alt with a letter, through the message loop.
+  void Mnemonic(char letter) {
+    constexpr LPARAM kWithAlt = 1 << 29;
+    MSG message{};
+    message.hwnd = Open().Handle();
+    message.message = WM_SYSCHAR;
+    message.wParam = static_cast<WPARAM>(letter);
+    message.lParam = kWithAlt;
+    DispatchToForms(message);
+  }
   int FocusId() { return ::GetDlgCtrlID(::GetFocus()); }
 
   FakePlatform fake_;
   EventLog& log_ = fake_.files.log;
   FakeMainWindow mainWindow_{log_};
-  FakeHelp help_;
+  EventLog asked_;
+  FakeHelp help_{asked_};
   AppState state_;
 };
 
@@ -300,6 +305,20 @@ TEST_F(frmPreferencesTest, EscDoesNothing) {
   EXPECT_TRUE(Default<frmPreferences>::IsLoaded());
 }
 
+TEST_F(frmPreferencesTest, AltAndItsLetterPressAButton) {
+  Open().Show();
+  Mnemonic('h');
+  EXPECT_THAT(asked_, ElementsAre("help: topic 11"));
+  EXPECT_TRUE(Default<frmPreferences>::IsLoaded());
+  Mnemonic('c');
+  EXPECT_FALSE(Default<frmPreferences>::IsLoaded());
+  EXPECT_THAT(log_, IsEmpty());
+  Open().Show();
+  Mnemonic('o');
+  EXPECT_FALSE(Default<frmPreferences>::IsLoaded());
+  EXPECT_THAT(log_, Contains("record C:\\Zeroquill\\Settings.dat"));
+}
+
 TEST_F(frmPreferencesTest, ReturnIsOk) {
   Open().Show();
   Key(VK_RETURN);
@@ -335,7 +354,7 @@ TEST_F(frmPreferencesTest, TickingTheManagerAsksNothingBeforeOk) {
 
 TEST_F(frmPreferencesTest, HelpAsksForItsTopicAndLeavesTheDialogOpen) {
   Press(Open(), IDC_frmPreferences_cmdHelp);
-  EXPECT_THAT(help_.topics, ElementsAre(11));
+  EXPECT_THAT(asked_, ElementsAre("help: topic 11"));
   EXPECT_TRUE(Default<frmPreferences>::IsLoaded());
   EXPECT_THAT(log_, Not(Contains("record C:\\Zeroquill\\Settings.dat")));
 }

@@ -51,9 +51,9 @@ constexpr Command kActionsCommands[] = {
 };
 
 constexpr Command kHelpCommands[] = {
-    {{"mnuHelpContents", "&Contents",           kF1,    "help", ""}, nullptr},
+    {{"mnuHelpContents", "&Contents",           kF1,    "help", ""}, &Commands::HelpContents},
     kSeparator,
-    {{"mnuHelpWebPage",  "Zeroquill &Web Page", kNoKey, "",     ""}, nullptr},
+    {{"mnuHelpWebPage",  "Zeroquill &Web Page", kNoKey, "",     ""}, &Commands::HelpWebPage},
     kSeparator,
     {{"mnuHelpAbout",    "&About Zeroquill",    kNoKey, "",     ""}, &Commands::About},
 };

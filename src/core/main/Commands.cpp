@@ -6,6 +6,7 @@
 #include "core/main/CommandTable.h"
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
+#include "core/state/Help.h"
 #include "core/state/MainWindow.h"
 #include "jobs/AddFiles.h"
 #include "jobs/CommandState.h"
@@ -189,6 +190,14 @@ void Commands::WipeFreeSpace() {
   wiping_ = true;
   parts_.freeSpaceWipe.RunFreeSpaceWipe();  // what it raises ends the process
   wiping_ = false;
+}
+
+void Commands::HelpContents() {
+  if (parts_.help) parts_.help->ShowContents();
+}
+
+void Commands::HelpWebPage() {
+  if (parts_.help) parts_.help->ShowWebPage();
 }
 
 void Commands::About() {

@@ -15,6 +15,7 @@ class AddFiles;
 class ExplorerManager;
 class FolderDialog;
 class FreeSpaceWipe;
+class Help;
 class JobLifecycle;
 class JobList;
 class JobWipe;
@@ -61,6 +62,7 @@ struct CommandParts {
   FolderDialog& folderDialog;
   CommandWindows& windows;
   ReportViewer* reportViewer = nullptr;  // null: there is no window for reports, and none opens
+  Help* help = nullptr;                  // null: the Help menu's first two commands do nothing
 };
 
 class Commands {
@@ -106,6 +108,8 @@ class Commands {
   void ViewReport();
   void RunJobWipe();
   void WipeFreeSpace();
+  void HelpContents();
+  void HelpWebPage();
   void About();
   void Exit();
 

@@ -13,6 +13,7 @@
 #include "controls/DropTarget.h"
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
+#include "controls/PostedDrops.h"
 #include "controls/WindowIcons.h"
 #include "core/main/Commands.h"
 #include "core/state/AppState.h"
@@ -35,6 +36,8 @@
 
 namespace zq {
 
+class Help;
+
 class frmMain final : public Form,
                       public MainWindow,
                       private JobListView,
@@ -44,7 +47,8 @@ class frmMain final : public Form,
                       private IconPainter {
  public:
   // `SFD1` stands for the engine; tests pass one of their own.
-  frmMain(AppState& state, Platform& platform);
+  // `help` may be null: the Help menu's commands then do nothing.
+  frmMain(AppState& state, Platform& platform, Help* help = nullptr);
 
   void Show() override;
   void Hide() override { Form::Hide(); }
@@ -71,6 +75,7 @@ class frmMain final : public Form,
   bool TranslateShortcut(MSG& message) override { return DockStudio1.TranslateShortcut(message); }
   void ReadCommandLine();
   void LoadBarLayout();
+  void TakeDrops();
 
   // What is as large as the resolution wants it.
   void DpiChanged() override;
@@ -145,6 +150,7 @@ class frmMain final : public Form,
   int IconWidth = 0;
   int IconHeight = 0;
   DropTarget dropTarget_;
+  PostedDrops postedDrops_;
   WindowIcons windowIcons_;
   bool FirstRun = false;  // the welcome is still owed
   bool maximiseAtShow_ = false;

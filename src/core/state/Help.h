@@ -14,6 +14,7 @@ class Help {
   virtual ~Help() = default;
   virtual void ShowTopic(int topicId) = 0;
   virtual void ShowContents() = 0;
+  virtual void ShowWebPage() = 0;
 };
 
 }  // namespace zq

@@ -8,8 +8,8 @@ namespace zq {
 
 // The mutex lives as long as the process; whoever finds it made already isn't the first. It belongs to
 // the user's session: two users at one machine have an instance each.
-Win32Process::Win32Process(void (*pump)())
-    : pump_(pump), instanceMutex_(::CreateMutexW(nullptr, FALSE, L"Local\\Zeroquill.Instance")) {
+Win32Process::Win32Process(void (*pump)(), const wchar_t* instanceName)
+    : pump_(pump), instanceMutex_(::CreateMutexW(nullptr, FALSE, instanceName)) {
   const DWORD error = ::GetLastError();
   // Denied: it was made by an instance that runs with more rights.
   earlierInstance_ = error == ERROR_ALREADY_EXISTS || error == ERROR_ACCESS_DENIED;

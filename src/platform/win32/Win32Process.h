@@ -8,8 +8,9 @@ namespace zq {
 
 class Win32Process final : public Process {
  public:
-  // `pump` takes the waiting window messages through their handlers.
-  explicit Win32Process(void (*pump)());
+  // `pump` takes the waiting window messages through their handlers. Instances of one program know each other
+  // by `instanceName`.
+  explicit Win32Process(void (*pump)(), const wchar_t* instanceName = L"Local\\Zeroquill.Instance");
 
   bool EarlierInstanceRuns() override { return earlierInstance_; }
   std::string ApplicationPath() override;

@@ -4,6 +4,7 @@
 #include "core/state/AppState.h"
 #include "help/HelpFrontEnd.h"
 #include "platform/MessageBoxes.h"
+#include "platform/Shell.h"
 #include "support/fakes/FakeFiles.h"
 #include "support/fakes/FakeMessageBoxes.h"
 #include "unit/help/HelpRig.h"
@@ -34,6 +35,17 @@ class BrokenFiles final : public Files {
   [[noreturn]] static void Raise() { throw RunTimeError(ErrorNumber::DiskNotReady); }
 };
 
+class FakeShell final : public Shell {
+ public:
+  explicit FakeShell(test::EventLog& log) : log_(log) {}
+  void Execute(const ShellRequest& request) override {
+    log_.push_back(request.verb + ' ' + request.file + ' ' + request.parameters + ' ' + request.directory);
+  }
+
+ private:
+  test::EventLog& log_;
+};
+
 struct FrontEndRig : test::HelpRig {
   explicit FrontEndRig(bool withFile = true) {
     state.AppFolder = "C:\\Zeroquill\\";
@@ -44,7 +56,8 @@ struct FrontEndRig : test::HelpRig {
   AppState state;
   test::FakeFiles diskFiles;
   test::FakeMessageBoxes messageBoxes{log};
-  HelpFrontEnd front{state, diskFiles, messageBoxes, parts};
+  FakeShell shell{log};
+  HelpFrontEnd front{state, diskFiles, messageBoxes, shell, parts};
 };
 
 const Message kMissing{
@@ -106,9 +119,16 @@ TEST(HelpFrontEnd, SaysTheSameOfAFileThatIsTakenAwayLater) {
 TEST(HelpFrontEnd, TakesAnErrorOfTheSearchForAMissingFile) {
   FrontEndRig rig;
   BrokenFiles broken;
-  HelpFrontEnd front{rig.state, broken, rig.messageBoxes, rig.parts};
+  HelpFrontEnd front{rig.state, broken, rig.messageBoxes, rig.shell, rig.parts};
   EXPECT_FALSE(front.HelpFileExists());
   EXPECT_THAT(rig.messageBoxes.shown, ElementsAre(kMissing));
+}
+
+TEST(HelpFrontEnd, OpensTheWebPageWithoutTheHelpFile) {
+  FrontEndRig rig(false);
+  rig.front.ShowWebPage();
+  EXPECT_THAT(rig.log, ElementsAre("open https://zeroquill.example/ 0 0"));
+  EXPECT_EQ(rig.front.HelpObject(), nullptr);
 }
 
 TEST(HelpFrontEnd, WantsAPlainFile) {

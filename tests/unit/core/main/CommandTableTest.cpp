@@ -136,7 +136,8 @@ TEST(CommandTable, NamesTheOperationOfEachTool) {
       {&Commands::WipeFreeSpace, {"WipeFreeSpace", "mnuActionsWipeFreeSpace"}},
       {&Commands::ShowPreferences, {"mnuFilePreferences"}},
       {&Commands::LaunchManager, {"mnuFileLaunch"}},
-      {nullptr, {"mnuHelpContents", "mnuHelpWebPage"}},
+      {&Commands::HelpContents, {"mnuHelpContents"}},
+      {&Commands::HelpWebPage, {"mnuHelpWebPage"}},
   };
   std::size_t tools = 0;
   for (const Row& row : kRows) {

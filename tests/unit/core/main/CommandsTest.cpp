@@ -19,6 +19,7 @@
 #include "support/Rows.h"
 #include "support/fakes/FakeCommandWindows.h"
 #include "support/fakes/FakeEngine.h"
+#include "support/fakes/FakeHelp.h"
 #include "support/fakes/FakeIconPainter.h"
 #include "support/fakes/FakeJobDialogs.h"
 #include "support/fakes/FakePlatform.h"
@@ -83,6 +84,7 @@ class CommandsTest : public testing::Test, protected test::FakePlatform {
   test::FakeStatusWindow statusWindow{log};
   test::FakeFreeSpaceStatusWindow spaceStatusWindow{log};
   test::FakeReportViewer reportViewer{log};
+  test::FakeHelp help{log};
   AddFiles addFiles{state, jobList, files, icons, regional, &windows};
   JobLifecycle jobLifecycle{state, jobList, platform, icons, tools, dialogs};
   JobWipe jobWipe{state, jobList, platform, mainWindow, statusWindow, &reportViewer};
@@ -102,7 +104,8 @@ class CommandsTest : public testing::Test, protected test::FakePlatform {
                      .mainWindow = mainWindow,
                      .folderDialog = windows,
                      .windows = windows,
-                     .reportViewer = &reportViewer};
+                     .reportViewer = &reportViewer,
+                     .help = &help};
   Commands commands{parts};
 };
 
@@ -120,6 +123,8 @@ TEST_F(CommandsTest, EachToolRunsItsOperation) {
       {{"mnuFilePreferences"}, "frmPreferences"},
       {{"mnuFileLaunch"}, "start C:\\Zeroquill\\ZQExMan.exe"},
       {{"mnuHelpAbout"}, "frmAbout"},
+      {{"mnuHelpContents"}, "help: contents"},
+      {{"mnuHelpWebPage"}, "help: web page"},
       {{"WipeNow", "mnuActionsWipeNow"}, "box No Items Found"},
       {{"WipeFreeSpace", "mnuActionsWipeFreeSpace"}, "frmDriveWipe"},
   };
