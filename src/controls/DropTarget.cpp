@@ -33,7 +33,21 @@ std::string FromNarrow(const std::string& path) {
   return FromWide(wide);
 }
 
-// The file list of a data object; false where it has none.
+// The shell's drawer of what is dragged; null where it has none, and the pointer alone moves then.
+ComPointer<IDropTargetHelper> DragPicture() {
+  void* helper = nullptr;
+  if (FAILED(::CoCreateInstance(CLSID_DragDropHelper, nullptr, CLSCTX_INPROC_SERVER, IID_IDropTargetHelper,
+                                &helper)))
+    return {};
+  return ComPointer<IDropTargetHelper>(static_cast<IDropTargetHelper*>(helper));
+}
+
+POINT PointOf(POINTL point) {
+  return {point.x, point.y};
+}
+
+}  // namespace
+
 bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
   FORMATETC format = FileListFormat();
   STGMEDIUM medium{};
@@ -51,21 +65,6 @@ bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
   for (const std::string& path : list.narrow) paths.push_back(FromNarrow(path));
   return true;
 }
-
-// The shell's drawer of what is dragged; null where it has none, and the pointer alone moves then.
-ComPointer<IDropTargetHelper> DragPicture() {
-  void* helper = nullptr;
-  if (FAILED(::CoCreateInstance(CLSID_DragDropHelper, nullptr, CLSCTX_INPROC_SERVER, IID_IDropTargetHelper,
-                                &helper)))
-    return {};
-  return ComPointer<IDropTargetHelper>(static_cast<IDropTargetHelper*>(helper));
-}
-
-POINT PointOf(POINTL point) {
-  return {point.x, point.y};
-}
-
-}  // namespace
 
 class DropTarget::Target final : public IDropTarget {
  public:

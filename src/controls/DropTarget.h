@@ -2,6 +2,7 @@
 #pragma once
 
 #include <windows.h>
+#include <objidl.h>
 
 #include <functional>
 #include <string>
@@ -11,6 +12,9 @@ namespace zq {
 
 // Paths in the shell's order.
 using DroppedPaths = std::vector<std::string>;
+
+// The file list of a data object; false where it has none.
+bool ReadFileList(IDataObject& data, DroppedPaths& paths);
 
 // Takes the drops on a window while it is registered. Needs OLE on this thread.
 class DropTarget {
