@@ -5,6 +5,7 @@
 #   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
 #   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows; zqwipe * and by path
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
+#   bench.sh drop     a drop of 1,000 files on the QuickWipe Bin beside a job of as many rows, under Wine
 #   bench.sh report   the report's window under Wine: reports of 30,000 lines opened, and scrolled
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
@@ -13,7 +14,15 @@ cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
 source scripts/packages.sh
 need_packages build-native bench
-[[ ${1:-} != windows && ${1:-} != report ]] || need_packages build run
+[[ ${1:-} != windows && ${1:-} != drop && ${1:-} != report ]] || need_packages build run
+
+if [[ ${1:-} == drop ]]; then
+  cmake --preset program -Wno-dev >/dev/null
+  cmake --build --preset program --parallel "$(nproc)" --target drop_bench >/dev/null
+  echo "load $(cut -d' ' -f1-3 /proc/loadavg)"
+  ZQ_PREFIX=bench scripts/wine-run.sh build/program/tests/bench/drop_bench.exe 1000 "${BENCH_RUNS:-5}"
+  exit
+fi
 
 if [[ ${1:-} == report ]]; then
   cmake --preset program -Wno-dev >/dev/null

@@ -65,7 +65,7 @@ need_packages() {
       [build]="cmake ninja x86_64-w64-mingw32-g++-posix x86_64-w64-mingw32-windres"
       [build-native]="cmake ninja g++"
       [run]="wine wineserver Xvfb unshare nsenter"
-      [test]="clang++ clang-format clang-tidy cppcheck shellcheck"
+      [test]="clang++ clang-format clang-tidy cppcheck shellcheck chmcmd chmls"
       [bench]="wipe srm scrub fio strace perl")
     local tool absent=""
     for set in "$@"; do

@@ -29,6 +29,7 @@
 #include "platform/win32/Win32Regional.h"
 #include "platform/win32/Win32Registry.h"
 #include "platform/win32/Win32Shell.h"
+#include "platform/win32/Win32ShellDrops.h"
 #include "platform/win32/Win32WindowList.h"
 #include "preferences/frmPreferences.h"
 #include "quickbin/frmQuick.h"
@@ -66,7 +67,8 @@ struct Program {
     return Default<frmMain>::IsLoaded() ? static_cast<Form&>(Default<frmMain>::Touch()).Handle() : nullptr;
   }};
   Win32WindowList windows;
-  Platform platform{files, messageBoxes, process, regional, registry, longWork, windows};
+  Win32ShellDrops shellDrops;
+  Platform platform{files, messageBoxes, process, regional, registry, longWork, windows, shellDrops};
   Win32Drives drives;
   HelpMachine helpMachine;
   HelpFrontEnd help{state,

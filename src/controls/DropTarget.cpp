@@ -9,10 +9,8 @@
 #include <exception>
 #include <utility>
 
-#include "controls/DropFiles.h"
 #include "platform/win32/RunTimeErrorReport.h"
 #include "platform/win32/UniqueHandle.h"
-#include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
@@ -23,14 +21,6 @@ constexpr UINT_PTR kSubclassId = 0x30;
 
 FORMATETC FileListFormat() {
   return {CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
-}
-
-// A path in the system's code page.
-std::string FromNarrow(const std::string& path) {
-  std::wstring wide(path.size(), L'\0');  // no character has more units than bytes
-  wide.resize(static_cast<std::size_t>(::MultiByteToWideChar(
-      CP_ACP, 0, path.data(), static_cast<int>(path.size()), wide.data(), static_cast<int>(wide.size()))));
-  return FromWide(wide);
 }
 
 // The shell's drawer of what is dragged; null where it has none, and the pointer alone moves then.
@@ -52,17 +42,8 @@ bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
   FORMATETC format = FileListFormat();
   STGMEDIUM medium{};
   if (FAILED(data.GetData(&format, &medium))) return false;
-  DropList list;
-  if (medium.tymed == TYMED_HGLOBAL) {
-    if (const void* bytes = ::GlobalLock(medium.hGlobal)) {
-      list = ReadDropFiles({static_cast<const char*>(bytes), ::GlobalSize(medium.hGlobal)});
-      ::GlobalUnlock(medium.hGlobal);
-    }
-  }
+  if (medium.tymed == TYMED_HGLOBAL) paths = PathsInMemory(medium.hGlobal);
   ::ReleaseStgMedium(&medium);
-  for (const std::u16string& path : list.wide)
-    paths.push_back(FromWide(std::wstring(path.begin(), path.end())));
-  for (const std::string& path : list.narrow) paths.push_back(FromNarrow(path));
   return true;
 }
 

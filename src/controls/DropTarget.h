@@ -5,13 +5,10 @@
 #include <objidl.h>
 
 #include <functional>
-#include <string>
-#include <vector>
+
+#include "controls/DroppedPaths.h"
 
 namespace zq {
-
-// Paths in the shell's order.
-using DroppedPaths = std::vector<std::string>;
 
 // The file list of a data object; false where it has none.
 bool ReadFileList(IDataObject& data, DroppedPaths& paths);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/LongWork.h"
+#include "platform/ShellDrops.h"
 #include "platform/WindowList.h"
 
 namespace zq {
@@ -20,6 +21,7 @@ struct Platform {
   Registry& registry;
   LongWork& longWork = UntoldWork::Instance();
   WindowList& windows = NoWindows::Instance();
+  ShellDrops& shellDrops = FreeShellDrops::Instance();
 };
 
 }  // namespace zq

@@ -12,12 +12,20 @@ constexpr int kMessageIndex = 0;
 constexpr int kProgressIndex = 1;
 constexpr Panel kPanels[] = {{kMessagePanel, "", 0}, {"2", "", 110}};
 
+constexpr const char* kNothingReachesUs =
+    "Nothing can be dropped here: Zeroquill runs with administrator rights.  The Bin wipes without a "
+    "question, so "
+    "it takes nothing from programs with lesser rights, Windows Explorer among them.  Start Zeroquill "
+    "without "
+    "administrator rights to use the Bin.";
+
 }  // namespace
 
 frmQuick::frmQuick(AppState& state, Platform& platform, MainWindow& mainWindow, ToolStates& tools,
                    std::function<HWND()> mainHandle)
     : Form(IDD_frmQuick),
       state_(state),
+      platform_(platform),
       mainWindow_(mainWindow),
       tools_(tools),
       mainHandle_(std::move(mainHandle)),
@@ -32,16 +40,27 @@ void frmQuick::Load() {
   StatusBar1.Create(Handle(), kPanels, Dpi());
   SetTopmost(true);
   if (state_.Settings.ProgressBars != 1) pb1.UsePlainLook();
+  TakeDrops();
+  state_.QuickBinOpen = true;
+}
+
+// No way round is opened here as it is for the job list: what comes in is wiped without a question, and a
+// lesser program could post it. Without a drop target the pointer shows that nothing can be dropped.
+void frmQuick::TakeDrops() {
+  if (platform_.shellDrops.HeldBack()) {
+    imgDropTip_.Create(imgDrop.Handle(), kNothingReachesUs, Dpi());
+    return;
+  }
   dropTarget_.Register(
       imgDrop.Handle(), [this](const DroppedPaths& paths) { imgDrop_OLEDragDrop(paths); },
       DropTarget::When::Inside);
   dropTarget_.Hover = [this](bool over) { dropFrame.SetVisible(over); };
-  state_.QuickBinOpen = true;
 }
 
 void frmQuick::DpiChanged() {
   windowIcons_.Show(Handle(), Dpi());
   StatusBar1.LayOut(Dpi());
+  imgDropTip_.SetDpi(Dpi());
 }
 
 void frmQuick::SetTopmost(bool topmost) {

@@ -8,6 +8,7 @@
 #include "controls/DropTarget.h"
 #include "controls/ProgressBarEx.h"
 #include "controls/StatusBar.h"
+#include "controls/ToolTip.h"
 #include "controls/WindowIcons.h"
 #include "core/state/AppState.h"
 #include "platform/Platform.h"
@@ -42,6 +43,7 @@ class frmQuick final : public Form, private QuickBinWindow {
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
   void StatusBar1_PanelClick(int panel);
   void SetTopmost(bool topmost);
+  void TakeDrops();
 
   // QuickBinWindow
   void SetCancelEnabled(bool enabled) override;
@@ -51,12 +53,14 @@ class frmQuick final : public Form, private QuickBinWindow {
   void SetProgress(int percent) override;
 
   AppState& state_;
+  Platform& platform_;
   MainWindow& mainWindow_;
   ToolStates& tools_;
   std::function<HWND()> mainHandle_;
   DropWipe dropWipe_;
   zq::SFD1 SFD1;
   DropTarget dropTarget_;
+  ToolTip imgDropTip_;
   WindowIcons windowIcons_;
 };
 

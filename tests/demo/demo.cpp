@@ -159,6 +159,16 @@ void LookAtTheBin(const Program& program, Window mainWindow) {
   Await("the main window to be back", [&] { return ::IsIconic(mainWindow.Handle()) == FALSE; });
 }
 
+// The help, in the system's viewer, opened by its key and closed.
+void LookAtTheHelp(const Program& program, Window mainWindow) {
+  TypeKey(mainWindow, VK_F1);
+  const Window help = program.WaitWindow("Zeroquill Help");
+  Say("The help: its contents, its index and its search.");
+  Show(help, "19-help");
+  help.Close();
+  help.WaitGone();
+}
+
 // Answers the question before a wipe, and waits for the one behind it.
 MessageBoxView WipeNow(const Program& program, Window mainWindow, const std::string& confirmPicture,
                        const std::string& progressPicture) {
@@ -287,6 +297,7 @@ void WipeSavedJob(const ScratchFolder& scratch, const std::string& programFolder
   LookAtFreeSpace(program, mainWindow);
   LookAtPreferences(program, mainWindow);
   LookAtTheBin(program, mainWindow);
+  LookAtTheHelp(program, mainWindow);
   CloseFrontWindows(program, mainWindow);
   Demand(program.WaitExit() == 0, "the program ends with 0");
 

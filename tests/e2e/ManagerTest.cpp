@@ -64,10 +64,13 @@ void MakeFolder(const std::string& path) {
     throw DriverError("no folder " + path);
 }
 
-// The keys are written once the class is served; this is the last of them.
-void WaitVerb() {
-  Await("the verb",
-        [] { return !RegistryText(std::wstring(kVerbKey) + L"\\DropTarget", L"CLSID").empty(); });
+// Waits until this companion serves its class: the keys, of which a former one that was killed has left its
+// own, are written behind that.
+void WaitVerb(const std::string& manager) {
+  Await("the verb", [&] {
+    return RegistryText(std::wstring(kClassKey) + L"\\LocalServer32", nullptr) == "\"" + manager + "\"" &&
+           !RegistryText(std::wstring(kVerbKey) + L"\\DropTarget", L"CLSID").empty();
+  });
 }
 
 class Manager : public ZeroquillTest {
@@ -225,8 +228,7 @@ TEST_F(Manager, IsClosedOverItsQuestionWithoutAWipe) {
 TEST_F(Manager, HasItsVerbInTheRegistryWhileItRuns) {
   {
     const Program program(manager_);
-    Await("the verb",
-          [] { return !RegistryText(std::wstring(kVerbKey) + L"\\DropTarget", L"CLSID").empty(); });
+    WaitVerb(manager_);
     EXPECT_EQ(RegistryText(std::wstring(kVerbKey) + L"\\DropTarget", L"CLSID"),
               "{8F0C6B1E-5D3A-4C47-9B4E-2A7D51E0C9F3}");
     EXPECT_EQ(RegistryText(kVerbKey, nullptr), kWipeFiles);
@@ -248,7 +250,7 @@ TEST_F(Manager, WipesAMixedSelectionAfterItsQuestion) {
   const std::string inner = scratch_.Make("given\\folder\\inner.txt", kSecret);
   const std::string other = scratch_.Make("given\\other.txt", "stays");
   const Program program(manager_);
-  WaitVerb();
+  WaitVerb(manager_);
   EXPECT_EQ(DropFilesOnClass(kVerbClass, {file, scratch_ / "given\\folder"}), DWORD{DROPEFFECT_COPY});
   const MessageBoxView question = program.WaitBox(kWipeFiles);
   TakePicture(question.window, "manager-question");
@@ -275,9 +277,10 @@ TEST_F(Manager, TakesTwoThousandFilesInOneDropAndTheNextBehindThem) {
   Prepare();
   std::vector<std::string> paths;
   for (int i = 0; i < 2000; ++i)
-    paths.push_back(scratch_.Make("given\\a file with quite a long name " + std::to_string(i) + ".txt", "x"));
+    paths.push_back(
+        scratch_.Make("given\\" + std::to_string(i / 50) + "\\" + std::to_string(i) + ".txt", "x"));
   const Program program(manager_);
-  WaitVerb();
+  WaitVerb(manager_);
   DropFilesOnClass(kVerbClass, paths);
   // The question is open, and the shell isn't kept waiting.
   const MessageBoxView question = program.WaitBox(kWipeFiles);

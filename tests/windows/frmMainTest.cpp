@@ -1,5 +1,7 @@
 // The main window's start and shutdown, step by step, against fakes.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ole2.h>
 
 #include <algorithm>
 
@@ -8,11 +10,17 @@
 #include "core/state/Settings.h"
 #include "platform/RunTimeError.h"
 #include "reports/frmPrintReport.h"
+#include "support/driver/Drop.h"
 #include "support/fakes/FakePlatform.h"
 #include "wipe/frmStatus.h"
 
 namespace zq::test {
 namespace {
+
+using testing::Contains;
+using testing::IsSupersetOf;
+using testing::Not;
+using testing::StartsWith;
 
 class frmMainTest : public testing::Test {
  protected:
@@ -73,6 +81,43 @@ TEST_F(frmMainTest, CommandLineBecomesRowsOfTheJob) {
   // At once, since the status bar tells the number of items by now.
   EXPECT_EQ(main.ListView1.RowCount(), 2);
   EXPECT_EQ(main.ListView1.SelectedRow(), 1);
+}
+
+TEST_F(frmMainTest, ListIsADropTargetWhereTheShellReachesIt) {
+  frmMain& main = Load();
+  EXPECT_THAT(fake_.log, Not(Contains(StartsWith("allow"))));
+  EXPECT_THAT(fake_.log, Not(Contains("accept files")));
+  EXPECT_EQ(::RevokeDragDrop(main.ListView1.Handle()), S_OK) << "it was registered";
+}
+
+TEST_F(frmMainTest, ListTakesDropsAsMessagesWhereTheShellIsHeldBack) {
+  fake_.shellDrops.heldBack = true;
+  PutSettings({}, {.Width = 12000, .Height = 6000, .Left = 0, .Top = 0});
+  frmMain& main = Load();
+  main.Show();
+  const HWND list = main.ListView1.Handle();
+  EXPECT_THAT(fake_.log, IsSupersetOf({"allow 233", "allow 4a", "allow 49", "accept files"}));
+  EXPECT_EQ(fake_.shellDrops.window, reinterpret_cast<WindowHandle>(list));
+  EXPECT_EQ(::RevokeDragDrop(list), DRAGDROP_E_NOTREGISTERED);
+
+  fake_.files.AddFileOfLength("C:\\dropped.txt", 1500);
+  const std::vector<char> bytes = DropFilesBytes({"C:\\dropped.txt"});
+  const HGLOBAL memory = ::GlobalAlloc(GMEM_FIXED, bytes.size());
+  std::copy(bytes.begin(), bytes.end(), static_cast<char*>(memory));
+  ::PostMessageW(list, WM_DROPFILES, reinterpret_cast<WPARAM>(memory), 0);
+  PumpMessages();
+  ::GlobalFree(memory);
+  ASSERT_EQ(main.Jobs().Count(), 1U);
+  EXPECT_EQ(main.Jobs().Row(1).NameAndLocation, "C:\\dropped.txt");
+  EXPECT_TRUE(main.DockStudio1.IsEnabled("WipeNow"));
+}
+
+TEST_F(frmMainTest, ListStaysADropTargetWhereItCannotBeOpened) {
+  fake_.shellDrops.heldBack = true;
+  fake_.shellDrops.refused = WM_DROPFILES;
+  frmMain& main = Load();
+  EXPECT_THAT(fake_.log, Not(Contains("accept files")));
+  EXPECT_EQ(::RevokeDragDrop(main.ListView1.Handle()), S_OK);
 }
 
 TEST_F(frmMainTest, CloseIsRefusedWhileTheBinWipesButTheJobIsGone) {

@@ -2,6 +2,7 @@
 // window that is a bare one.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <ole2.h>
 
 #include <string>
 #include <vector>
@@ -19,8 +20,10 @@
 namespace zq::test {
 namespace {
 
+using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 class frmQuickTest : public testing::Test {
@@ -55,6 +58,24 @@ class frmQuickTest : public testing::Test {
     ::SendMessageW(Bin().StatusBar1.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, point);
     ::SendMessageW(Bin().StatusBar1.Handle(), WM_LBUTTONUP, 0, point);
   }
+  // The tips of this process are the Bin's: no other form is open.
+  static std::vector<Window> Tips() {
+    return TopLevelWindows([](Window window) {
+      return window.ClassName() == TOOLTIPS_CLASSA && window.ProcessId() == ::GetCurrentProcessId();
+    });
+  }
+  static bool HasTip() { return !Tips().empty(); }
+  static HWND AwaitTip() {
+    HWND shown = nullptr;
+    Await("the tip", [&] {
+      PumpMessages();
+      for (const Window tip : Tips()) {
+        if (tip.IsVisible()) shown = tip.Handle();
+      }
+      return shown != nullptr;
+    });
+    return shown;
+  }
   // Clicks the first panel, reads what the dialog lists, and closes it. Empty when none comes.
   std::vector<std::string> ErrorsByClick(const char* picture) {
     std::vector<std::string> lines;
@@ -81,7 +102,14 @@ class frmQuickTest : public testing::Test {
   AppState state_;
   FakePlatform fake_;
   Win32Files files_;
-  Platform platform_{files_, fake_.boxes, fake_.process, fake_.regional, fake_.registry};
+  Platform platform_{files_,
+                     fake_.boxes,
+                     fake_.process,
+                     fake_.regional,
+                     fake_.registry,
+                     UntoldWork::Instance(),
+                     fake_.systemWindows,
+                     fake_.shellDrops};
   EventLog& log_ = fake_.files.log;
   FakeMainWindow mainWindow_{log_};
   FakeToolStates tools_{log_};
@@ -111,6 +139,36 @@ TEST_F(frmQuickTest, OpensWithItsTextsInFrontOfAllOthers) {
   EXPECT_EQ(window.Style() & (WS_THICKFRAME | WS_MAXIMIZEBOX), 0);
   EXPECT_EQ(::GetWindowLongW(Bin().StatusBar1.Handle(), GWL_STYLE) & SBARS_SIZEGRIP, 0);
   TakePicture(window, "frmQuick");
+}
+
+TEST_F(frmQuickTest, OpensWithoutADropTargetWhereTheShellIsHeldBackAndSaysSo) {
+  fake_.shellDrops.heldBack = true;
+  Open();
+  // Neither for Explorer, which sees no target, nor for whoever posts what looks like a drop.
+  for (const HWND window : {Bin().imgDrop.Handle(), HandleOf(Bin())}) {
+    EXPECT_EQ(::RevokeDragDrop(window), DRAGDROP_E_NOTREGISTERED);
+    EXPECT_EQ(::GetWindowLongW(window, GWL_EXSTYLE) & WS_EX_ACCEPTFILES, 0);
+  }
+  EXPECT_THAT(log_, Not(Contains(StartsWith("allow"))));
+  EXPECT_THAT(log_, Not(Contains("accept files")));
+  EXPECT_EQ(Panel(), "");
+
+  MoveMouseTo(Window(Bin().imgDrop.Handle()).Centre());
+  const HWND tip = AwaitTip();
+  EXPECT_EQ(
+      Window(tip).Text(),
+      "Nothing can be dropped here: Zeroquill runs with administrator rights.  The Bin wipes without a "
+      "question, so it takes nothing from programs with lesser rights, Windows Explorer among them.  Start "
+      "Zeroquill without administrator rights to use the Bin.");
+  PumpMessages();
+  TakePicture(Window(tip), "frmQuick-tip");
+  MoveMouseTo({0, 0});
+}
+
+TEST_F(frmQuickTest, OpensAsADropTargetWithoutATipWhereTheShellReachesIt) {
+  Open();
+  EXPECT_EQ(::RevokeDragDrop(Bin().imgDrop.Handle()), S_OK) << "it was registered";
+  EXPECT_FALSE(HasTip());
 }
 
 TEST_F(frmQuickTest, ClosesByItsButtonItsCloseBoxAndByTheProgram) {

@@ -166,8 +166,7 @@ void frmMain::Load() {
   state_.LastWiping = "N/A";
   EnsureDataFolders(dataFolder_);
   commands_.UpdateTools();
-  dropTarget_.Register(ListView1.Handle(),
-                       [this](const DroppedPaths& paths) { ListView1_OLEDragDrop(paths); });
+  TakeDrops();
   ReadCommandLine();
 }
 
@@ -178,6 +177,16 @@ void frmMain::ReadCommandLine() {
   if (jobLifecycle_.OpenJobFromCommandLine(commandLine)) return;
   addFiles_.AddCommandLineItems(commandLine);
   commands_.UpdateTools();
+}
+
+// The list may be opened to what a lesser program posts: nothing of it is wiped before the user has been
+// asked.
+void frmMain::TakeDrops() {
+  const auto dropped = [this](const DroppedPaths& paths) { ListView1_OLEDragDrop(paths); };
+  if (platform_.shellDrops.HeldBack() &&
+      postedDrops_.Register(ListView1.Handle(), platform_.shellDrops, dropped))
+    return;
+  dropTarget_.Register(ListView1.Handle(), dropped);
 }
 
 void frmMain::Show() {
@@ -277,6 +286,7 @@ bool frmMain::QueryUnload(CloseReason) {
 
 void frmMain::Unloaded() {
   dropTarget_.Revoke();
+  postedDrops_.Revoke();
   if (state_.Settings.Maximize != 1) state_.Placement = CurrentPlacement();
   if (!state_.SecondInstance) {
     WriteSettings(dataFolder_, state_.Settings);

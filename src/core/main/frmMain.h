@@ -13,6 +13,7 @@
 #include "controls/DropTarget.h"
 #include "controls/ImageList.h"
 #include "controls/ListView.h"
+#include "controls/PostedDrops.h"
 #include "controls/WindowIcons.h"
 #include "core/main/Commands.h"
 #include "core/state/AppState.h"
@@ -74,6 +75,7 @@ class frmMain final : public Form,
   bool TranslateShortcut(MSG& message) override { return DockStudio1.TranslateShortcut(message); }
   void ReadCommandLine();
   void LoadBarLayout();
+  void TakeDrops();
 
   // What is as large as the resolution wants it.
   void DpiChanged() override;
@@ -148,6 +150,7 @@ class frmMain final : public Form,
   int IconWidth = 0;
   int IconHeight = 0;
   DropTarget dropTarget_;
+  PostedDrops postedDrops_;
   WindowIcons windowIcons_;
   bool FirstRun = false;  // the welcome is still owed
   bool maximiseAtShow_ = false;

@@ -14,21 +14,6 @@
 namespace zq::test {
 namespace {
 
-// The bytes of the shell's file list: a DROPFILES, then the paths, each with a zero, and one zero more.
-std::vector<char> FileList(const std::vector<std::string>& paths, POINT point) {
-  std::wstring names;
-  for (const std::string& path : paths) names += ToWide(path) + L'\0';
-  names += L'\0';
-  DROPFILES head{};
-  head.pFiles = sizeof head;
-  head.pt = point;
-  head.fWide = TRUE;
-  std::vector<char> bytes(sizeof head + names.size() * sizeof(wchar_t));
-  std::memcpy(bytes.data(), &head, sizeof head);
-  std::memcpy(bytes.data() + sizeof head, names.data(), names.size() * sizeof(wchar_t));
-  return bytes;
-}
-
 // Counts references; the objects here live on the stack of the drag and outlive all of them.
 template <typename Interface>
 class OnStack : public Interface {
@@ -143,8 +128,22 @@ void Carry(POINT from, POINT to, Source& source) {
 
 }  // namespace
 
+std::vector<char> DropFilesBytes(const std::vector<std::string>& paths, POINT point) {
+  std::wstring names;
+  for (const std::string& path : paths) names += ToWide(path) + L'\0';
+  names += L'\0';
+  DROPFILES head{};
+  head.pFiles = sizeof head;
+  head.pt = point;
+  head.fWide = TRUE;
+  std::vector<char> bytes(sizeof head + names.size() * sizeof(wchar_t));
+  std::memcpy(bytes.data(), &head, sizeof head);
+  std::memcpy(bytes.data() + sizeof head, names.data(), names.size() * sizeof(wchar_t));
+  return bytes;
+}
+
 void PostDroppedFiles(Window target, const std::vector<std::string>& paths, POINT client) {
-  const std::vector<char> bytes = FileList(paths, client);
+  const std::vector<char> bytes = DropFilesBytes(paths, client);
   HANDLE process = ::OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_WRITE, FALSE, target.ProcessId());
   // It belongs to the target from now on, which frees it or ends.
   void* memory = process == nullptr ? nullptr
@@ -179,7 +178,7 @@ DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths) {
       },
       kPatience);
 
-  FileData data(FileList(paths, screen));
+  FileData data(DropFilesBytes(paths, screen));
   Source source;
   DWORD effect = DROPEFFECT_NONE;
   HRESULT result = E_FAIL;

@@ -11,6 +11,9 @@
 
 namespace zq::test {
 
+// The shell's file list: a DROPFILES, then the paths, each with a zero, and one zero more.
+std::vector<char> DropFilesBytes(const std::vector<std::string>& paths, POINT point = {});
+
 // Posts WM_DROPFILES, as the shell does to a window that accepts files. The place is in the
 // window's own coordinates.
 void PostDroppedFiles(Window target, const std::vector<std::string>& paths, POINT client = {4, 4});

@@ -8,6 +8,7 @@
 #include "support/fakes/FakeProcess.h"
 #include "support/fakes/FakeRegional.h"
 #include "support/fakes/FakeRegistry.h"
+#include "support/fakes/FakeShellDrops.h"
 #include "support/fakes/FakeWindowList.h"
 
 namespace zq::test {
@@ -20,7 +21,9 @@ struct FakePlatform {
   FakeRegional regional;
   FakeRegistry registry;
   FakeWindowList systemWindows{log};
-  Platform platform{files, boxes, process, regional, registry, UntoldWork::Instance(), systemWindows};
+  FakeShellDrops shellDrops{log};
+  Platform platform{files,         boxes,     process, regional, registry, UntoldWork::Instance(),
+                    systemWindows, shellDrops};
 };
 
 }  // namespace zq::test
