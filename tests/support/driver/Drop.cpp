@@ -213,7 +213,7 @@ DWORD DropFilesOnClass(REFCLSID classId, const std::vector<std::string>& paths) 
   const HRESULT found = ::CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, IID_IDropTarget, &created);
   if (FAILED(found)) throw DriverError("the class is not served: " + std::to_string(found));
   auto* const target = static_cast<IDropTarget*>(created);
-  FileData data(FileList(paths, {0, 0}));
+  FileData data(DropFilesBytes(paths, {0, 0}));
   constexpr DWORD kOffered = DROPEFFECT_COPY | DROPEFFECT_LINK | DROPEFFECT_MOVE;
   DWORD effect = kOffered;
   HRESULT result = target->DragEnter(&data, MK_LBUTTON, {0, 0}, &effect);
