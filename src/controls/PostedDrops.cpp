@@ -46,7 +46,6 @@ LRESULT CALLBACK PostedDrops::Receive(HWND hwnd, UINT message, WPARAM wParam, LP
                                       DWORD_PTR self) {
   if (message != kDropFilesMessage) return ::DefSubclassProc(hwnd, message, wParam, lParam);
   try {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
     reinterpret_cast<const PostedDrops*>(self)->Take(reinterpret_cast<HGLOBAL>(wParam));
   } catch (...) {
     ReportAndEnd(std::current_exception());

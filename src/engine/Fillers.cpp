@@ -105,6 +105,10 @@ void FillerPlace::Remove(Filler& filler) {
   filler.name.clear();
 }
 
+void FillerPlace::FlushFolder() {
+  if (folder_) Require(folder_->Flush(), "Flushing", folderPath_);
+}
+
 void FillerPlace::Note(const Status& status, const std::string& path) {
   if (!status.Ok() && !failure_) failure_ = MakeFailure("Removing", path, status);
 }

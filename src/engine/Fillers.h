@@ -40,6 +40,9 @@ class FillerPlace {
   // Gives the filler's space back: first by shortening it, since a removal can need room itself. Never throws
   // but std::bad_alloc; the first failure is kept for Close.
   void Remove(Filler& filler);
+  // Before fillers are removed: has the folder's own blocks written. They were free before, too, and freed
+  // again unwritten they would keep what stood there.
+  void FlushFolder();
   // Removes the folder, which is empty by now. Throws the first failure that there was in removing.
   void Close();
 

@@ -164,6 +164,7 @@ void FreeSpaceWipe::WipeRound() {
     OverwriteStage(stages_.back());
     // The lists of the files' pieces lie in blocks, too, which a journal would write to their place only
     // later: never, once they are free again, and what stood there before would stay.
+    place_->FlushFolder();
     operation_.device.WriteHome(*root_);
     if (stages_.size() == 1) {
       held_.push_back(std::move(stages_.back()));

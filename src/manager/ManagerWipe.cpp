@@ -198,11 +198,7 @@ void ManagerWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTo
   const FixedPoint processed = std::min(ProcessedWipeItems, state_.TotalWipeItems);
   const ProgressUpdate update =
       ComputeProgress(bytesDone, bytesTotal, itemName, processed, state_.TotalWipeItems, platform_.regional);
-  statusWindow_.SetStatus(update.status);
-  if (update.setsCurrent) statusWindow_.SetCurrent(update.current);
-  statusWindow_.SetOverall(update.overall);
-  statusWindow_.SetCaption(update.caption);
-  platform_.longWork.ShowPercent(std::clamp<int>(update.overall, 0, 100));
+  ShowProgress(update, statusWindow_, platform_.longWork);
   // While a file is in work, a click on Cancel gets through here alone.
   platform_.process.PumpMessages();
 }

@@ -1,7 +1,5 @@
 #include "wipe/JobWipe.h"
 
-#include <algorithm>
-
 #include "core/state/AppState.h"
 #include "core/state/DataFolder.h"
 #include "core/state/ItemExists.h"
@@ -247,11 +245,7 @@ void JobWipe::SFD1_WipeProgress(std::int32_t bytesDone, std::int32_t bytesTotal,
   if (state_.FreeSpaceActive) return;
   const ProgressUpdate update = ComputeProgress(bytesDone, bytesTotal, itemName, ProcessedWipeItems,
                                                 state_.TotalWipeItems, platform_.regional);
-  statusWindow_.SetStatus(update.status);
-  if (update.setsCurrent) statusWindow_.SetCurrent(update.current);
-  statusWindow_.SetOverall(update.overall);
-  statusWindow_.SetCaption(update.caption);
-  platform_.longWork.ShowPercent(std::clamp<int>(update.overall, 0, 100));
+  ShowProgress(update, statusWindow_, platform_.longWork);
   // While a file is in work, a click on Cancel gets through here alone.
   platform_.process.PumpMessages();
 }

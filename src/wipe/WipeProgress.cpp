@@ -1,5 +1,8 @@
 #include "wipe/WipeProgress.h"
 
+#include <algorithm>
+
+#include "platform/LongWork.h"
 #include "platform/NumberFormat.h"
 
 namespace zq {
@@ -38,6 +41,14 @@ ProgressUpdate ComputeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, 
   update.overall = percent;
   update.caption = std::to_string(percent) + "% - Wipe Operation";
   return update;
+}
+
+void ShowProgress(const ProgressUpdate& update, WipeStatusWindow& statusWindow, LongWork& longWork) {
+  statusWindow.SetStatus(update.status);
+  if (update.setsCurrent) statusWindow.SetCurrent(update.current);
+  statusWindow.SetOverall(update.overall);
+  statusWindow.SetCaption(update.caption);
+  longWork.ShowPercent(std::clamp<int>(update.overall, 0, 100));
 }
 
 }  // namespace zq

@@ -8,6 +8,7 @@
 
 namespace zq {
 
+class LongWork;
 class Regional;
 
 // What the user reads who ends the session meanwhile.
@@ -57,5 +58,8 @@ std::string ProgressStatus(std::int32_t bytesDone, std::int32_t bytesTotal, cons
 ProgressUpdate ComputeProgress(std::int32_t bytesDone, std::int32_t bytesTotal, const std::string& itemName,
                                const FixedPoint& processedWipeItems, const FixedPoint& totalWipeItems,
                                Regional& regional);
+
+// Shows it in the progress window and on the task bar, which takes no more than 100.
+void ShowProgress(const ProgressUpdate& update, WipeStatusWindow& statusWindow, LongWork& longWork);
 
 }  // namespace zq

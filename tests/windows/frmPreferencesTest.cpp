@@ -79,6 +79,16 @@ class frmPreferencesTest : public testing::Test {
     DispatchToForms(message);
     ::SetKeyboardState(before);
   }
+  // Alt with a letter, through the message loop.
+  void Mnemonic(char letter) {
+    constexpr LPARAM kWithAlt = 1 << 29;
+    MSG message{};
+    message.hwnd = Open().Handle();
+    message.message = WM_SYSCHAR;
+    message.wParam = static_cast<WPARAM>(letter);
+    message.lParam = kWithAlt;
+    DispatchToForms(message);
+  }
   int FocusId() { return ::GetDlgCtrlID(::GetFocus()); }
 
   FakePlatform fake_;
@@ -293,6 +303,20 @@ TEST_F(frmPreferencesTest, EscDoesNothing) {
   Open().Show();
   Key(VK_ESCAPE);
   EXPECT_TRUE(Default<frmPreferences>::IsLoaded());
+}
+
+TEST_F(frmPreferencesTest, AltAndItsLetterPressAButton) {
+  Open().Show();
+  Mnemonic('h');
+  EXPECT_THAT(asked_, ElementsAre("help: topic 11"));
+  EXPECT_TRUE(Default<frmPreferences>::IsLoaded());
+  Mnemonic('c');
+  EXPECT_FALSE(Default<frmPreferences>::IsLoaded());
+  EXPECT_THAT(log_, IsEmpty());
+  Open().Show();
+  Mnemonic('o');
+  EXPECT_FALSE(Default<frmPreferences>::IsLoaded());
+  EXPECT_THAT(log_, Contains("record C:\\Zeroquill\\Settings.dat"));
 }
 
 TEST_F(frmPreferencesTest, ReturnIsOk) {

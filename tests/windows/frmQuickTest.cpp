@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 #include <ole2.h>
 
+#include <functional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "Driving.h"
@@ -25,6 +28,32 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
 using testing::StartsWith;
+
+// Hears what a window is sent, a paint once it is done and all else before, for as long as it lives.
+class Watch {
+ public:
+  Watch(HWND window, std::function<void(UINT message, LPARAM lParam)> heard)
+      : window_(window), heard_(std::move(heard)) {
+    ::SetWindowSubclass(window_, &Watch::Receive, Id(), reinterpret_cast<DWORD_PTR>(this));
+  }
+  ~Watch() { ::RemoveWindowSubclass(window_, &Watch::Receive, Id()); }
+  Watch(const Watch&) = delete;
+  Watch& operator=(const Watch&) = delete;
+
+ private:
+  UINT_PTR Id() const { return reinterpret_cast<UINT_PTR>(this); }
+  static LRESULT CALLBACK Receive(HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                  DWORD_PTR self) {
+    const auto& heard = reinterpret_cast<const Watch*>(self)->heard_;
+    if (message != WM_PAINT) heard(message, lParam);
+    const LRESULT result = ::DefSubclassProc(window, message, wParam, lParam);
+    if (message == WM_PAINT) heard(message, lParam);
+    return result;
+  }
+
+  HWND window_;
+  std::function<void(UINT message, LPARAM lParam)> heard_;
+};
 
 class frmQuickTest : public testing::Test {
  protected:
@@ -221,6 +250,73 @@ TEST_F(frmQuickTest, WipesWhatIsDroppedBeforeTheDropReturns) {
   // A bar that rests elsewhere goes with the Bin all the same.
   Bin().Unload();
   EXPECT_EQ(::GetWindow(main_, GW_CHILD), nullptr);
+}
+
+// No message is handled in a drop: whatever changes is on the screen before the wipe goes on.
+TEST_F(frmQuickTest, PaintsItsPanelAndItsBarWhileAWipeRunsAndStaysOpen) {
+  state_.Settings.ProgressBars = 0;
+  const std::string first = scratch_.Make("first letter.txt", std::string(20000, 'a'));
+  const std::string second = scratch_.Make("second letter.txt", std::string(20000, 'b'));
+  Open();
+  const HWND bar = Bin().StatusBar1.Handle();
+  bool between = false;
+  // Between the two files: the first is at its end, and the panel is about to name the second.
+  const Watch watch(bar, [&](UINT message, LPARAM text) {
+    if (between || message != SB_SETTEXTW ||
+        std::wstring_view(reinterpret_cast<const wchar_t*>(text)).find(L"second") == std::wstring_view::npos)
+      return;
+    between = true;
+    EXPECT_FALSE(PathExists(first));
+    EXPECT_TRUE(PathExists(second));
+    EXPECT_TRUE(state_.QuickBinBusy);
+    EXPECT_NE(Panel().find("first letter.txt"), std::string::npos);
+    EXPECT_EQ(Bin().pb1.Value(), 100);
+    EXPECT_TRUE(::IsWindowVisible(Bin().pb1.Handle()));
+    EXPECT_EQ(::GetParent(Bin().pb1.Handle()), bar);
+    const RECT panel = Bin().StatusBar1.PanelPlace(1);
+    RECT place{};
+    ::GetWindowRect(Bin().pb1.Handle(), &place);
+    ::MapWindowPoints(nullptr, bar, reinterpret_cast<POINT*>(&place), 2);
+    EXPECT_TRUE(::EqualRect(&place, &panel)) << "it fills the second panel";
+    for (const HWND window : {bar, Bin().pb1.Handle(), Item(Bin(), IDC_frmQuick_cmdCancel)})
+      EXPECT_FALSE(::GetUpdateRect(window, nullptr, FALSE)) << "nothing of it waits to be painted";
+    EXPECT_FALSE(IsEnabled(Bin(), IDC_frmQuick_cmdCancel));
+    Close(Bin());
+    EXPECT_TRUE(Default<frmQuick>::IsLoaded()) << "the close box does nothing";
+    EXPECT_TRUE(state_.QuickBinOpen);
+    TakePicture(Window(HandleOf(Bin())), "frmQuick-busy", When::AtOnce);
+  });
+  Drop({first, second});
+  EXPECT_TRUE(between);
+  EXPECT_FALSE(PathExists(second));
+  EXPECT_EQ(Panel(), "Last Operation: Success");
+}
+
+TEST_F(frmQuickTest, FrameAroundThePictureAnswersTheDragUntilItIsLetGo) {
+  const std::string path = scratch_.Make("dragged.txt", "secret");
+  Open();
+  const HWND frame = Item(Bin(), IDC_frmQuick_dropFrame);
+  EXPECT_FALSE(::IsWindowVisible(frame));
+  std::vector<std::string> told;
+  const Watch watch(frame, [&](UINT message, LPARAM) {
+    if (message == WM_PAINT && told.empty()) {
+      told.emplace_back("framed");
+      // A look at the messages, of which it takes none, has Wine bring to the screen what is painted.
+      MSG none{};
+      ::PeekMessageW(&none, nullptr, WM_APP, WM_APP, PM_NOREMOVE);
+      TakePicture(Window(HandleOf(Bin())), "frmQuick-hover", When::AtOnce);
+    }
+  });
+  const Watch drop(Bin().StatusBar1.Handle(), [&](UINT message, LPARAM) {
+    if (message == SB_SETTEXTW && told.size() == 1)
+      told.emplace_back(::IsWindowVisible(frame) ? "wipes framed" : "wipes");
+  });
+  EXPECT_EQ(DragFilesTo(Window(Bin().imgDrop.Handle()).Centre(), {path}),
+            static_cast<DWORD>(DROPEFFECT_COPY));
+  EXPECT_THAT(told, ElementsAre("framed", "wipes"));
+  EXPECT_FALSE(PathExists(path));
+  EXPECT_EQ(Panel(), "Last Operation: Success");
+  MoveMouseTo({0, 0});
 }
 
 TEST_F(frmQuickTest, LockedFileAndOneThatIsGoneAreListedByAClickOnThePanel) {

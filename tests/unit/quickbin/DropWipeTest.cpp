@@ -129,6 +129,14 @@ TEST_F(DropWipeTest, ErrorsLastUntilTheNextDrop) {
   EXPECT_THAT(wipe.Errors(), IsEmpty());
 }
 
+TEST_F(DropWipeTest, NextDropWipesItsOwnFilesAlone) {
+  wipe.Drop({"C:\\a.txt"});
+  log.clear();
+  wipe.Drop({"C:\\b.txt"});
+  EXPECT_THAT(log, Contains("WipeFile C:\\b.txt 5"));
+  EXPECT_THAT(log, Not(Contains("WipeFile C:\\a.txt 5")));
+}
+
 TEST_F(DropWipeTest, AttributesThatStayAreNotToldByThemselves) {
   files.AddFile("C:\\a.txt", "a", kAttributeReadOnly);
   files.keepAttributes = {"C:\\a.txt"};
@@ -191,6 +199,11 @@ TEST_F(DropWipeTest, ProgressShowsTheNameAndTheShare) {
 
 TEST_F(DropWipeTest, EmptyFileLeavesTheBarAsItStands) {
   EXPECT_THAT(OnProgress(0, 0), ElementsAre("idle: panel a.txt"));
+}
+
+TEST_F(DropWipeTest, WorkElsewhereIsNamedAndLeavesTheBarAsItStands) {
+  wipe.SFD1_WorkElsewhere("Clearing the log");
+  EXPECT_THAT(log, ElementsAre("idle: panel Clearing the log"));
 }
 
 TEST_F(DropWipeTest, LeavingBringsBackTheMainWindowAndTheTool) {
