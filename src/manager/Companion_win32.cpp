@@ -33,6 +33,8 @@ Companion::Companion() : process_(&PumpMessages, L"Local\\Zeroquill.ExplorerMana
   window_.WipeBin = [this] { WipeBin(); };
   window_.CloseAsked = [this] { CloseAsked(); };
   window_.Destroyed = [this] {
+    // First what leads here, then what serves it.
+    entries_.Remove();
     verb_.Stop();
     ::PostQuitMessage(0);
   };
@@ -42,9 +44,14 @@ Companion::Companion() : process_(&PumpMessages, L"Local\\Zeroquill.ExplorerMana
 
 int Companion::Run() {
   if (process_.EarlierInstanceRuns()) return 0;
-  if (!window_.Create()) return 1;
-  verb_.Start(state_.AppFolder + kManagerProgram,
-              [this](std::vector<std::string> paths) { Take(std::move(paths)); });
+  // Without it, the icon's menu has to do. No drop comes before the messages are looked at.
+  if (verb_.Serve([this](std::vector<std::string> paths) { Take(std::move(paths)); }))
+    entries_.Write(state_.AppFolder + kManagerProgram);
+  // Last: whoever sees the window finds all that the companion offers.
+  if (!window_.Create()) {
+    entries_.Remove();
+    return 1;
+  }
   RunMessageLoop();
   return 0;
 }

@@ -1,7 +1,4 @@
-// ShellVerb: "Wipe with Zeroquill" in the menu of files and folders, served by this process.
-//
-// The shell hands the whole selection to a class of COM as one drop, however many there are: a command line
-// would take some hundred names, and the shell hides such verbs for larger selections.
+// ShellVerb: the class of COM that takes what the user has chosen in the shell, served by this process.
 #pragma once
 
 #include <windows.h>
@@ -12,7 +9,7 @@
 
 namespace zq {
 
-// Of the class that takes the drops.
+// Of the class, as ShellEntries writes it down.
 inline constexpr CLSID kWipeVerbClass = {
     0x8f0c6b1e, 0x5d3a, 0x4c47, {0x9b, 0x4e, 0x2a, 0x7d, 0x51, 0xe0, 0xc9, 0xf3}};
 
@@ -26,14 +23,12 @@ class ShellVerb {
   ShellVerb& operator=(const ShellVerb&) = delete;
   ~ShellVerb() { Stop(); }
 
-  // For this user alone, and gone with Stop, or when the user logs off at the latest. What the system refuses
-  // is left out: the icon's menu does without the verb. Needs OLE on this thread.
-  void Start(const std::string& programPath, Taken taken);
+  // Until Stop. False if the system refuses. Needs OLE on this thread.
+  bool Serve(Taken taken);
   void Stop();
 
  private:
   DWORD registered_ = 0;
-  bool keysWritten_ = false;
 };
 
 }  // namespace zq
