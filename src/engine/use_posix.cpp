@@ -61,8 +61,8 @@ void AddImage(const std::string& loop, Images& images) {
       isKnown = true;
     }
   }
-  // The device may not be ours to open. The path may be another one from here, or lead nowhere: the file can lie
-  // in a space of mounts of its own, or have no name any more.
+  // The device may not be ours to open. The path may be another one from here, or lead nowhere: the file can
+  // lie in a space of mounts of its own, or have no name any more.
   struct stat facts {};
   if (::stat(backing.c_str(), &facts) == 0) {
     images.files.push_back({facts.st_dev, facts.st_ino});
