@@ -72,6 +72,7 @@ case $name in
       [[ $status != 0 && ! -e $folder/spoken ]] || break
       cage_say "$name ended with $status before it began (start $starts of 4 at most)"
     done
+    ((status == 0)) || cage_say "$name ended with $status"
     ;;
   *) run "$@" || status=$? ;;
 esac
