@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <ole2.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -78,8 +79,25 @@ class frmQuickTest : public testing::Test {
     Bin().Show();
     PumpMessages();
   }
-  // What a drop brings; that drops come here is the real program's test.
-  void Drop(const std::vector<std::string>& paths) { Bin().imgDrop_OLEDragDrop(paths); }
+  // Away from the corner that drags begin in.
+  void MoveIntoView() {
+    ::SetWindowPos(HandleOf(Bin()), nullptr, 300, 200, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    PumpMessages();
+  }
+  // The picture with what is around it, as it lies on the screen.
+  Picture AroundThePicture() { return GrabScreen(Window(Item(Bin(), IDC_frmQuick_dropFrame)).ScreenRect()); }
+  // A look at the messages, of which it takes none, has Wine bring to the screen what is painted.
+  static void BringToScreen() {
+    MSG none{};
+    ::PeekMessageW(&none, nullptr, WM_APP, WM_APP, PM_NOREMOVE);
+  }
+  // A drop with the mouse. It ends behind the last file.
+  void Drop(const std::vector<std::string>& paths) {
+    EXPECT_EQ(DragFilesTo(Window(Bin().imgDrop.Handle()).Centre(), paths),
+              static_cast<DWORD>(DROPEFFECT_COPY));
+  }
+  // What such a drop brings, without the mouse.
+  void Bring(const std::vector<std::string>& paths) { Bin().imgDrop_OLEDragDrop(paths); }
   std::string Panel() { return Bin().StatusBar1.Text(0); }
   void ClickPanel(int panel) {
     const RECT place = Bin().StatusBar1.PanelPlace(panel);
@@ -105,6 +123,17 @@ class frmQuickTest : public testing::Test {
     });
     return shown;
   }
+  // As far as the screen lets it.
+  static void ExpectInTheMiddleOf(RECT dialog, RECT owner) {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof monitor;
+    ASSERT_TRUE(::GetMonitorInfoW(::MonitorFromRect(&owner, MONITOR_DEFAULTTONEAREST), &monitor));
+    const RECT& work = monitor.rcWork;
+    const LONG left = (owner.left + owner.right - (dialog.right - dialog.left)) / 2;
+    const LONG top = (owner.top + owner.bottom - (dialog.bottom - dialog.top)) / 2;
+    EXPECT_EQ(dialog.left, std::clamp(left, work.left, work.right - (dialog.right - dialog.left)));
+    EXPECT_EQ(dialog.top, std::clamp(top, work.top, work.bottom - (dialog.bottom - dialog.top)));
+  }
   // Clicks the first panel, reads what the dialog lists, and closes it. Empty when none comes.
   std::vector<std::string> ErrorsByClick(const char* picture) {
     std::vector<std::string> lines;
@@ -114,6 +143,12 @@ class frmQuickTest : public testing::Test {
       EXPECT_EQ(CaptionOf(form), "QuickWipe Errors");
       EXPECT_EQ(DefaultButtonOf(form), IDC_frmQuickErrors_cmdOK);
       EXPECT_EQ(::GetWindow(form.Handle(), GW_OWNER), HandleOf(Bin()));
+      const Window dialog(form.Handle());
+      EXPECT_TRUE(dialog.IsTopmost()) << "or the Bin would hide it";
+      EXPECT_EQ(dialog.Style() & (WS_THICKFRAME | WS_MINIMIZEBOX | WS_MAXIMIZEBOX), 0);
+      EXPECT_NE(dialog.ExtendedStyle() & WS_EX_DLGMODALFRAME, 0);
+      EXPECT_EQ(dialog.ExtendedStyle() & WS_EX_APPWINDOW, 0) << "no button on the task bar";
+      ExpectInTheMiddleOf(dialog.ScreenRect(), Window(HandleOf(Bin())).ScreenRect());
       TakePicture(Window(form.Handle()), picture);
       const HWND list = Item(form, IDC_frmQuickErrors_List1);
       for (LRESULT i = 0; i < ::SendMessageW(list, LB_GETCOUNT, 0, 0); ++i) {
@@ -167,6 +202,15 @@ TEST_F(frmQuickTest, OpensWithItsTextsInFrontOfAllOthers) {
   EXPECT_NE(window.ExtendedStyle() & WS_EX_APPWINDOW, 0) << "a button of its own on the task bar";
   EXPECT_EQ(window.Style() & (WS_THICKFRAME | WS_MAXIMIZEBOX), 0);
   EXPECT_EQ(::GetWindowLongW(Bin().StatusBar1.Handle(), GWL_STYLE) & SBARS_SIZEGRIP, 0);
+  // Where the system puts it, which isn't in the user's way in the middle.
+  MONITORINFO monitor{};
+  monitor.cbSize = sizeof monitor;
+  ASSERT_TRUE(::GetMonitorInfoW(::MonitorFromWindow(form.Handle(), MONITOR_DEFAULTTONEAREST), &monitor));
+  const RECT place = window.ScreenRect();
+  const RECT& work = monitor.rcWork;
+  constexpr LONG kRounding = 2;
+  EXPECT_GT(std::abs(place.left + place.right - work.left - work.right), kRounding);
+  EXPECT_GT(std::abs(place.top + place.bottom - work.top - work.bottom), kRounding);
   TakePicture(window, "frmQuick");
 }
 
@@ -286,7 +330,7 @@ TEST_F(frmQuickTest, PaintsItsPanelAndItsBarWhileAWipeRunsAndStaysOpen) {
     EXPECT_TRUE(state_.QuickBinOpen);
     TakePicture(Window(HandleOf(Bin())), "frmQuick-busy", When::AtOnce);
   });
-  Drop({first, second});
+  Bring({first, second});
   EXPECT_TRUE(between);
   EXPECT_FALSE(PathExists(second));
   EXPECT_EQ(Panel(), "Last Operation: Success");
@@ -297,19 +341,24 @@ TEST_F(frmQuickTest, FrameAroundThePictureAnswersTheDragUntilItIsLetGo) {
   Open();
   const HWND frame = Item(Bin(), IDC_frmQuick_dropFrame);
   EXPECT_FALSE(::IsWindowVisible(frame));
+  MoveIntoView();
+  const Picture atRest = AroundThePicture();
   std::vector<std::string> told;
   const Watch watch(frame, [&](UINT message, LPARAM) {
     if (message == WM_PAINT && told.empty()) {
       told.emplace_back("framed");
-      // A look at the messages, of which it takes none, has Wine bring to the screen what is painted.
-      MSG none{};
-      ::PeekMessageW(&none, nullptr, WM_APP, WM_APP, PM_NOREMOVE);
+      BringToScreen();
       TakePicture(Window(HandleOf(Bin())), "frmQuick-hover", When::AtOnce);
     }
   });
   const Watch drop(Bin().StatusBar1.Handle(), [&](UINT message, LPARAM) {
-    if (message == SB_SETTEXTW && told.size() == 1)
-      told.emplace_back(::IsWindowVisible(frame) ? "wipes framed" : "wipes");
+    if (message != SB_SETTEXTW || told.size() != 1) return;
+    told.emplace_back(::IsWindowVisible(frame) ? "wipes framed" : "wipes");
+    // No message is handled until the wipe ends: what the frame has left is painted by now.
+    EXPECT_TRUE(WaitFor([&] {
+      BringToScreen();
+      return AroundThePicture() == atRest;
+    })) << "the picture isn't whole while the wipe runs";
   });
   EXPECT_EQ(DragFilesTo(Window(Bin().imgDrop.Handle()).Centre(), {path}),
             static_cast<DWORD>(DROPEFFECT_COPY));
@@ -326,12 +375,15 @@ TEST_F(frmQuickTest, LockedFileAndOneThatIsGoneAreListedByAClickOnThePanel) {
   Open();
   const HANDLE held = ::CreateFileA(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   ASSERT_NE(held, INVALID_HANDLE_VALUE);
+  MoveIntoView();
   Drop({locked, free, gone});
   ::CloseHandle(held);
   EXPECT_EQ(ReadFileBytes(locked), "in use");
   EXPECT_FALSE(PathExists(free));
   EXPECT_EQ(Panel(), "Last Operation: Errors");
   EXPECT_THAT(fake_.boxes.shown, IsEmpty());
+  PumpMessages();
+  TakePicture(Window(HandleOf(Bin())), "frmQuick-errors");
   ClickPanel(1);
   EXPECT_FALSE(Default<frmQuickErrors>::IsLoaded());
   for (int time = 0; time < 2; ++time) {
@@ -340,33 +392,59 @@ TEST_F(frmQuickTest, LockedFileAndOneThatIsGoneAreListedByAClickOnThePanel) {
     EXPECT_THAT(lines[0], StartsWith(locked + " - "));
     EXPECT_THAT(lines[1], StartsWith(gone + " - "));
   }
-  Drop({locked});
+  Bring({locked});
   EXPECT_FALSE(PathExists(locked)) << "nobody holds it any more";
   EXPECT_EQ(Panel(), "Last Operation: Success");
 }
 
 TEST_F(frmQuickTest, DropOfNothingIsASuccess) {
   Open();
-  Drop({});
+  Bring({});
   EXPECT_EQ(Panel(), "Last Operation: Success") << "nothing has failed";
 }
 
-TEST_F(frmQuickTest, BarTakesTheLookOfTheSettingAtItsOpening) {
-  const auto colourOf = [&] {
-    Open();
+TEST_F(frmQuickTest, DropWithoutItsListChangesNothingAndADamagedListIsADropOfNothing) {
+  const std::string gone = scratch_ / "gone.txt";
+  Open();
+  const POINT picture = Window(Bin().imgDrop.Handle()).Centre();
+  Bring({gone});
+  ASSERT_EQ(Panel(), "Last Operation: Errors");
+  EXPECT_EQ(DragListTo(picture, {}), static_cast<DWORD>(DROPEFFECT_COPY));
+  EXPECT_EQ(Panel(), "Last Operation: Errors") << "the last status stays";
+  EXPECT_EQ(ErrorsByClick("frmQuickErrors-one").size(), 1U);
+
+  const std::string kept = scratch_.Make("kept.txt", "stays");
+  std::vector<char> damaged = DropFilesBytes({kept});
+  damaged.resize(damaged.size() - 2 * sizeof(wchar_t));  // without the zeros of its end
+  EXPECT_EQ(DragListTo(picture, damaged), static_cast<DWORD>(DROPEFFECT_COPY));
+  EXPECT_EQ(Panel(), "Last Operation: Success");
+  EXPECT_EQ(ReadFileBytes(kept), "stays");
+}
+
+// What the bar of an open Bin looks like, in a corner of it.
+TEST_F(frmQuickTest, BarTakesTheLookOfTheSettingAtItsOpeningAndKeepsIt) {
+  const auto colour = [&] {
     Bin().pb1.SetValue(100);
     Bin().pb1.SetVisible(true);
     PumpMessages();
     const RECT place = Window(Bin().pb1.Handle()).ScreenRect();
     const Picture picture = GrabScreen(place);
-    const std::uint32_t colour = picture.At(picture.width / 8, picture.height - 4);
-    Bin().Unload();
-    return colour;
+    Bin().pb1.SetVisible(false);
+    return picture.At(picture.width / 8, picture.height - 4);
   };
-  state_.Settings.ProgressBars = 0;
-  EXPECT_EQ(colourOf(), 0x28D22Bu);
-  state_.Settings.ProgressBars = 1;
-  EXPECT_NE(colourOf(), 0x28D22Bu);
+  constexpr std::uint32_t kPlain = 0x28D22B;
+  for (const bool plain : {true, false, true}) {
+    state_.Settings.ProgressBars = plain ? 0 : 1;
+    Open();
+    EXPECT_EQ(colour() == kPlain, plain);
+    // The setting changes while the Bin is open: neither now nor at a drop does the bar.
+    state_.Settings.ProgressBars = plain ? 1 : 0;
+    EXPECT_EQ(colour() == kPlain, plain);
+    Bring({scratch_.Make("dropped.txt", "secret")});
+    ::SetParent(Bin().pb1.Handle(), HandleOf(Bin()));
+    EXPECT_EQ(colour() == kPlain, plain);
+    Bin().Unload();
+  }
 }
 
 }  // namespace

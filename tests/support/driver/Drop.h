@@ -23,4 +23,8 @@ void PostDroppedFiles(Window target, const std::vector<std::string>& paths, POIN
 // nothing. Throws a DriverError when the drag doesn't get on its way.
 DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths);
 
+// The same with the bytes of such a list, whatever they are. An empty list is promised to the target, and not
+// handed over when it asks.
+DWORD DragListTo(POINT screen, std::vector<char> list);
+
 }  // namespace zq::test
