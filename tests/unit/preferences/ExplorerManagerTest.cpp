@@ -110,6 +110,13 @@ TEST_F(ExplorerManagerTest, NothingIsOfferedWhileAWindowOfItsTitleIsThere) {
   }
 }
 
+TEST_F(ExplorerManagerTest, TitleThatHasItsOwnFurtherInIsNotItsWindow) {
+  systemWindows.windows = {{"About ZQ Explorer Manager"}};
+  boxes.answers = {MessageAnswer::No};
+  manager.OfferManagerLaunch();
+  EXPECT_THAT(boxes.shown, ElementsAre(kOffer));
+}
+
 TEST_F(ExplorerManagerTest, OfferedLaunchThatFailsIsTold) {
   process.startFails = true;
   boxes.answers = {MessageAnswer::Yes, MessageAnswer::Ok};
