@@ -24,4 +24,7 @@ mkdir -p build/all
 for tree in "${trees[@]}"; do
   echo "subdirs(\"$PWD/build/$tree\")"
 done >build/all/CTestTestfile.cmake
-ctest --test-dir build/all --parallel "$jobs" --output-on-failure --no-tests=error "$@"
+status=0
+ctest --test-dir build/all --parallel "$jobs" --output-on-failure --no-tests=error "$@" || status=$?
+((status == 0)) || scripts/failures.sh build/all/Testing/Temporary/LastTest.log
+exit "$status"

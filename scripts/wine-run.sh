@@ -12,19 +12,23 @@
 # a folder of its own under that name, whose pictures are moved. Else they go to build/pictures.
 # With ZQ_FAILURES_ONLY set, what GoogleTest prints of tests that passed is left out: the rest is short enough to be
 # read in any log, and of a program that ended early it still names the test.
+# A program of tests (NAME_test.exe) that ended with an error and without a word has never begun: GoogleTest speaks
+# first. Wine loses such a process at times; it is started again, three times at most, and that is told.
 # Exit code 97: the cage is open, and nothing was run; 96: the prefix has small drives, for which this system
 # allows no mount name space.
 set -euo pipefail
 # shellcheck source=scripts/cage.sh
 source "$(dirname -- "${BASH_SOURCE[0]}")/cage.sh"
 
-leave_out_passed() {
-  awk '
-    /^\[ RUN      \]/ { begun = $0; next }
-    /^\[       OK \]/ { begun = ""; next }
-    /^\[----------\]/ { next }
+# tell SPOKEN: its input, or what of it is wanted; makes the file SPOKEN when there is any.
+tell() {
+  awk -v spoken="$1" -v failures="${ZQ_FAILURES_ONLY:-}" '
+    NR == 1 { printf "" >spoken; close(spoken) }
+    failures != "" && /^\[ RUN      \]/ { begun = $0; next }
+    failures != "" && /^\[       OK \]/ { begun = ""; next }
+    failures != "" && /^\[----------\]/ { next }
     begun != "" { print begun; begun = "" }
-    { print }
+    { print; fflush() }
     END { if (begun != "") print begun }'
 }
 
@@ -60,11 +64,18 @@ status=0
 run() {
   ZQ_PICTURES="C:\\run\\${folder##*/}\\pictures" cage_exec "$prefix" "$folder" wine "$name.exe" "$@"
 }
-if [[ -n ${ZQ_FAILURES_ONLY:-} ]]; then
-  run "$@" | leave_out_passed || status=$?
-else
-  run "$@" || status=$?
-fi
+case $name in
+  *_test)
+    for starts in 1 2 3 4; do
+      status=0
+      run "$@" | tell "$folder/spoken" || status=$?
+      [[ $status != 0 && ! -e $folder/spoken ]] || break
+      cage_say "$name ended with $status before it began (start $starts of 4 at most)"
+    done
+    ((status == 0)) || cage_say "$name ended with $status"
+    ;;
+  *) run "$@" || status=$? ;;
+esac
 
 if [[ -n $(ls -A -- "$folder/pictures" 2>/dev/null) ]]; then
   mkdir -p -- "$pictures"

@@ -23,16 +23,6 @@ FORMATETC FileListFormat() {
   return {CF_HDROP, nullptr, DVASPECT_CONTENT, -1, TYMED_HGLOBAL};
 }
 
-// The file list of a data object; false where it has none.
-bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
-  FORMATETC format = FileListFormat();
-  STGMEDIUM medium{};
-  if (FAILED(data.GetData(&format, &medium))) return false;
-  if (medium.tymed == TYMED_HGLOBAL) paths = PathsInMemory(medium.hGlobal);
-  ::ReleaseStgMedium(&medium);
-  return true;
-}
-
 // The shell's drawer of what is dragged; null where it has none, and the pointer alone moves then.
 ComPointer<IDropTargetHelper> DragPicture() {
   void* helper = nullptr;
@@ -47,6 +37,15 @@ POINT PointOf(POINTL point) {
 }
 
 }  // namespace
+
+bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
+  FORMATETC format = FileListFormat();
+  STGMEDIUM medium{};
+  if (FAILED(data.GetData(&format, &medium))) return false;
+  if (medium.tymed == TYMED_HGLOBAL) paths = PathsInMemory(medium.hGlobal);
+  ::ReleaseStgMedium(&medium);
+  return true;
+}
 
 class DropTarget::Target final : public IDropTarget {
  public:

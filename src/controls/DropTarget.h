@@ -2,12 +2,16 @@
 #pragma once
 
 #include <windows.h>
+#include <objidl.h>
 
 #include <functional>
 
 #include "controls/DroppedPaths.h"
 
 namespace zq {
+
+// The file list of a data object; false where it has none.
+bool ReadFileList(IDataObject& data, DroppedPaths& paths);
 
 // Takes the drops on a window while it is registered. Needs OLE on this thread.
 class DropTarget {

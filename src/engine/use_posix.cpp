@@ -5,6 +5,7 @@
 #include <linux/loop.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -38,23 +39,36 @@ struct Images {
   bool known = true;  // these are all
 };
 
+// A device's number as the loop driver gives it: of 64 bits, though encoded as one of 32 is.
+dev_t DeviceOf(std::uint64_t number) {
+  return ::makedev(static_cast<unsigned>((number & 0xfff00) >> 8),
+                   static_cast<unsigned>((number & 0xff) | ((number >> 12) & 0xfff00)));
+}
+
 void AddImage(const std::string& loop, Images& images) {
   const std::string backing = ReadLine("/sys/block/" + loop + "/loop/backing_file");
   if (backing.empty()) return;  // there is none
+  bool isKnown = false;
   if (const UniqueFd fd(::open(("/dev/" + loop).c_str(), O_RDONLY | O_CLOEXEC)); fd.IsOpen()) {
     loop_info64 info{};
-    if (::ioctl(fd.Get(), LOOP_GET_STATUS64, &info) == 0) {
-      images.files.push_back({static_cast<dev_t>(info.lo_device), static_cast<ino_t>(info.lo_inode)});
+    struct stat facts {};
+    // Behind a name in another space's /dev there may be another device.
+    if (::fstat(fd.Get(), &facts) == 0 && S_ISBLK(facts.st_mode) &&
+        ReadLine("/sys/block/" + loop + "/dev") ==
+            std::to_string(major(facts.st_rdev)) + ':' + std::to_string(minor(facts.st_rdev)) &&
+        ::ioctl(fd.Get(), LOOP_GET_STATUS64, &info) == 0) {
+      images.files.push_back({DeviceOf(info.lo_device), static_cast<ino_t>(info.lo_inode)});
+      isKnown = true;
     }
   }
-  // The device may not be ours to open, and the path may be another one from here. The two numbers of a
-  // device come in different forms, so this is asked in any case.
+  // The device may not be ours to open. The path may be another one from here, or lead nowhere: the file can
+  // lie in a space of mounts of its own, or have no name any more.
   struct stat facts {};
   if (::stat(backing.c_str(), &facts) == 0) {
     images.files.push_back({facts.st_dev, facts.st_ino});
-  } else {
-    images.known = false;
+    isKnown = true;
   }
+  images.known = images.known && isKnown;
 }
 
 Images FindImages() {

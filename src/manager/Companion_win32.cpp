@@ -1,8 +1,11 @@
 #include "manager/Companion_win32.h"
 
 #include <memory>
+#include <utility>
 
 #include "core/state/DataFolder.h"
+#include "core/state/ManagerNames.h"
+#include "manager/SystemPlaces_win32.h"
 #include "platform/MessageBoxes.h"
 #include "quickbin/frmQuickErrors.h"
 
@@ -29,14 +32,26 @@ Companion::Companion() : process_(&PumpMessages, L"Local\\Zeroquill.ExplorerMana
   window_.OpenProgram = [this] { OpenProgram(); };
   window_.WipeBin = [this] { WipeBin(); };
   window_.CloseAsked = [this] { CloseAsked(); };
-  window_.Destroyed = [] { ::PostQuitMessage(0); };
+  window_.Destroyed = [this] {
+    // First what leads here, then what serves it.
+    entries_.Remove();
+    verb_.Stop();
+    ::PostQuitMessage(0);
+  };
   window_.IsBusy = [this] { return busy_; };
   window_.WorkWaits = [this] { AfterWork(); };
 }
 
 int Companion::Run() {
   if (process_.EarlierInstanceRuns()) return 0;
-  if (!window_.Create()) return 1;
+  // Without it, the icon's menu has to do. No drop comes before the messages are looked at.
+  if (verb_.Serve([this](std::vector<std::string> paths) { Take(std::move(paths)); }))
+    entries_.Write(state_.AppFolder + kManagerProgram);
+  // Last: whoever sees the window finds all that the companion offers.
+  if (!window_.Create()) {
+    entries_.Remove();
+    return 1;
+  }
   RunMessageLoop();
   return 0;
 }
@@ -56,10 +71,27 @@ void Companion::WipeBin() {
   window_.PostWork();
 }
 
+// The shell stands still until this returns.
+void Companion::Take(std::vector<std::string> paths) {
+  if (closing_) return;
+  waiting_.push_back(std::move(paths));
+  window_.PostWork();
+}
+
+void Companion::WipeSelected(const std::vector<std::string>& paths) {
+  busy_ = true;
+  ReadSettings();
+  const SystemPlaces places = PlacesOfThisMachine(state_.AppFolder);
+  wipe_.WipeSelection(LookAtSelection(files_, process_, regional_, places, paths));
+  busy_ = false;
+  window_.PostWork();
+}
+
 // What is being wiped comes to its end first: the user has its progress window to cancel it. Anything else
 // that is open is answered by being closed.
 void Companion::CloseAsked() {
   closing_ = true;
+  waiting_.clear();
   if (!busy_) return window_.Destroy();
   if (!Default<frmStatus>::IsLoaded())
     ::EnumThreadWindows(::GetCurrentThreadId(), &CloseUnlessManager,
@@ -68,7 +100,11 @@ void Companion::CloseAsked() {
 
 void Companion::AfterWork() {
   if (busy_) return;
-  if (closing_) window_.Destroy();
+  if (closing_) return window_.Destroy();
+  if (waiting_.empty()) return;
+  const std::vector<std::string> paths = std::move(waiting_.front());
+  waiting_.pop_front();
+  WipeSelected(paths);
 }
 
 // As the program has left them by now.

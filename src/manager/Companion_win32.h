@@ -11,7 +11,10 @@
 #include "core/state/AppState.h"
 #include "manager/ManagerWindow_win32.h"
 #include "manager/ManagerWipe.h"
+#include "manager/ShellEntries.h"
+#include "manager/ShellVerb_win32.h"
 #include "manager/UserBins_win32.h"
+#include "manager/UserShell_win32.h"
 #include "platform/win32/Win32Drives.h"
 #include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32MessageBoxes.h"
@@ -33,6 +36,8 @@ class Companion final : private LineList {
  private:
   void OpenProgram();
   void WipeBin();
+  void WipeSelected(const std::vector<std::string>& paths);
+  void Take(std::vector<std::string> paths);
   void CloseAsked();
   void AfterWork();
   void ReadSettings();
@@ -52,6 +57,10 @@ class Companion final : private LineList {
   StatusWindow statusWindow_;
   ManagerWipe wipe_{state_, platform_, statusWindow_, *this};
   SFD1 engine_{wipe_};
+  ShellVerb verb_;
+  Win32UserShell userShell_;
+  ShellEntries entries_{userShell_};
+  std::deque<std::vector<std::string>> waiting_;  // selections, in the order in which they came
   bool busy_ = false;
   bool closing_ = false;
 };

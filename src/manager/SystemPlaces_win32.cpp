@@ -3,26 +3,13 @@
 #include <windows.h>
 #include <shlobj.h>
 
-#include <memory>
-
+#include "manager/KnownFolder_win32.h"
 #include "platform/win32/LongPath.h"
 #include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
 namespace {
-
-struct TaskMemory {
-  void operator()(wchar_t* memory) const { ::CoTaskMemFree(memory); }
-};
-
-// Empty where this system has no such folder.
-std::string KnownFolder(const KNOWNFOLDERID& id) {
-  wchar_t* path = nullptr;
-  const HRESULT found = ::SHGetKnownFolderPath(id, KF_FLAG_DONT_VERIFY, nullptr, &path);
-  const std::unique_ptr<wchar_t, TaskMemory> owned(path);
-  return SUCCEEDED(found) && path ? FromWide(path) : std::string();
-}
 
 // Opened for nothing but its name, and no link is passed over: it leads where it leads.
 std::string RealPath(const std::string& path) {

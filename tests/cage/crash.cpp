@@ -1,5 +1,5 @@
 // A program that ends as it is told to: `crash` by a fault in the second of two tests, `fill` after filling
-// drive D:, else with 3.
+// drive D:, `lost` in silence at its first start in this folder, else with 3.
 #include <windows.h>
 
 #include <cstdio>
@@ -37,6 +37,12 @@ int main(int argc, char** argv) {
   if (argc > 1 && std::strcmp(argv[1], "fill") == 0) {
     std::printf("%llu\n", FillDrive());
     return 0;
+  }
+  if (argc > 1 && std::strcmp(argv[1], "lost") == 0) {
+    // Made at the first start, found at the second.
+    HANDLE mark = ::CreateFileA("lost", GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    if (mark != INVALID_HANDLE_VALUE) return 5;
+    std::puts("found");
   }
   return 3;
 }

@@ -145,7 +145,9 @@ TEST_F(FreeSpace, IsNotTouchedWithoutAnOkToBoth) {
   const ULONGLONG free = FreeBytes();
   const Program program(exe_);
   const MainWindow main(program);
-  OpenDialog(program, main).Close();
+  const Window first = OpenDialog(program, main);
+  first.Close();
+  first.WaitGone();
   main.window.WaitEnabled();
   const Window dialog = OpenDialog(program, main);
   Choose(dialog, 'D', kLevel3);

@@ -4,7 +4,7 @@
 #include <sddl.h>
 #include <shellapi.h>
 
-#include "e2e/Zeroquill.h"
+#include "e2e/ManagerStage.h"
 #include "support/BinBytes.h"
 #include "support/driver/Picture.h"
 #include "support/driver/Text.h"
@@ -12,22 +12,12 @@
 namespace zq::test {
 namespace {
 
-constexpr char kTitle[] = "ZQ Explorer Manager";
 constexpr char kWipeBin[] = "Wipe Recycle Bin";
 constexpr char kSecret[] = "what nobody must read again";
 constexpr char kBins[] = "D:\\$Recycle.Bin";
 // What the icon sends to its window, and what its menu sends.
 constexpr UINT kFromTheIcon = WM_APP + 0x20;
 constexpr int kWipeBinCommand = 102;
-
-Window ManagerWindow() {
-  return Window(::FindWindowW(nullptr, L"ZQ Explorer Manager"));
-}
-
-Window WaitManager() {
-  Await("the companion's window", [] { return static_cast<bool>(ManagerWindow()); });
-  return ManagerWindow();
-}
 
 std::string OwnId() {
   HANDLE token = nullptr;
@@ -49,9 +39,8 @@ void MakeFolder(const std::string& path) {
     throw DriverError("no folder " + path);
 }
 
-class Manager : public ZeroquillTest {
+class Manager : public ManagerTest {
  protected:
-  const std::string manager_ = folder_ + "\\ZQExMan.exe";
   const std::string own_ = std::string(kBins) + "\\" + OwnId();
   const std::string another_ = std::string(kBins) + "\\S-1-5-21-1-2-3-1002";
 
@@ -85,10 +74,11 @@ class Manager : public ZeroquillTest {
 };
 
 TEST_F(Manager, RunsOnceBehindItsHiddenWindowUntilThatIsClosed) {
-  const Program program(manager_);
+  const RunningManager manager(manager_);
+  const Program& program = manager.program;
   const Window window = WaitManager();
   EXPECT_EQ(window.ProcessId(), program.Id());
-  EXPECT_EQ(window.Text(), kTitle);
+  EXPECT_EQ(window.Text(), kManagerTitle);
   EXPECT_FALSE(window.IsVisible());
   EXPECT_EQ(::GetParent(window.Handle()), nullptr);
   EXPECT_EQ(Program(manager_).WaitExit(), 0u) << "the second one";
@@ -103,7 +93,8 @@ TEST_F(Manager, RunsOnceBehindItsHiddenWindowUntilThatIsClosed) {
 }
 
 TEST_F(Manager, MenuOfItsIconEndsIt) {
-  const Program program(manager_);
+  const RunningManager manager(manager_);
+  const Program& program = manager.program;
   const Window window = WaitManager();
   window.Post(kFromTheIcon, MAKEWPARAM(300, 300), MAKELPARAM(WM_CONTEXTMENU, 1));
   Await("the menu", [&] { return static_cast<bool>(FindMenu(program)); });
@@ -114,7 +105,8 @@ TEST_F(Manager, MenuOfItsIconEndsIt) {
 
 TEST_F(Manager, MenuOfItsIconOpensTheProgram) {
   Prepare();
-  const Program program(manager_);
+  const RunningManager manager(manager_);
+  const Program& program = manager.program;
   const Window window = WaitManager();
   window.Post(kFromTheIcon, MAKEWPARAM(300, 300), MAKELPARAM(WM_CONTEXTMENU, 1));
   Await("the menu", [&] { return static_cast<bool>(FindMenu(program)); });
@@ -133,7 +125,8 @@ TEST_F(Manager, WipesTheBinAfterItsQuestionAndNothingElse) {
   settings.passes = 5;
   Prepare(settings);
   const std::string before = ReadFileBytes(settingsPath_);
-  const Program program(manager_);
+  const RunningManager manager(manager_);
+  const Program& program = manager.program;
   WaitManager().Command(kWipeBinCommand);
   const MessageBoxView question = program.WaitBox(kWipeBin);
   TakePicture(question.window, "manager-bin-question");
@@ -170,7 +163,8 @@ TEST_F(Manager, WipesTheBinAfterItsQuestionAndNothingElse) {
 TEST_F(Manager, TellsWhatCouldNotBeWipedAndKeepsItsRecord) {
   Prepare();
   const HeldFile held(own_ + "\\$RNEW001.txt");
-  const Program program(manager_);
+  const RunningManager manager(manager_);
+  const Program& program = manager.program;
   WaitManager().Command(kWipeBinCommand);
   program.WaitBox(kWipeBin).Answer("OK");
   const MessageBoxView summary = program.WaitBox(kWipeBin);
@@ -192,7 +186,8 @@ TEST_F(Manager, TellsWhatCouldNotBeWipedAndKeepsItsRecord) {
 
 TEST_F(Manager, IsClosedOverItsQuestionWithoutAWipe) {
   Prepare();
-  const Program program(manager_);
+  const RunningManager manager(manager_);
+  const Program& program = manager.program;
   WaitManager().Command(kWipeBinCommand);
   program.WaitBox(kWipeBin);
   WaitManager().Close();

@@ -204,6 +204,30 @@ case_image_of_a_mounted_device() {
   umount "$mnt/inner"
 }
 
+# The path that the kernel tells of an image leads nowhere if it lies in a space of mounts of its own, or if the name
+# is gone. The device itself tells which file it is, so that no other is taken for it.
+case_image_without_a_path() {
+  mkdir "$top" "$mnt/inner"
+  truncate -s 4M "$mnt/image"
+  mkfs.ext4 -q -F -- "$mnt/image"
+  ln -- "$mnt/image" "$top/other name"
+  mount -o loop -- "$mnt/image" "$mnt/inner"
+  put "$mnt/inner/precious"
+  sync -f "$mnt/inner"
+  rm -- "$mnt/image"
+  wipe "$top"
+  refused 'it is the image of a loop device'
+  kept "$mnt/inner/precious"
+  # Open for writing, as an image is.
+  mkdir "$top/beside"
+  put "$top/beside/file" 65536
+  exec 7>>"$top/beside/file"
+  wipe "$top/beside"
+  exec 7>&-
+  wiped "$top/beside"
+  umount "$mnt/inner"
+}
+
 case_swap_file() {
   mkdir "$top"
   dd if=/dev/zero of="$top/swap" bs=64k count=16 status=none

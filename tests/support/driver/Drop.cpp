@@ -212,4 +212,24 @@ DWORD DragListTo(POINT screen, std::vector<char> list) {
   return result == DRAGDROP_S_DROP ? effect : static_cast<DWORD>(DROPEFFECT_NONE);
 }
 
+DWORD DropFilesOnClass(REFCLSID classId, const std::vector<std::string>& paths) {
+  if (FAILED(::OleInitialize(nullptr))) throw DriverError("no OLE");
+  void* created = nullptr;
+  const HRESULT found = ::CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, IID_IDropTarget, &created);
+  if (FAILED(found)) throw DriverError("the class is not served: " + std::to_string(found));
+  auto* const target = static_cast<IDropTarget*>(created);
+  FileData data(DropFilesBytes(paths, {0, 0}));
+  constexpr DWORD kOffered = DROPEFFECT_COPY | DROPEFFECT_LINK | DROPEFFECT_MOVE;
+  DWORD effect = kOffered;
+  HRESULT result = target->DragEnter(&data, MK_LBUTTON, {0, 0}, &effect);
+  if (SUCCEEDED(result)) {
+    effect = kOffered;
+    result = target->Drop(&data, 0, {0, 0}, &effect);
+  }
+  target->Release();
+  ::OleUninitialize();
+  if (FAILED(result)) throw DriverError("the drop was refused: " + std::to_string(result));
+  return effect;
+}
+
 }  // namespace zq::test

@@ -27,4 +27,9 @@ DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths);
 // handed over when it asks.
 DWORD DragListTo(POINT screen, std::vector<char> list);
 
+// Hands the paths as a file list to a class of COM that another process serves, as the shell does to the
+// class of a verb. Gives the effect that it chose, once it has returned from the drop. Throws a DriverError
+// when it isn't served or refuses.
+DWORD DropFilesOnClass(REFCLSID classId, const std::vector<std::string>& paths);
+
 }  // namespace zq::test

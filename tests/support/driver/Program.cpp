@@ -5,7 +5,7 @@
 
 namespace zq::test {
 
-Program::Program(const std::string& path, const std::string& arguments) {
+Program::Program(const std::string& path, const std::string& arguments, HANDLE token) {
   RequireCage();
   // The job's end is the end of all in it, whatever becomes of this process.
   job_ = ::CreateJobObjectW(nullptr, nullptr);
@@ -19,10 +19,12 @@ Program::Program(const std::string& path, const std::string& arguments) {
   startup.cb = sizeof startup;
   PROCESS_INFORMATION info{};
   const auto start = [&]() -> DWORD {
-    return ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED, nullptr,
-                            folder.c_str(), &startup, &info) != 0
-               ? ERROR_SUCCESS
-               : ::GetLastError();
+    const BOOL started =
+        token ? ::CreateProcessAsUserW(token, nullptr, commandLine.data(), nullptr, nullptr, FALSE,
+                                       CREATE_SUSPENDED, nullptr, folder.c_str(), &startup, &info)
+              : ::CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED,
+                                 nullptr, folder.c_str(), &startup, &info);
+    return started ? ERROR_SUCCESS : ::GetLastError();
   };
   DWORD error = start();
   // On a busy machine Wine sometimes loses a process before its first instruction, and says so by this error.

@@ -18,8 +18,8 @@ class Program {
  public:
   // Starts `path` with `arguments` as its raw argument text and its own folder as working folder.
   // Throws a DriverError outside the cage or when it can't be started. The program and all that it
-  // starts end with this object at the latest.
-  explicit Program(const std::string& path, const std::string& arguments = "");
+  // starts end with this object at the latest. `token` are the rights that it has; null: our own.
+  explicit Program(const std::string& path, const std::string& arguments = "", HANDLE token = nullptr);
   ~Program();
   Program(const Program&) = delete;
   Program& operator=(const Program&) = delete;

@@ -34,7 +34,7 @@ void LimitTo(FakeDevice& device, std::size_t files, std::size_t folders, std::si
 
 // Runs `change` when a folder is first opened again from one inside it.
 void AtTheFirstReturn(EngineRig& rig, std::function<void()> change) {
-  rig.device.onOp = [&rig, change = std::move(change), done = false](const Op& op) mutable {
+  rig.device.onOp = [change = std::move(change), done = false](const Op& op) mutable {
     if (done || op.kind != "open above") return;
     done = true;
     change();
