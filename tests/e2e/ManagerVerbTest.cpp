@@ -256,9 +256,9 @@ TEST_F(ManagerVerb, RefusesASelectionThatHoldsADriveASystemFolderOrTheProgramsOw
   TakePicture(refusal.window, "manager-refusals");
   EXPECT_EQ(refusal.text,
             "Nothing of the selection was wiped, because of:\r\n\r\n"
-            "C:\\ - It is a whole drive or share.\r\n"
-            "C:\\windows - It is or holds a folder that Windows needs.\r\n"
-            "C:\\users - It is or holds a folder that Windows needs.\r\n" +
+            "C:\\ - It is a whole drive or share.\r\n\r\n"
+            "C:\\windows - It is or holds a folder that Windows needs.\r\n\r\n"
+            "C:\\users - It is or holds a folder that Windows needs.\r\n\r\n" +
                 folder_ + " - It is or holds the folder that Zeroquill runs from.");
   refusal.Answer("OK");
   EXPECT_EQ(ReadFileBytes(file), kMark);
