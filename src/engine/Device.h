@@ -257,6 +257,9 @@ class Folder {
   // The length of the table of records in which the file system keeps small contents, names and places of all
   // files, and which never shrinks; false if it has none, or it isn't told.
   virtual bool RecordTable(std::uint64_t&) { return false; }
+  // Whether a new file is said to get the next free record behind that of the file made last, around the
+  // table; FileId::file[0] is then the record's number.
+  virtual bool GivesRecordsInTurn() const { return false; }
   // Tells the device which space is free, of the whole file system. `mayGoOn` is asked several times a
   // second; after a no the rest is left. Refused where it isn't allowed, or the device takes no such call.
   virtual Status TrimFreeSpace(const std::function<bool()>&) {

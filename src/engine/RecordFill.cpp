@@ -12,9 +12,14 @@ namespace {
 // The longest contents that records of 4 KiB and of 1 KiB hold, about, and the steps down from there.
 constexpr std::size_t kSizes[] = {3'700, 3'400, 720, 680, 640, 600, 560, 512, 448, 384, 256, 128};
 constexpr std::size_t kLeastSize = 16;
-// A file system that keeps tiny files without taking clusters for them might never be full of them.
+// A file system that keeps tiny files without taking clusters for them might never be full of them, and one
+// that gives records in turn might never come back to the first.
 constexpr std::size_t kMostFillers = 200'000;
+constexpr std::size_t kMostInTurn = 4'000'000;
 constexpr std::size_t kGroup = 64;
+// Of a group these stay until the next one is filled. The map of the records has eight to a byte, and ntfs-3g
+// passes over the rest of a byte when one in front of it has become free.
+constexpr std::size_t kKeptInTurn = 8;
 // So many are kept open where they needn't be: opening is what takes the time.
 constexpr std::size_t kMostOpen = 2'048;
 // What a name may take in the fillers' folder, where only the free space tells that the table grows. A record
@@ -31,8 +36,14 @@ void RecordFill::Run() {
   size_ = FindSize();
   if (size_ == 0) return;
   Require(stream_.Seed(operation_.seeds), "Seeding the random data for", "small files");
-  Fill();
-  Overwrite();
+  goesAround_ = root_.GivesRecordsInTurn() && lap_.GoesAround();
+  tableIsTold_ = root_.RecordTable(tableAtStart_);
+  bool hasMore = true;
+  while (hasMore) {
+    hasMore = Fill();
+    Overwrite();
+    if (hasMore && goesAround_) RemoveBut(kKeptInTurn);
+  }
   isDone_ = true;
   RemoveAll();
 }
@@ -61,37 +72,50 @@ bool RecordFill::StaysInRecord(std::size_t sizeBytes) {
   const std::vector<std::byte> content(sizeBytes, std::byte{0});
   std::size_t written = 0;
   FileInfo info;
+  FileId id;
   Status status = filler.file->Write(0, content, written);
   if (status.Ok()) status = filler.file->Flush();
   if (status.Ok()) status = filler.file->Info(info);
+  if (status.Ok()) status = filler.file->Identity(id);
   SpaceInfo after;
   if (status.Ok()) status = root_.Space(after);
   place_.Remove(filler);
   if (status.trouble == Trouble::NoSpace) return false;
   Require(status, "Writing", filler.path);
-  return info.inRecord ||
-         after.freeBytes + std::max<std::uint64_t>(before.clusterBytes, 1) > before.freeBytes;
+  const bool stays =
+      info.inRecord || after.freeBytes + std::max<std::uint64_t>(before.clusterBytes, 1) > before.freeBytes;
+  if (stays) lap_.Tried(id.file[0]);
+  return stays;
 }
 
-void RecordFill::Fill() {
+bool RecordFill::Fill() {
   freeBefore_ = FreeBytes();
-  tableIsTold_ = root_.RecordTable(tableAtStart_);
-  std::size_t flushed = 0;
-  while (AddOne()) {
-    const double count = static_cast<double>(fillers_.size());
-    tell_(kFilling * count / (count + 2'000));
+  std::size_t flushed = fillers_.size();
+  bool isTooMany = false;
+  while (!lapIsOver_ && !isTooMany && AddOne()) {
+    tell_(Share(0));
     if (fillers_.size() - flushed < kGroup) continue;
     FlushGroup(flushed, fillers_.size());
-    if (TableGrows(fillers_.size() - flushed)) return;
+    if (TableGrows(fillers_.size() - flushed)) return false;
     flushed = fillers_.size();
-    if (fillers_.size() >= kMostFillers) break;
+    if (goesAround_ && !lapIsOver_ && removedCount_ < kMostInTurn) return true;
+    isTooMany = fillers_.size() >= kMostFillers || removedCount_ >= kMostInTurn;
   }
   FlushGroup(flushed, fillers_.size());
-  if (!TableGrows(fillers_.size() - flushed)) {
+  if (!lapIsOver_ && !TableGrows(fillers_.size() - flushed)) {
     operation_.AddNote(
         "Not all records of deleted small files could be reached: there were too many of them, or "
         "the drive was full.");
   }
+  return false;
+}
+
+double RecordFill::Share(double part) const {
+  const auto filled = static_cast<double>(fillers_.size() - overwrittenCount_);
+  if (!goesAround_) return part > 0 ? kFilling + kPasses * part : kFilling * filled / (filled + 2'000);
+  const double before = static_cast<double>(removedCount_ + overwrittenCount_);
+  const double all = before + filled * (kFilling + (1 - kFilling) * part);
+  return all / (all + 2'000);
 }
 
 // `count` is that of the fillers that were added since it was asked last.
@@ -126,6 +150,11 @@ bool RecordFill::AddOne() {
   }
   Require(status, "Writing", added.path);
   if (written < size_) throw MakeFailure("Writing", added.path, "the device takes no more data");
+  if (!goesAround_) return true;
+  FileId id;
+  Require(added.file->Identity(id), "Looking at", added.path);
+  lapIsOver_ = lap_.Took(id.file[0]);
+  goesAround_ = lap_.GoesAround();
   return true;
 }
 
@@ -143,7 +172,7 @@ void RecordFill::FlushGroup(std::size_t first, std::size_t end) {
 
 void RecordFill::ForEachGroup(bool flushes,
                               const std::function<void(Filler& filler, std::size_t index)>& work) {
-  for (std::size_t first = 0; first < fillers_.size(); first += kGroup) {
+  for (std::size_t first = overwrittenCount_; first < fillers_.size(); first += kGroup) {
     const std::size_t end = std::min(first + kGroup, fillers_.size());
     for (std::size_t i = first; i < end; ++i) {
       Filler& filler = fillers_[i];
@@ -159,23 +188,26 @@ void RecordFill::ForEachGroup(bool flushes,
 
 void RecordFill::Overwrite() {
   const std::size_t passCount = operation_.passes.size();
+  const std::size_t count = fillers_.size() - overwrittenCount_;
   const std::uint64_t blocks = BlockCount(size_);
   std::uint64_t firstBlock = 0;
+  const auto blockOf = [&](std::size_t index) { return firstBlock + (index - overwrittenCount_) * blocks; };
   const auto done = [&](std::size_t pass, std::size_t index) {
-    const double part = (static_cast<double>(index) + 1) / static_cast<double>(fillers_.size());
-    tell_(kFilling + kPasses * (static_cast<double>(pass - 1) + part) / static_cast<double>(passCount));
+    const double part = (static_cast<double>(index - overwrittenCount_) + 1) / static_cast<double>(count);
+    tell_(Share((static_cast<double>(pass - 1) + part) / static_cast<double>(passCount)));
   };
   for (std::size_t pass = 1; pass < passCount; ++pass) {
-    firstBlock = stream_.Take(blocks * fillers_.size());
+    firstBlock = stream_.Take(blocks * count);
     ForEachGroup(true, [&](Filler& filler, std::size_t index) {
-      Write(filler, operation_.passes[pass], firstBlock + index * blocks);
+      Write(filler, operation_.passes[pass], blockOf(index));
       done(pass, index);
     });
   }
   ForEachGroup(false, [&](Filler& filler, std::size_t index) {
-    Verify(filler, operation_.passes.back(), firstBlock + index * blocks);
+    Verify(filler, operation_.passes.back(), blockOf(index));
     done(passCount, index);
   });
+  overwrittenCount_ = fillers_.size();
 }
 
 std::span<const std::byte> RecordFill::Content(const Pass& pass, std::uint64_t block, std::size_t offset) {
@@ -206,18 +238,22 @@ void RecordFill::Verify(Filler& filler, const Pass& pass, std::uint64_t block) {
   }
 }
 
-void RecordFill::RemoveAll() noexcept {
-  std::size_t count = 0;
-  for (Filler& filler : fillers_) {
+void RecordFill::RemoveBut(std::size_t keptCount) noexcept {
+  const std::size_t count = fillers_.size() - std::min(keptCount, fillers_.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    Filler& filler = fillers_[i];
+    if (filler.file) --openCount_;
     try {
       place_.Remove(filler);
     } catch (const std::bad_alloc&) {
       // The next run finds it.
     }
-    const double part = static_cast<double>(++count) / static_cast<double>(fillers_.size());
+    const double part = static_cast<double>(i + 1) / static_cast<double>(count);
     removing_(isDone_ ? kFilling + kPasses + kRemoval * part : 0);
   }
-  fillers_.clear();
+  fillers_.erase(fillers_.begin(), fillers_.begin() + static_cast<std::ptrdiff_t>(count));
+  removedCount_ += count;
+  overwrittenCount_ -= std::min(count, overwrittenCount_);
 }
 
 }  // namespace zq::engine

@@ -57,6 +57,7 @@ class PosixFolder final : public Folder {
   bool FillersGoWhenClosed() const override { return !KeepsNamesOfOpenFiles(); }
   void StoreAsIs() override;
   bool Lock() override;
+  bool GivesRecordsInTurn() const override { return volume_.isNtfs3g; }
   std::shared_ptr<void> GiveOutReserve() override;
   Status TrimFreeSpace(const std::function<bool()>& mayGoOn) override;
   void Storage(StorageInfo& storage) override;

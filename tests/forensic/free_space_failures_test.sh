@@ -46,7 +46,7 @@ wipe_until_full() {
   : >"$work/output"  # what the last one told isn't to be taken for it
   wipe --slowly &
   wipe=$!
-  until (($(awk '$1 == "space" && $3 > 500 { n++ } END { print n + 0 }' "$work/output") > 0)); do
+  until (($(awk '$1 == "space" && $3 > 1500 { n++ } END { print n + 0 }' "$work/output") > 0)); do
     kill -0 "$wipe" 2>/dev/null || { fault "it ended before anything could happen: $(<"$work/output")"; break; }
     sleep 0.02
   done

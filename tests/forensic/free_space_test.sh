@@ -77,7 +77,7 @@ free_before=$(stat -f -c %f "$mnt")
 # Killed as soon as it has filled something.
 "$tools/wipe_tool" --free-space --slowly "$mnt" >"$work/output" 2>&1 &
 wipe=$!
-until (($(awk '$1 == "space" && $3 > 500 { n++ } END { print n + 0 }' "$work/output") > 0)); do
+until (($(awk '$1 == "space" && $3 > 1500 { n++ } END { print n + 0 }' "$work/output") > 0)); do
   kill -0 "$wipe" 2>/dev/null || { fault "it ended before it could be killed: $(tail -n 2 "$work/output")"; break; }
   sleep 0.02
 done

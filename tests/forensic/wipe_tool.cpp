@@ -2,8 +2,8 @@
 //   wipe_tool [--level L] [--trust] [--at NAME COMMAND] PATH...
 //   wipe_tool --free-space [--level L] [--slowly] FOLDER
 // --free-space wipes the free space of the drive that FOLDER is on, which has to be a small one and not this
-// machine's own. --slowly waits in each event after the first half a
-// megabyte, for a kill to come between.
+// machine's own. --slowly waits in each event after the first one and a half
+// megabytes, for a kill to come between.
 // --at runs COMMAND by the system's shell when the wipe of the item called NAME has just started: once it
 // is open and before its first pass. Exit code 0 if everything named is gone, else 1; every event but
 // progress is a line of the output.
@@ -55,7 +55,7 @@ class PrintedEvents final : public EngineEvents {
     if (slowly && kbDone > kRecordsKB) std::this_thread::sleep_for(std::chrono::milliseconds(100));
   }
 
-  static constexpr std::int32_t kRecordsKB = 500;
+  static constexpr std::int32_t kRecordsKB = 1500;
 
   bool slowly = false;
 

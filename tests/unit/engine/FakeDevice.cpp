@@ -119,6 +119,7 @@ class FakeFile final : public File {
     device_.ops.back().data = bytes;
     if (node_->written.size() < offset + size) node_->written.resize(offset + size);
     node_->written.replace(offset, size, bytes);
+    if (node_->record) ++device_.recordPasses[*node_->record];
     if (device_.HitBy(FakeDevice::Fault::LoseWrite)) {
       device_.faultHappened = true;
     } else {
@@ -248,7 +249,11 @@ class FakeFile final : public File {
       if (device_.recordSlots > 0) {
         --device_.recordSlots;
         device_.mostRecordsTaken = std::max(device_.mostRecordsTaken, ++device_.recordsTaken);
-        node_->onGone = [&device = device_] {
+        const std::size_t record = device_.TakeRecord();
+        node_->record = record;
+        node_->number = record + 1;
+        node_->onGone = [&device = device_, record] {
+          device.takenRecords[record] = false;
           ++device.recordSlots;
           --device.recordsTaken;
         };
@@ -380,6 +385,7 @@ class FakeFolder final : public Folder {
     return {};
   }
   bool FillersGoWhenClosed() const override { return device_.fillersStayOpen; }
+  bool GivesRecordsInTurn() const override { return device_.saysRecordsInTurn; }
   void StoreAsIs() override { node_->storesAsIs = true; }
   bool Lock() override {
     if (std::exchange(node_->locked, true)) return false;
@@ -663,6 +669,36 @@ std::uint64_t FakeDevice::ClustersOf(const Node& node) const {
   // One that found no free record has a cluster.
   if (node.written.size() <= recordBytes && !node.inCluster) return 0;
   return (node.written.size() + clusterBytes - 1) / clusterBytes * clusterBytes;
+}
+
+std::size_t FakeDevice::TakeRecord() {
+  if (takenRecords.empty()) {
+    takenRecords.resize(recordSlots + 1);  // one has just been counted off
+    recordPasses.resize(takenRecords.size());
+    nextRecord_ = takenRecords.size() / 2;
+  }
+  constexpr std::size_t kOfOneByte = 8;
+  std::size_t record = givesRecordsInTurn ? nextRecord_ : 0;
+  for (std::size_t tries = 0; tries <= 2 * takenRecords.size(); ++tries) {
+    // In the middle of eight they are only had when none of those in front is free.
+    const std::size_t begin = record - record % kOfOneByte;
+    const bool isPassedOver = givesRecordsInTurn && record == nextRecord_ &&
+                              std::find(takenRecords.begin() + static_cast<std::ptrdiff_t>(begin),
+                                        takenRecords.begin() + static_cast<std::ptrdiff_t>(record),
+                                        false) != takenRecords.begin() + static_cast<std::ptrdiff_t>(record);
+    if (isPassedOver) {
+      record = begin + kOfOneByte;
+    } else if (!takenRecords[record]) {
+      break;
+    } else {
+      ++record;
+    }
+    if (record >= takenRecords.size()) record = 0;
+  }
+  takenRecords[record] = true;
+  recordPasses[record] = 0;
+  nextRecord_ = (record + 1) % takenRecords.size();
+  return record;
 }
 
 std::uint64_t FakeDevice::UsedBytes() const {

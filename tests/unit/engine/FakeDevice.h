@@ -62,6 +62,7 @@ struct Node {
   bool locked = false;
   bool storesAsIs = false;
   bool inCluster = false;  // though it is as short as those in records
+  std::optional<std::size_t> record;
   std::function<void()> onGone;
 
   Node() = default;
@@ -113,9 +114,14 @@ class FakeDevice final : public Device {
   bool writesWhatFits = false;      // of a write that the end of the device cuts
   std::size_t recordBytes = 0;      // files up to this length take no clusters
   std::size_t recordSlots = 0;      // and so many of them have room
-  std::uint32_t entryBytes = 0;     // what an entry takes in its folder, in clusters that never shrink
-  std::uint64_t reserveBytes = 0;   // kept back until they are given out
-  std::uint64_t keptBytes = 0;      // free, and for others
+  // Whether the records are said to be given out in turn, and whether they are: around the table from its
+  // middle, of eight those behind the first free one only when they are come to from below. Else the lowest
+  // free one comes first.
+  bool saysRecordsInTurn = false;
+  bool givesRecordsInTurn = false;
+  std::uint32_t entryBytes = 0;    // what an entry takes in its folder, in clusters that never shrink
+  std::uint64_t reserveBytes = 0;  // kept back until they are given out
+  std::uint64_t keptBytes = 0;     // free, and for others
   bool keptByQuota = false;
   bool hasNameless = false;             // files without names
   bool fillersStayOpen = false;         // a filler's name goes when it is closed
@@ -140,6 +146,8 @@ class FakeDevice final : public Device {
   std::vector<std::string> violations;
   std::size_t recordsTaken = 0;  // of recordSlots, now
   std::size_t mostRecordsTaken = 0;
+  std::vector<bool> takenRecords;  // empty until the first one is
+  std::vector<int> recordPasses;   // of each, of writes that it had; as many as there are records
   int openHandles = 0;
   std::uint64_t FreeBytes() const;
   bool ReserveIsGivenOut() const { return reserveBytes == 0 || !reserveGiven_.expired(); }
@@ -160,6 +168,8 @@ class FakeDevice final : public Device {
   Status ClearTraces(Folder& folder, const std::function<bool()>& mayGoOn, std::string& note) override;
 
  private:
+  std::size_t TakeRecord();
+
   friend class FakeQueue;
   friend class FakeFile;
   friend class FakeFolder;
@@ -183,6 +193,7 @@ class FakeDevice final : public Device {
   std::uint64_t nextNumber_ = 1;
   std::shared_ptr<Node> root_;
   std::vector<std::weak_ptr<Node>> nameless_;
+  std::size_t nextRecord_ = 0;
   std::weak_ptr<int> reserveGiven_;
   std::map<const File*, int> underWay_;  // transfers of each open file
 };

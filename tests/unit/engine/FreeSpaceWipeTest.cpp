@@ -127,6 +127,38 @@ TEST(FreeSpaceWipe, FillsTheRecordsOfSmallFiles) {
   }
 }
 
+// With few small files at a time, which is what makes a cancel quick.
+TEST(FreeSpaceWipe, GoesAroundTheTableWhereRecordsComeInTurn) {
+  for (const std::size_t slots : {3u, 20u, 63u, 64u, 65u, 300u, 1'000u}) {
+    SCOPED_TRACE(slots);
+    FreeSpaceRig rig;
+    rig.device.saysRecordsInTurn = true;
+    rig.device.givesRecordsInTurn = true;
+    rig.device.recordBytes = 700;
+    rig.device.recordSlots = slots;
+    rig.device.entryBytes = 100;
+    EXPECT_TRUE(rig.engine.WipeFreeSpace("/drive", 3)) << rig.engine.LastErrorText();
+    rig.ExpectCleanedUp();
+    ASSERT_EQ(rig.device.recordPasses.size(), slots);
+    for (std::size_t record = 0; record < slots; ++record) {
+      EXPECT_EQ(rig.device.recordPasses[record], 9) << record;
+    }
+    EXPECT_LE(rig.device.mostRecordsTaken, 72u);
+    EXPECT_EQ(rig.engine.Note(), "");
+    EXPECT_THAT(rig.device.violations, IsEmpty());
+  }
+}
+
+TEST(FreeSpaceWipe, KeepsAllRecordsWhereTheyComeInAnotherOrderThanIsSaid) {
+  FreeSpaceRig rig;
+  rig.device.saysRecordsInTurn = true;
+  rig.device.recordBytes = 700;
+  rig.device.recordSlots = 200;
+  EXPECT_TRUE(rig.engine.WipeFreeSpace("/drive", 3)) << rig.engine.LastErrorText();
+  rig.ExpectCleanedUp();
+  EXPECT_EQ(rig.device.mostRecordsTaken, 200u);
+}
+
 TEST(FreeSpaceWipe, TakesSmallFilesTogetherThroughEachPass) {
   FreeSpaceRig rig;
   rig.device.recordBytes = 700;
