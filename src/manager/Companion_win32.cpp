@@ -65,8 +65,7 @@ void Companion::WipeBin() {
   if (busy_) return;
   busy_ = true;
   ReadSettings();
-  const BinContents contents = LookIntoRecycleBin(files_, process_, drives_, bins_);
-  if (wipe_.WipeBin(contents)) TellShellOfBins(contents.folders);
+  wipe_.WipeBin(LookIntoRecycleBin(files_, process_, drives_, bins_));
   busy_ = false;
   window_.PostWork();
 }

@@ -54,8 +54,9 @@ class Companion final : private LineList {
   SystemLongWork longWork_{[this] { return window_.Handle(); }};
   Platform platform_{files_, messageBoxes_, process_, regional_, registry_, longWork_};
   UserBins bins_;
+  Win32ShellNotices notices_;
   StatusWindow statusWindow_;
-  ManagerWipe wipe_{state_, platform_, statusWindow_, *this};
+  ManagerWipe wipe_{state_, platform_, statusWindow_, *this, notices_};
   SFD1 engine_{wipe_};
   ShellVerb verb_;
   Win32UserShell userShell_;

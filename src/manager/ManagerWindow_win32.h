@@ -16,7 +16,7 @@ inline constexpr UINT kManagerExit = 103;
 
 class ManagerWindow {
  public:
-  ManagerWindow() = default;
+  explicit ManagerWindow(NotifyIcon notify = &::Shell_NotifyIconW) : icon_(notify) {}
   ManagerWindow(const ManagerWindow&) = delete;
   ManagerWindow& operator=(const ManagerWindow&) = delete;
   ~ManagerWindow();

@@ -47,12 +47,12 @@ Message Question(const std::string& what, const char* title, const Measured& mea
   return {std::move(text), title, MessageIcon::Question, MessageButtons::OkCancel};
 }
 
-// A box holds no more than a screen does.
+// A box holds no more than a screen does. Lines that are broken have a blank one between them.
 void AddSome(std::string& text, const std::vector<std::string>& lines) {
   constexpr std::size_t kMost = 5;
-  for (std::size_t i = 0; i < std::min(lines.size(), kMost); ++i) text += kLineBreak + lines[i];
+  for (std::size_t i = 0; i < std::min(lines.size(), kMost); ++i) text += kTwoLineBreaks + lines[i];
   if (lines.size() > kMost)
-    text += std::string(kLineBreak) + "... and " + std::to_string(lines.size() - kMost) + " more";
+    text += std::string(kTwoLineBreaks) + "... and " + std::to_string(lines.size() - kMost) + " more";
 }
 
 }  // namespace
@@ -80,7 +80,6 @@ Message SelectionQuestion(const Selection& selection, std::int32_t level, Region
 
 Message SelectionRefused(const Selection& selection) {
   std::string text = "Nothing of the selection was wiped, because of:";
-  text += kLineBreak;
   AddSome(text, selection.refusals);
   return {std::move(text), kWipeFilesTitle, MessageIcon::Exclamation, MessageButtons::Ok};
 }
@@ -99,7 +98,6 @@ Message BinIsEmpty(const BinContents& contents) {
   if (contents.refusals.empty())
     return {"Your Recycle Bin is empty.", kWipeBinTitle, MessageIcon::Information, MessageButtons::Ok};
   std::string text = "Nothing that could be wiped was found in your Recycle Bin.";
-  text += kLineBreak;
   AddSome(text, contents.refusals);
   return {std::move(text), kWipeBinTitle, MessageIcon::Exclamation, MessageButtons::Ok};
 }
@@ -111,7 +109,8 @@ bool ManagerWipe::WipeSelection(const Selection& selection) {
   }
   if (selection.items.empty()) return false;
   if (!Ask(SelectionQuestion(selection, state_.Settings.Passes, platform_.regional))) return false;
-  Run(selection.items, selection.measured, kWipeFilesTitle, {});
+  Run(selection.items, selection.measured, {});
+  Tell(kWipeFilesTitle);
   return true;
 }
 
@@ -121,7 +120,11 @@ bool ManagerWipe::WipeBin(const BinContents& contents) {
     return false;
   }
   if (!Ask(BinQuestion(contents, state_.Settings.Passes, platform_.regional))) return false;
-  Run(contents.items, contents.measured, kWipeBinTitle, contents.refusals);
+  Run(contents.items, contents.measured, contents.refusals);
+  // Before the user is told: the bin doesn't look full behind the box that says it is done.
+  for (const std::string& folder : contents.folders) notices_.FolderChanged(folder);
+  notices_.BinsChanged();
+  Tell(kWipeBinTitle);
   return true;
 }
 
@@ -130,7 +133,7 @@ bool ManagerWipe::Ask(const Message& question) {
   return platform_.messageBoxes.Show(question) == MessageAnswer::Ok;
 }
 
-void ManagerWipe::Run(const std::vector<WipeItem>& items, const Measured& measured, const char* title,
+void ManagerWipe::Run(const std::vector<WipeItem>& items, const Measured& measured,
                       std::vector<std::string> notDone) {
   state_.CancelRequested = false;
   state_.TotalWipeItems = measured.files;
@@ -145,7 +148,6 @@ void ManagerWipe::Run(const std::vector<WipeItem>& items, const Measured& measur
     statusWindow_.Unload();
   }
   platform_.longWork.CallUser();
-  Tell(title);
 }
 
 // All items are one operation to the engine, however the run ends.

@@ -37,11 +37,22 @@ class LineList {
   virtual void Show(const std::string& title, const std::vector<std::string>& lines) = 0;
 };
 
+// Tells the shell's windows what has changed.
+class ShellNotices {
+ public:
+  virtual ~ShellNotices() = default;
+  // Of a folder, with a backslash at its end, what is in it.
+  virtual void FolderChanged(const std::string& folder) = 0;
+  // How full the Recycle Bin is, as its icon shows.
+  virtual void BinsChanged() = 0;
+};
+
 class ManagerWipe final : public WipeEvents, public CancellableWipe {
  public:
   // `state`: its folder, its settings, and whether a cancel is asked for.
-  ManagerWipe(AppState& state, Platform& platform, WipeStatusWindow& statusWindow, LineList& lines)
-      : state_(state), platform_(platform), statusWindow_(statusWindow), lines_(lines) {}
+  ManagerWipe(AppState& state, Platform& platform, WipeStatusWindow& statusWindow, LineList& lines,
+              ShellNotices& notices)
+      : state_(state), platform_(platform), statusWindow_(statusWindow), lines_(lines), notices_(notices) {}
 
   // `whole` may be null. Set before the first wipe, since the engine in turn takes this object for its
   // events.
@@ -64,8 +75,7 @@ class ManagerWipe final : public WipeEvents, public CancellableWipe {
 
  private:
   bool Ask(const Message& question);
-  void Run(const std::vector<WipeItem>& items, const Measured& measured, const char* title,
-           std::vector<std::string> notDone);
+  void Run(const std::vector<WipeItem>& items, const Measured& measured, std::vector<std::string> notDone);
   void WipeItems(const std::vector<WipeItem>& items);
   void WipeOne(const WipeItem& item);
   void Tell(const char* title);
@@ -74,6 +84,7 @@ class ManagerWipe final : public WipeEvents, public CancellableWipe {
   Platform& platform_;
   WipeStatusWindow& statusWindow_;
   LineList& lines_;
+  ShellNotices& notices_;
   SecureFileDeleteWizard* SFD1 = nullptr;
   WholeWipes* whole_ = nullptr;
   FixedPoint ProcessedWipeItems;

@@ -1,7 +1,5 @@
 #include "manager/TrayIcon_win32.h"
 
-#include <shellapi.h>
-
 #include <algorithm>
 #include <string>
 
@@ -35,15 +33,15 @@ void TrayIcon::Add(HWND window) {
   const std::wstring tip = ToWide(kManagerRunValue);
   std::copy_n(tip.c_str(), std::min(tip.size() + 1, std::size(data.szTip) - 1), data.szTip);
   // A task bar that is busy starting up says no; it says later that it has come.
-  if (!::Shell_NotifyIconW(NIM_ADD, &data)) return;
+  if (!notify_(NIM_ADD, &data)) return;
   data.uVersion = NOTIFYICON_VERSION_4;
-  ::Shell_NotifyIconW(NIM_SETVERSION, &data);
+  notify_(NIM_SETVERSION, &data);
 }
 
 void TrayIcon::Remove() {
   if (!window_) return;
   NOTIFYICONDATAW data = IconData(window_);
-  ::Shell_NotifyIconW(NIM_DELETE, &data);
+  notify_(NIM_DELETE, &data);
   window_ = nullptr;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <windows.h>
+#include <shellapi.h>
 
 #include "platform/win32/UniqueHandle.h"
 
@@ -10,9 +11,12 @@ namespace zq {
 // What the icon sends to its window: the event in the low word of lParam, the pointer's place in wParam.
 inline constexpr UINT kTrayMessage = WM_APP + 0x20;
 
+// Shell_NotifyIcon, for a test to stand in its place.
+using NotifyIcon = BOOL(WINAPI*)(DWORD message, NOTIFYICONDATAW* data);
+
 class TrayIcon {
  public:
-  TrayIcon() = default;
+  explicit TrayIcon(NotifyIcon notify) : notify_(notify) {}
   TrayIcon(const TrayIcon&) = delete;
   TrayIcon& operator=(const TrayIcon&) = delete;
   ~TrayIcon() { Remove(); }
@@ -23,6 +27,7 @@ class TrayIcon {
   void Remove();
 
  private:
+  NotifyIcon notify_;
   HWND window_ = nullptr;
   UniqueIcon icon_;
 };

@@ -42,9 +42,11 @@ bool UserBins::KeepsOwners(const std::string& root) {
   return (flags & FILE_PERSISTENT_ACLS) != 0;
 }
 
-void TellShellOfBins(const std::vector<std::string>& folders) {
-  for (const std::string& folder : folders)
-    ::SHChangeNotify(SHCNE_UPDATEDIR, SHCNF_PATHW, ToWide(folder).c_str(), nullptr);
+void Win32ShellNotices::FolderChanged(const std::string& folder) {
+  ::SHChangeNotify(SHCNE_UPDATEDIR, SHCNF_PATHW, ToWide(folder).c_str(), nullptr);
+}
+
+void Win32ShellNotices::BinsChanged() {
   ::SHUpdateRecycleBinIcon();
 }
 

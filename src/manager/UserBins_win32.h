@@ -2,8 +2,8 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
+#include "manager/ManagerWipe.h"
 #include "manager/RecycleBin.h"
 
 namespace zq {
@@ -14,7 +14,10 @@ class UserBins final : public BinOwner {
   bool KeepsOwners(const std::string& root) override;
 };
 
-// So that the shell's windows and the Bin's icon don't show what is gone.
-void TellShellOfBins(const std::vector<std::string>& folders);
+class Win32ShellNotices final : public ShellNotices {
+ public:
+  void FolderChanged(const std::string& folder) override;
+  void BinsChanged() override;
+};
 
 }  // namespace zq

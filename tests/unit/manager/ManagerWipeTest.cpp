@@ -27,6 +27,16 @@ class FakeLines final : public LineList {
   EventLog& log_;
 };
 
+class FakeNotices final : public ShellNotices {
+ public:
+  explicit FakeNotices(EventLog& log) : log_(log) {}
+  void FolderChanged(const std::string& folder) override { log_.push_back("shell: changed " + folder); }
+  void BinsChanged() override { log_.emplace_back("shell: bins changed"); }
+
+ private:
+  EventLog& log_;
+};
+
 class ManagerWipeTest : public ::testing::Test, protected FakePlatform {
  protected:
   ManagerWipeTest() {
@@ -62,7 +72,8 @@ class ManagerWipeTest : public ::testing::Test, protected FakePlatform {
   FakeLines lines{log};
   FakeLongWork longWork{log};
   Platform telling{files, boxes, process, regional, registry, longWork};
-  ManagerWipe wipe{state, telling, status, lines};
+  FakeNotices notices{log};
+  ManagerWipe wipe{state, telling, status, lines, notices};
   FakeEngine engine{log, wipe};
   FakeWholeWipes whole{log};
 };
@@ -125,11 +136,10 @@ TEST_F(ManagerWipeTest, RefusesTheWholeSelectionWithTheReasons) {
   for (int i = 1; i <= 7; ++i) selection.refusals.push_back("reason " + std::to_string(i));
   boxes.answers = {MessageAnswer::Ok};
   EXPECT_FALSE(wipe.WipeSelection(selection));
-  EXPECT_EQ(
-      boxes.shown[0],
-      (Message{"Nothing of the selection was wiped, because of:\r\n\r\nreason 1\r\nreason 2\r\nreason 3\r\n"
-               "reason 4\r\nreason 5\r\n... and 2 more",
-               "Wipe with Zeroquill", MessageIcon::Exclamation, MessageButtons::Ok}));
+  EXPECT_EQ(boxes.shown[0],
+            (Message{"Nothing of the selection was wiped, because of:\r\n\r\nreason 1\r\n\r\nreason 2\r\n\r\n"
+                     "reason 3\r\n\r\nreason 4\r\n\r\nreason 5\r\n\r\n... and 2 more",
+                     "Wipe with Zeroquill", MessageIcon::Exclamation, MessageButtons::Ok}));
   EXPECT_THAT(log, ElementsAre("box Wipe with Zeroquill"));
   EXPECT_FALSE(wipe.WipeSelection({}));
 }
@@ -157,6 +167,31 @@ TEST_F(ManagerWipeTest, TellsOfARecordThatStaysAndOfWhatTheWholeLeaves) {
   EXPECT_THAT(Told({"lines", "C:", "D:", "it is"}),
               ElementsAre("lines Wipe Recycle Bin", "D:\\bin - a link", "C:\\bin\\$I2 - it is locked",
                           "it is locked"));
+}
+
+TEST_F(ManagerWipeTest, TellsTheShellOfEachBinBeforeTheUser) {
+  boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
+  BinContents contents = TwoDeleted();
+  contents.folders.push_back("D:\\$Recycle.Bin\\");
+  wipe.WipeBin(contents);
+  EXPECT_THAT(Told({"box", "WipeF", "EndWhole", "shell"}),
+              ElementsAre("box Wipe Recycle Bin", "WipeFile C:\\bin\\$R1 5", "WipeFile C:\\bin\\$I1 5",
+                          "WipeFolder C:\\bin\\$R2 5", "WipeFile C:\\bin\\$I2 5", "EndWhole",
+                          "shell: changed C:\\$Recycle.Bin\\S-1\\", "shell: changed D:\\$Recycle.Bin\\",
+                          "shell: bins changed", "box Wipe Recycle Bin"));
+}
+
+TEST_F(ManagerWipeTest, TellsTheShellOfABinThatIsHalfWiped) {
+  engine.failures = {{"C:\\bin\\$R1", "it is in use"}};
+  boxes.answers = {MessageAnswer::Ok, MessageAnswer::Ok};
+  wipe.WipeBin(TwoDeleted());
+  EXPECT_THAT(Told({"shell: bins"}), ElementsAre("shell: bins changed"));
+  boxes.answers = {MessageAnswer::Cancel, MessageAnswer::Ok, MessageAnswer::Ok, MessageAnswer::Ok};
+  log.clear();
+  wipe.WipeBin(TwoDeleted());
+  wipe.WipeBin({});
+  wipe.WipeSelection(TwoItems());
+  EXPECT_THAT(Told({"shell"}), IsEmpty()) << "no bin has changed";
 }
 
 TEST_F(ManagerWipeTest, TellsOfAnEmptyBin) {
