@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "controls/Pictures.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -51,7 +52,13 @@ bool TabStrip::OnNotify(const NMHDR& header, LRESULT&) {
   return true;
 }
 
-void TabStrip::SetBold() {
+// The font, and the room about a caption, which the system doesn't scale with it.
+void TabStrip::FitResolution() {
+  constexpr int kBeside = 6;
+  constexpr int kAbove = 3;
+  const int dpi = form().Dpi();
+  ::SendMessageW(Handle(), TCM_SETPADDING, 0,
+                 MAKELPARAM(ScaleForDpi(kBeside, dpi), ScaleForDpi(kAbove, dpi)));
   UniqueFont bold = BoldFontOf(form());
   ::SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(bold.Get()), TRUE);
   font_ = std::move(bold);  // the one before is in use until here

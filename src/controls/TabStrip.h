@@ -24,12 +24,12 @@ class TabStrip : public Control {
   bool TranslateShortcut(const MSG& message);
 
  protected:
-  void Attached() override { SetBold(); }
-  void DpiChanged() override { SetBold(); }
+  void Attached() override { FitResolution(); }
+  void DpiChanged() override { FitResolution(); }
   bool OnNotify(const NMHDR& header, LRESULT& result) override;
 
  private:
-  void SetBold();
+  void FitResolution();
 
   UniqueFont font_;
 };

@@ -19,6 +19,16 @@ constexpr const char* kNothingReachesUs =
     "without "
     "administrator rights to use the Bin.";
 
+// Where the system puts a window that leaves the place to it, which only overlapped ones can.
+POINT SystemPlace(int width, int height) {
+  const HWND probe = ::CreateWindowExW(0, WC_STATICW, nullptr, WS_OVERLAPPED, CW_USEDEFAULT, CW_USEDEFAULT,
+                                       width, height, nullptr, nullptr, nullptr, nullptr);
+  RECT place{};
+  ::GetWindowRect(probe, &place);
+  ::DestroyWindow(probe);
+  return {place.left, place.top};
+}
+
 }  // namespace
 
 frmQuick::frmQuick(AppState& state, Platform& platform, MainWindow& mainWindow, ToolStates& tools,
@@ -38,6 +48,7 @@ frmQuick::frmQuick(AppState& state, Platform& platform, MainWindow& mainWindow, 
 void frmQuick::Load() {
   windowIcons_.Show(Handle(), Dpi());
   StatusBar1.Create(Handle(), kPanels, Dpi());
+  LeavePlaceToSystem();
   SetTopmost(true);
   if (state_.Settings.ProgressBars != 1) pb1.UsePlainLook();
   TakeDrops();
@@ -54,13 +65,26 @@ void frmQuick::TakeDrops() {
   dropTarget_.Register(
       imgDrop.Handle(), [this](const DroppedPaths& paths) { imgDrop_OLEDragDrop(paths); },
       DropTarget::When::Inside);
-  dropTarget_.Hover = [this](bool over) { dropFrame.SetVisible(over); };
+  dropTarget_.Hover = [this](bool over) { FrameThePicture(over); };
+}
+
+// Painted at once: behind the hover's end comes the wipe, and what the frame leaves would be blank as long.
+void frmQuick::FrameThePicture(bool framed) {
+  dropFrame.SetVisible(framed);
+  ::RedrawWindow(Handle(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
 }
 
 void frmQuick::DpiChanged() {
   windowIcons_.Show(Handle(), Dpi());
   StatusBar1.LayOut(Dpi());
   imgDropTip_.SetDpi(Dpi());
+}
+
+void frmQuick::LeavePlaceToSystem() {
+  RECT rect{};
+  ::GetWindowRect(Handle(), &rect);
+  const POINT place = SystemPlace(rect.right - rect.left, rect.bottom - rect.top);
+  ::SetWindowPos(Handle(), nullptr, place.x, place.y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void frmQuick::SetTopmost(bool topmost) {

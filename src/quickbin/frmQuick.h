@@ -42,8 +42,10 @@ class frmQuick final : public Form, private QuickBinWindow {
   void DpiChanged() override;
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
   void StatusBar1_PanelClick(int panel);
+  void LeavePlaceToSystem();
   void SetTopmost(bool topmost);
   void TakeDrops();
+  void FrameThePicture(bool framed);
 
   // QuickBinWindow
   void SetCancelEnabled(bool enabled) override;

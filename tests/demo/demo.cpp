@@ -148,12 +148,30 @@ void LookAtPreferences(const Program& program, Window mainWindow) {
   mainWindow.WaitEnabled();
 }
 
-// The window that wipes what is dropped on it, opened and closed.
-void LookAtTheBin(const Program& program, Window mainWindow) {
+// The picture that takes drops: the one that hears the mouse.
+Window DropPicture(Window bin) {
+  for (const Window child : bin.Children()) {
+    if (child.ClassName() == "Static" && (child.Style() & SS_NOTIFY) != 0) return child;
+  }
+  throw DriverError("the Bin has no picture to drop on");
+}
+
+// The window that wipes what is dropped on it: opened, dropped on with the mouse, and closed.
+void DropOnTheBin(const Program& program, Window mainWindow, const ScratchFolder& scratch) {
+  const std::string dropped = scratch.Make("Dropped\\draft – черновик.txt", Content(20000));
+  const std::string kept = scratch.Make(std::string("Dropped\\") + kKeptName, "this one stays");
   TypeKey(mainWindow, 'Q', {VK_CONTROL});
   const Window bin = program.WaitWindow("QuickWipe Bin");
-  Say("The QuickWipe Bin: whatever is dropped on its picture is wiped at once. Nothing is dropped here.");
+  Say("The QuickWipe Bin: whatever is dropped on its picture is wiped at once.");
   Show(bin, "18-quickwipe-bin");
+  Say("Dropped on it: " + dropped + ", and not " + kept + " beside it.");
+  Demand(DragFilesTo(DropPicture(bin).Centre(), {dropped}) == DROPEFFECT_COPY, "the Bin takes the drop");
+  const std::string told = StatusPanels(bin.ChildOfClass("msctls_statusbar32")).front();
+  Say("It says: " + told);
+  Show(bin, "19-quickwipe-bin-after");
+  Demand(told == "Last Operation: Success", "the drop is wiped");
+  Demand(!PathExists(dropped), "the dropped file is gone");
+  Demand(ReadFileBytes(kept) == "this one stays", "the file beside it is as it was");
   bin.Child("Close Bin").Press();
   bin.WaitGone();
   Await("the main window to be back", [&] { return ::IsIconic(mainWindow.Handle()) == FALSE; });
@@ -164,7 +182,7 @@ void LookAtTheHelp(const Program& program, Window mainWindow) {
   TypeKey(mainWindow, VK_F1);
   const Window help = program.WaitWindow("Zeroquill Help");
   Say("The help: its contents, its index and its search.");
-  Show(help, "19-help");
+  Show(help, "20-help");
   help.Close();
   help.WaitGone();
 }
@@ -296,7 +314,7 @@ void WipeSavedJob(const ScratchFolder& scratch, const std::string& programFolder
   Say(ReadFileBytes(programFolder + "\\Report\\Report.dat"));
   LookAtFreeSpace(program, mainWindow);
   LookAtPreferences(program, mainWindow);
-  LookAtTheBin(program, mainWindow);
+  DropOnTheBin(program, mainWindow, scratch);
   LookAtTheHelp(program, mainWindow);
   CloseFrontWindows(program, mainWindow);
   Demand(program.WaitExit() == 0, "the program ends with 0");

@@ -82,6 +82,22 @@ TEST_F(PreferencesDialog, AreWrittenAtOnceAndActOnTheMainWindow) {
   EXPECT_FALSE(::IsZoomed(main.window.Handle())) << "at the next start";
 }
 
+// A folder of the file's name stands in for a file that may not be written: unlike a read-only mark, it
+// holds for every user.
+TEST_F(PreferencesDialog, ThatCannotBeWrittenEndTheProgramWithAReportAndLeaveTheCompanionAlone) {
+  const Program program(exe_);
+  const MainWindow main(program);
+  const Window dialog = Open(program, main);
+  ASSERT_TRUE(::DeleteFileA(settingsPath_.c_str()));
+  ASSERT_TRUE(::CreateDirectoryA(settingsPath_.c_str(), nullptr));
+  Tick(dialog, "Load Explorer Manager at System Startup", true);
+  dialog.Child("OK").Press();
+  TakePicture(program.WaitBox("Zeroquill").window, "preferences-unwritten");
+  ExpectRunTimeError(program, "Run-time error '75':\r\n\r\nPath/File access error");
+  EXPECT_EQ(RunValue(), "");
+  EXPECT_FALSE(Manager());
+}
+
 void PreferencesDialog::RegisterStartRemoveAndShutDown() const {
   const Program program(exe_);
   const MainWindow main(program);

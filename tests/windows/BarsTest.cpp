@@ -8,12 +8,11 @@
 
 #include <algorithm>
 #include <map>
-#include <optional>
 #include <set>
-#include <thread>
 
 #include "Drawing.h"
 #include "MainFormTest.h"
+#include "RealBoxes.h"
 #include "core/main/CommandTable.h"
 #include "platform/win32/Wide.h"
 #include "platform/win32/Win32MessageBoxes.h"
@@ -266,7 +265,6 @@ TEST_F(BarsTest, RowsShowTheIconsOfTheirTypes) {
   }
 }
 
-// The box as the system shows it, read and answered by another thread, as this one waits in it.
 TEST_F(BarsTest, QuickWipeBinCannotBeClosedWhileItWipes) {
   Default<frmMain>::SetFactory([this] { return std::make_unique<frmMain>(state_, withRealBoxes_); });
   frmMain& main = Open();
@@ -274,41 +272,12 @@ TEST_F(BarsTest, QuickWipeBinCannotBeClosedWhileItWipes) {
   state_.QuickBinBusy = true;
   const HMENU file = ::GetSubMenu(::GetMenu(WindowOf(main)), 0);
   const UINT quickWipeBin = ::GetMenuItemID(file, 12);
-
-  std::optional<MessageBoxView> box;
-  std::string failure;
-  bool ownerEnabled = true;
-  HWND owner = nullptr;
-  std::thread user([&] {
-    try {
-      Window found;
-      Await("the box", [&] {
-        for (Window window : TopLevelWindows([](Window w) { return w.IsVisible(); })) {
-          if (window.ProcessId() == ::GetCurrentProcessId() && MessageBoxView::IsMessageBox(window))
-            found = window;
-        }
-        return static_cast<bool>(found);
-      });
-      box.emplace(found);
-      TakePicture(found, "bin-busy");
-      owner = found.Owner().Handle();
-      ownerEnabled = ::IsWindowEnabled(owner) != FALSE;
-      box->Answer("OK");
-    } catch (const DriverError& error) {
-      failure = error.what();
-    }
-  });
-  ::SendMessageA(WindowOf(main), WM_COMMAND, quickWipeBin, 0);
-  user.join();
-
-  ASSERT_EQ(failure, "");
-  EXPECT_EQ(box->title, "Operation");
-  EXPECT_EQ(box->text, "An operation is currently being performed.  The QuickWipe Bin cannot be closed.");
-  EXPECT_EQ(ToString(box->icon), "warning");
-  EXPECT_THAT(box->buttons, ElementsAre("OK"));
-  EXPECT_EQ(box->defaultButton, "OK");
-  EXPECT_EQ(owner, WindowOf(main));
-  EXPECT_FALSE(ownerEnabled);
+  const std::vector<ShownBox> shown =
+      AnswerBoxes({{"OK", "bin-busy"}}, [&] { ::SendMessageA(WindowOf(main), WM_COMMAND, quickWipeBin, 0); });
+  ASSERT_EQ(shown.size(), 1U);
+  ExpectShown(shown[0], WindowOf(main), "Operation",
+              "An operation is currently being performed.  The QuickWipe Bin cannot be closed.",
+              BoxIcon::Warning, {"OK"}, "OK");
   EXPECT_TRUE(state_.QuickBinBusy);
   EXPECT_TRUE(::IsWindowEnabled(WindowOf(main)));
 }

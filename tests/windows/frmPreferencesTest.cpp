@@ -64,6 +64,22 @@ class frmPreferencesTest : public testing::Test {
     ::SendMessageW(Open().TabStrip1.Handle(), WM_LBUTTONDOWN, MK_LBUTTON, point);
     ::SendMessageW(Open().TabStrip1.Handle(), WM_LBUTTONUP, 0, point);
   }
+  // Of the system's width at any resolution, on either side of a tab's text.
+  void ExpectRoomBesideTheCaption() {
+    const HWND strip = Open().TabStrip1.Handle();
+    RECT place{};
+    ASSERT_TRUE(::SendMessageW(strip, TCM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&place)));
+    const HDC context = ::GetDC(strip);
+    const HGDIOBJ before =
+        ::SelectObject(context, reinterpret_cast<HFONT>(::SendMessageW(strip, WM_GETFONT, 0, 0)));
+    SIZE text{};
+    ::GetTextExtentPoint32W(context, L"Settings", 8, &text);
+    ::SelectObject(context, before);
+    ::ReleaseDC(strip, context);
+    constexpr int kBeside = 6;
+    EXPECT_GE(place.right - place.left,
+              text.cx + 2 * ::MulDiv(kBeside, static_cast<Form&>(Open()).Dpi(), 96));
+  }
   // A key with others held down, through the message loop.
   void Key(WPARAM key, std::initializer_list<int> held = {}) {
     BYTE before[256] = {};
@@ -154,6 +170,7 @@ TEST_F(frmPreferencesTest, HasThreeTabsWithBoldCaptions) {
   EXPECT_EQ(font.lfWeight, FW_BOLD);
   // They stand in one row.
   EXPECT_EQ(::SendMessageW(strip, TCM_GETROWCOUNT, 0, 0), 1);
+  ExpectRoomBesideTheCaption();
 }
 
 TEST_F(frmPreferencesTest, EachTabShowsItsOwnControlsAlone) {
@@ -380,6 +397,7 @@ TEST_F(frmPreferencesTest, TabsStayBoldAtAnotherResolution) {
   ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(form.Handle(), WM_GETFONT, 0, 0)), sizeof rest, &rest);
   EXPECT_EQ(tabs.lfHeight, rest.lfHeight);
   EXPECT_EQ(tabs.lfWeight, FW_BOLD);
+  ExpectRoomBesideTheCaption();
   TakePicture(Window(form.Handle()), "frmPreferences-followed-" + std::to_string(other));
 }
 

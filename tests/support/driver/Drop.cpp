@@ -8,6 +8,7 @@
 #include <cstring>
 #include <exception>
 #include <thread>
+#include <utility>
 
 #include "support/driver/Text.h"
 
@@ -40,7 +41,7 @@ class FileData final : public OnStack<IDataObject> {
   explicit FileData(std::vector<char> bytes) : bytes_(std::move(bytes)) {}
 
   HRESULT STDMETHODCALLTYPE GetData(FORMATETC* format, STGMEDIUM* medium) override {
-    if (QueryGetData(format) != S_OK) return DV_E_FORMATETC;
+    if (QueryGetData(format) != S_OK || bytes_.empty()) return DV_E_FORMATETC;
     HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, bytes_.size());
     std::memcpy(::GlobalLock(memory), bytes_.data(), bytes_.size());
     ::GlobalUnlock(memory);
@@ -157,6 +158,10 @@ void PostDroppedFiles(Window target, const std::vector<std::string>& paths, POIN
 }
 
 DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths) {
+  return DragListTo(screen, DropFilesBytes(paths, screen));
+}
+
+DWORD DragListTo(POINT screen, std::vector<char> list) {
   if (FAILED(::OleInitialize(nullptr))) throw DriverError("no OLE for a drag");
   // A small window in the corner that is farther from the target, in front of all others.
   const int left = screen.x < 100 && screen.y < 100 ? ::GetSystemMetrics(SM_CXSCREEN) - 60 : 0;
@@ -178,7 +183,7 @@ DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths) {
       },
       kPatience);
 
-  FileData data(DropFilesBytes(paths, screen));
+  FileData data(std::move(list));
   Source source;
   DWORD effect = DROPEFFECT_NONE;
   HRESULT result = E_FAIL;

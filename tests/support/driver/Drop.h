@@ -23,6 +23,10 @@ void PostDroppedFiles(Window target, const std::vector<std::string>& paths, POIN
 // nothing. Throws a DriverError when the drag doesn't get on its way.
 DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths);
 
+// The same with the bytes of such a list, whatever they are. An empty list is promised to the target, and not
+// handed over when it asks.
+DWORD DragListTo(POINT screen, std::vector<char> list);
+
 // Hands the paths as a file list to a class of COM that another process serves, as the shell does to the
 // class of a verb. Gives the effect that it chose, once it has returned from the drop. Throws a DriverError
 // when it isn't served or refuses.

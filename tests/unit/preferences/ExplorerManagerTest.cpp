@@ -97,9 +97,12 @@ TEST_F(ExplorerManagerTest, OfferIsAcceptedAndItStarts) {
 }
 
 TEST_F(ExplorerManagerTest, OfferIsDeclinedAndNothingStarts) {
-  boxes.answers = {MessageAnswer::No};
-  manager.OfferManagerLaunch();
-  EXPECT_THAT(log, ElementsAre("box Explorer Manager"));
+  for (const MessageAnswer answer : {MessageAnswer::No, MessageAnswer::Cancel}) {
+    log.clear();
+    boxes.answers = {answer};
+    manager.OfferManagerLaunch();
+    EXPECT_THAT(log, ElementsAre("box Explorer Manager"));
+  }
 }
 
 TEST_F(ExplorerManagerTest, NothingIsOfferedWhileAWindowOfItsTitleIsThere) {
@@ -108,6 +111,13 @@ TEST_F(ExplorerManagerTest, NothingIsOfferedWhileAWindowOfItsTitleIsThere) {
     manager.OfferManagerLaunch();
     EXPECT_THAT(log, IsEmpty()) << title;
   }
+}
+
+TEST_F(ExplorerManagerTest, TitleThatHasItsOwnFurtherInIsNotItsWindow) {
+  systemWindows.windows = {{"About ZQ Explorer Manager"}};
+  boxes.answers = {MessageAnswer::No};
+  manager.OfferManagerLaunch();
+  EXPECT_THAT(boxes.shown, ElementsAre(kOffer));
 }
 
 TEST_F(ExplorerManagerTest, OfferedLaunchThatFailsIsTold) {
@@ -123,6 +133,13 @@ TEST_F(ExplorerManagerTest, OfferedLaunchThatFailsIsTold) {
 
 TEST_F(ExplorerManagerTest, IsNotShutDownWhenItDoesNotRun) {
   systemWindows.windows = {{"Other"}};
+  manager.ShutDownManager();
+  EXPECT_THAT(log, IsEmpty());
+}
+
+// The look passes over a window with a parent, and what it doesn't see isn't closed.
+TEST_F(ExplorerManagerTest, WindowOfItsTitleWithAParentIsLeftAlone) {
+  systemWindows.windows = {{"Owner"}, {"ZQ Explorer Manager", 1}};
   manager.ShutDownManager();
   EXPECT_THAT(log, IsEmpty());
 }

@@ -72,6 +72,8 @@ TEST_F(MFindPartLoopTest, EmptyTitleIsNotCompared) {
   EXPECT_EQ(FindIn("", "", kTitleBeginsWith), 0U);
   EXPECT_EQ(FindIn("", "", kTitleContains), 0U);
   EXPECT_EQ(FindIn("anything", "", kTitleBeginsWith), 1U);
+  systemWindows.windows = {{""}, {"ZQ Explorer Manager"}};
+  EXPECT_EQ(Find("ZQ Explorer Manager"), 2U) << "the walk goes on behind it";
 }
 
 TEST_F(MFindPartLoopTest, OrderThatChangesMeanwhileEndsTheWalk) {

@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -127,6 +128,31 @@ TEST_F(DropWipeTest, ErrorsLastUntilTheNextDrop) {
   EXPECT_EQ(wipe.Errors().size(), 1U);
   wipe.Drop({"C:\\a.txt"});
   EXPECT_THAT(wipe.Errors(), IsEmpty());
+}
+
+TEST_F(DropWipeTest, OfAThousandFilesWipesEachOnceInItsOrder) {
+  std::vector<std::string> paths;
+  std::vector<std::string> wanted;
+  for (int i = 0; i < 1000; ++i) {
+    paths.push_back("C:\\" + std::to_string(i) + ".txt");
+    wanted.push_back("WipeFile " + paths.back() + " 5");
+  }
+  wipe.Drop(paths);
+  std::vector<std::string> wiped;
+  for (const std::string& line : log) {
+    if (line.starts_with("WipeFile")) wiped.push_back(line);
+  }
+  EXPECT_EQ(wiped, wanted);
+  EXPECT_EQ(std::ranges::count(log, "BeginWhole"), 1) << "all of them are one operation";
+  EXPECT_THAT(log, Not(Contains("pump")));
+}
+
+TEST_F(DropWipeTest, LevelIsThatOfTheSettingsAtTheDrop) {
+  wipe.Drop({"C:\\a.txt"});
+  state.Settings.Passes = 7;
+  wipe.Drop({"C:\\a.txt"});
+  EXPECT_THAT(log, Contains("WipeFile C:\\a.txt 5"));
+  EXPECT_THAT(log, Contains("WipeFile C:\\a.txt 7"));
 }
 
 TEST_F(DropWipeTest, NextDropWipesItsOwnFilesAlone) {
