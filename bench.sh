@@ -6,6 +6,8 @@
 #   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows; zqwipe * and by path
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
 #   bench.sh drop     a drop of 1,000 files on the QuickWipe Bin beside a job of as many rows, under Wine
+#   bench.sh free     as root: the wipe of free space beside other tools, its memory, and how quickly it stops, on images
+#                     in memory; takes about two minutes
 #   bench.sh report   the report's window under Wine: reports of 30,000 lines opened, and scrolled
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
@@ -29,6 +31,17 @@ if [[ ${1:-} == report ]]; then
   cmake --build --preset program --parallel "$(nproc)" --target report_bench >/dev/null
   echo "load $(cut -d' ' -f1-3 /proc/loadavg)"
   ZQ_PREFIX=bench scripts/wine-run.sh build/program/tests/bench/report_bench.exe 30000 "${BENCH_RUNS:-5}"
+  exit
+fi
+
+if [[ ${1:-} == free ]]; then
+  need_packages bench-free
+  cmake --preset native-release -Wno-dev >/dev/null
+  cmake --build --preset native-release --parallel "$(nproc)" --target zqwipe >/dev/null
+  echo "load $(cut -d' ' -f1-3 /proc/loadavg)"
+  for part in compare memory cancel; do
+    bash tests/bench/free_space_bench.sh "$part" "$PWD/build/native-release/src/cli/zqwipe" "$PWD/build/bench"
+  done
   exit
 fi
 

@@ -36,8 +36,12 @@ packages_of() {
     bench)
       printf '%s\n' wipe secure-delete scrub fio strace perl
       ;;
+    bench-free)
+      # For images, and one more tool to compare with; beside `bench`.
+      printf '%s\n' bleachbit python3 e2fsprogs ntfs-3g
+      ;;
     *)
-      echo "packages.sh: there is no set '$1' (build, build-native, run, test, forensic, bench)" >&2
+      echo "packages.sh: there is no set '$1' (build, build-native, run, test, forensic, bench, bench-free)" >&2
       return 2
       ;;
   esac
@@ -66,7 +70,8 @@ need_packages() {
       [build-native]="cmake ninja g++"
       [run]="wine wineserver Xvfb unshare nsenter"
       [test]="clang++ clang-format clang-tidy cppcheck shellcheck chmcmd chmls"
-      [bench]="wipe srm scrub fio strace perl")
+      [bench]="wipe srm scrub fio strace perl"
+      [bench-free]="bleachbit python3 mkfs.ext4 ntfs-3g")
     local tool absent=""
     for set in "$@"; do
       for tool in ${tools[$set]}; do
@@ -100,6 +105,6 @@ need_packages() {
 
 if [[ ${BASH_SOURCE[0]} == "$0" ]]; then
   set -euo pipefail
-  (($# > 0)) || { echo "usage: packages.sh SET...   (build, build-native, run, test, forensic, bench)" >&2; exit 2; }
+  (($# > 0)) || { echo "usage: packages.sh SET...   (build, build-native, run, test, forensic, bench, bench-free)" >&2; exit 2; }
   need_packages "$@"
 fi

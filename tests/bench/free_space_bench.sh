@@ -6,8 +6,8 @@
 #   free_space_bench.sh cancel ZQWIPE FOLDER    stopped at many moments from its beginning to its end, on ext4 and on
 #                                               NTFS with 3,000 records of deleted files: how long it takes to end
 # The images lie in memory, on loop devices without discards: what counts is what was overwritten.
-# Medians of BENCH_RUNS (5) runs, in which the tools take turns. A tool that isn't installed is left out, as are all
-# that BENCH_TOOLS doesn't name. BENCH_STOPS (40) is how often a run is stopped.
+# Medians of BENCH_RUNS (5) runs, in which the tools take turns; what they come to is printed as a table. A tool that
+# isn't installed is left out, as are all that BENCH_TOOLS doesn't name. BENCH_STOPS (40) is how often a run is stopped.
 set -euo pipefail
 # shellcheck source=tests/forensic/images.sh
 source "$(dirname -- "${BASH_SOURCE[0]}")/../forensic/images.sh"
@@ -110,22 +110,30 @@ compare() {
       umount -- "$mnt"
     done
   done
-  own=$(column "${told[zqwipe]}" 1 | median)
-  printf '  %-10s %9s %7s %9s %13s %12s %6s   %s\n' "" "median s" "passes" "s a pass" "a pass, ratio" "marks left" MiB "all runs, s"
+  echo
+  echo '| | median s | passes | s a pass | zqwipe a pass, of it | marks left | MiB |'
+  echo '|---|---|---|---|---|---|---|'
+  own=$(column "${told[zqwipe]:-1}" 1 | median)
   for tool in "${tools[@]}"; do
     awk -v tool="$tool" -v t="$(column "${told[$tool]}" 1 | median)" -v passes="${passes[$tool]}" -v own="$own" \
       -v least="$(column "${told[$tool]}" 3 | sort -n | head -n 1)" -v most="$(column "${told[$tool]}" 3 | sort -n | tail -n 1)" \
-      -v memory="$(column "${told[$tool]}" 2 | sort -n | tail -n 1)" -v all="$(column "${told[$tool]}" 1 | tr '\n' ' ')" \
-      'BEGIN { printf "  %-10s %9.3f %7d %9.3f %13.2f %12s %6.1f   %s\n", tool, t, passes, t / passes, (t / passes) / (own / 9),
-        least == most ? most : least " to " most, memory, all }'
+      -v memory="$(column "${told[$tool]}" 2 | sort -n | tail -n 1)" \
+      'BEGIN { printf "| %s | %.3f | %d | %.3f | %.2f | %s | %s |\n", tool, t, passes, t / passes, (own / 9) / (t / passes),
+        (least == most ? most : least " to " most), (memory > 0 ? sprintf("%.1f", memory) : "") }'
   done
+  echo
+  for tool in "${tools[@]}"; do echo "$tool, all runs in seconds: $(column "${told[$tool]}" 1 | tr '\n' ' ')"; done
 }
 
 memory() {
-  local size
+  local size free
+  echo
+  echo '| MiB free | MiB of memory |'
+  echo '|---|---|'
   for size in 64M 256M 1024M; do
     new_image ext4 "$size"
-    printf '  %5d MiB free: %s MiB of memory\n' "$(free_mib)" "$(run_zqwipe | cut -d' ' -f2)"
+    free=$(free_mib)
+    echo "| $free | $(run_zqwipe | cut -d' ' -f2) |"
     umount -- "$mnt"
   done
 }
@@ -133,6 +141,7 @@ memory() {
 # The moments of a stop are spread over the time that a whole run takes.
 cancel() {
   local kind whole i count=${BENCH_STOPS:-40}
+  echo
   for kind in ext4 ntfs; do
     new_image "$kind" 64M
     mkdir -- "$mnt/small"
@@ -140,7 +149,7 @@ cancel() {
     sync -f "$mnt"
     rm -r -- "$mnt/small"
     whole=$(run_zqwipe | cut -d' ' -f1)
-    python3 - "$program" "$mnt" "$whole" "$count" <<'PYTHON' | sed "s/^/  $kind: /"
+    python3 - "$program" "$mnt" "$whole" "$count" <<'PYTHON' | sed "s/^/$kind: /"
 import signal, subprocess, sys, time
 program, drive, whole, count = sys.argv[1], sys.argv[2], float(sys.argv[3]), int(sys.argv[4])
 took = []
