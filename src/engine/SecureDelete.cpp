@@ -42,6 +42,9 @@ std::string NoteOf(const Operation& operation) {
 
 // The longest that clearing the traces of names takes.
 constexpr Clock::Time kLongest{5'000'000};
+// The same for a drive's free space, which has taken so much longer. The log has old names that nothing else
+// reaches.
+constexpr Clock::Time kLongestOfFreeSpace{60'000'000};
 // The same when the user waits for the end of what was cancelled: too short for an event.
 constexpr Clock::Time kLongestAfterCancel{30'000};
 
@@ -152,7 +155,8 @@ bool SecureDelete::ClearTraces() noexcept {
   // A click may have come when nothing could be stopped any more.
   const bool inAHurry = std::exchange(wasCancelled_, false) || cancelled_;
   cancelled_ = false;
-  const Clock::Time longest = inAHurry ? kLongestAfterCancel : kLongest;
+  const bool wasFreeSpace = std::exchange(isFreeSpace_, false);
+  const Clock::Time longest = inAHurry ? kLongestAfterCancel : wasFreeSpace ? kLongestOfFreeSpace : kLongest;
   operation_->timer.Raised();
   const bool done = Guard([&] { operation_->traces.Clear(*operation_, longest); });
   SetNote();
@@ -262,6 +266,7 @@ bool SecureDelete::WipeFolderFiles(const std::string& path, const std::string& m
 bool SecureDelete::WipeFreeSpace(const std::string& drive, std::int32_t level) noexcept {
   place_.reset();
   return Run(drive, level, [&](Operation& operation) {
+    isFreeSpace_ = true;
     FreeSpaceWipe wipe(operation);
     wipe.Run(drive);
   });

@@ -111,6 +111,7 @@ class SecureDelete {
   std::unique_ptr<Operation> operation_;  // none before the first call of a whole
   std::shared_ptr<Place> place_;          // of the last file, if it is kept; goes before operation_
   bool isWhole_ = false;
+  bool isFreeSpace_ = false;  // since traces were last cleared
   bool running_ = false;
   bool cancelled_ = false;
   bool wasCancelled_ = false;  // one of the calls of the whole

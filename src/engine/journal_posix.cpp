@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <climits>
 #include <cstdlib>
 #include <fstream>
@@ -67,9 +66,8 @@ std::optional<LogHead> ReadLogHead(dev_t device) {
   return head;
 }
 
-// What is written into a journal to fill it is bounded in both: it must not take longer than the wipe.
+// What is written into a journal to fill it is bounded: it must not take longer than the wipe.
 constexpr std::uint64_t kMostBytes = std::uint64_t{64} << 20;
-constexpr std::chrono::seconds kMostTime{5};
 
 // Files with an extended attribute of most of a block. Each time it is written anew it goes through the
 // journal, and unlike a file's content it does. They have no name, so that nothing is left of them however
@@ -90,9 +88,8 @@ class JournalFiller {
     return true;
   }
 
-  // Writes one round and makes it durable. False once something fails or the time is over.
+  // Writes one round and makes it durable. False if something fails.
   bool Write() {
-    if (std::chrono::steady_clock::now() - started_ > kMostTime) return false;
     for (const UniqueFd& file : files_) {
       // No two are the same, or ext4 would keep them in one block.
       ++number_;
@@ -103,7 +100,6 @@ class JournalFiller {
   }
 
  private:
-  const std::chrono::steady_clock::time_point started_ = std::chrono::steady_clock::now();
   std::array<UniqueFd, kFiles> files_;
   std::uint64_t number_ = 0;
   std::array<char, kValueBytes> value_{};

@@ -145,7 +145,8 @@ class QuickBinForm : public testing::Test {
       EXPECT_NE(dialog.ExtendedStyle() & WS_EX_DLGMODALFRAME, 0);
       EXPECT_EQ(dialog.ExtendedStyle() & WS_EX_APPWINDOW, 0) << "no button on the task bar";
       ExpectInTheMiddleOf(dialog.ScreenRect(), Window(HandleOf(Bin())).ScreenRect());
-      TakePicture(Window(form.Handle()), picture);
+      PumpMessages();
+      TakePicture(dialog, picture);
       const HWND list = Item(form, IDC_frmQuickErrors_List1);
       for (LRESULT i = 0; i < ::SendMessageW(list, LB_GETCOUNT, 0, 0); ++i) {
         char text[600] = "";

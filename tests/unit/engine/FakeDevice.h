@@ -106,6 +106,7 @@ class FakeDevice final : public Device {
   bool mergesEqual = false;                // streams must never be written with a pattern
   std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
   std::uint64_t log = 0;                   // of all folders; 0: there is none
+  Clock::Time clearingTime{0};             // that clearing the log's traces takes, if it may go on
   std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end
   std::uint64_t bytesPerSecond = 0;        // 0: no time passes
   Clock::Time flushLatency{0};
@@ -148,6 +149,7 @@ class FakeDevice final : public Device {
   std::size_t mostRecordsTaken = 0;
   std::vector<bool> takenRecords;  // empty until the first one is
   std::vector<int> recordPasses;   // of each, of writes that it had; as many as there are records
+  Clock::Time clearedFor{0};
   int openHandles = 0;
   std::uint64_t FreeBytes() const;
   bool ReserveIsGivenOut() const { return reserveBytes == 0 || !reserveGiven_.expired(); }

@@ -395,6 +395,25 @@ TEST(FreeSpaceWipe, TakesInSpaceThatIsFreedWhileItFills) {
   EXPECT_GT(events.back().total, events.front().total + 2 * 1024);
 }
 
+TEST(FreeSpaceWipe, HasMoreTimeForTheLogThanAFile) {
+  FreeSpaceRig rig;
+  rig.device.log = 7;
+  rig.device.clearingTime = Clock::Time{600'000'000};
+  EXPECT_TRUE(rig.engine.WipeFile("/drive/mine", 3));
+  EXPECT_EQ(rig.device.clearedFor, Clock::Time{5'000'000});
+  EXPECT_TRUE(rig.engine.WipeFreeSpace("/drive", 3));
+  EXPECT_EQ(rig.device.clearedFor, Clock::Time{65'000'000});
+  rig.device.MakeFile("/drive/another", Secret(100));
+  EXPECT_TRUE(rig.engine.WipeFile("/drive/another", 3));
+  EXPECT_EQ(rig.device.clearedFor, Clock::Time{70'000'000});
+  // But none after a cancel.
+  rig.device.onOp = [&](const Op& op) {
+    if (op.kind == "read") rig.engine.CancelOperation();
+  };
+  EXPECT_FALSE(rig.engine.WipeFreeSpace("/drive", 3));
+  EXPECT_LE(rig.device.clearedFor, Clock::Time{70'100'000});
+}
+
 TEST(FreeSpaceWipe, EndsOnADriveThatNeverComesToRest) {
   FreeSpaceRig rig;
   rig.device.onOp = [&](const Op& op) {
