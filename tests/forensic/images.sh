@@ -17,7 +17,7 @@ enter_own_space() {
     unset ZQ_OWN_SPACE
     mount --make-rprivate /
     mount -t proc proc /proc
-    hide_lost_images
+    see_own_images
     return
   fi
   ((EUID == 0)) || skip "mounting an image needs root"
@@ -25,13 +25,19 @@ enter_own_space() {
   ZQ_OWN_SPACE=inside exec unshare --mount --pid --fork --kill-child -- bash "$@"
 }
 
-# hide_lost_images: out of sight go this machine's loop devices whose images have no path from here. To a user who may
-# not ask the devices any file could be such an image, and is refused: that is right, and not what the tests are about.
-hide_lost_images() {
-  local backing
-  for backing in /sys/devices/virtual/block/loop*/loop/backing_file; do
-    [[ -r $backing && ! -e $(<"$backing") ]] || continue
-    mount -t tmpfs -o ro lost "${backing%/*}"
+# see_own_images: of the loop devices those stay in /sys/block whose images have a path from here, as they are now. Other
+# tests and this machine have some, too. To a user who may not ask the devices any file could be the image of those, and
+# is refused: that is right, and not what the tests are about.
+see_own_images() {
+  local device image
+  mountpoint -q /sys/block || mount -t tmpfs own /sys/block
+  find /sys/block -mindepth 1 -delete
+  for device in /sys/class/block/*; do
+    if [[ ${device##*/} == loop* ]]; then
+      image=$(cat -- "$device/loop/backing_file" 2>/dev/null) || continue
+      [[ -e $image ]] || continue
+    fi
+    ln -s -- "$(realpath -- "$device")" "/sys/block/${device##*/}"
   done
 }
 
@@ -103,7 +109,8 @@ image_mount() {
       losetup --detach "$device"
       ;;
     *) mount -t "$1" -o loop -- "$2" "$3" ;;
-  esac
+  esac || return
+  see_own_images
 }
 
 # image_unmount FOLDER: returns when all is in the image. ntfs-3g writes its last after the unmount.

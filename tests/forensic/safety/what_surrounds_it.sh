@@ -191,6 +191,7 @@ case_image_of_a_mounted_device() {
   truncate -s 4M "$top/image"
   mkfs.ext4 -q -F -- "$top/image"
   mount -o loop -- "$top/image" "$mnt/inner"
+  see_own_images
   put "$mnt/inner/precious"
   sync -f "$mnt/inner"
   wipe "$top"
@@ -212,6 +213,7 @@ case_image_without_a_path() {
   mkfs.ext4 -q -F -- "$mnt/image"
   ln -- "$mnt/image" "$top/other name"
   mount -o loop -- "$mnt/image" "$mnt/inner"
+  see_own_images
   put "$mnt/inner/precious"
   sync -f "$mnt/inner"
   rm -- "$mnt/image"
