@@ -32,7 +32,7 @@ new_image() {
   # Its room is to be had from the disk before anything is timed.
   fallocate --posix --length "$2" -- "$work/image"
   device=$(losetup --find --show -- "$work/image")
-  echo 0 >"/sys/block/${device##*/}/queue/discard_max_bytes"
+  echo 0 >"/sys/class/block/${device##*/}/queue/discard_max_bytes"
   if [[ $1 == ntfs ]]; then ntfs-3g "$device" "$mnt"; else mount -- "$device" "$mnt"; fi
   losetup --detach "$device"
   until mountpoint -q -- "$mnt"; do ((SECONDS < limit)) || exit 1; sleep 0.02; done

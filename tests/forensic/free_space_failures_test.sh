@@ -25,7 +25,7 @@ begin() {
   image_make "$kind" "$image"
   image_mount "$kind" "$image" "$mnt"
   device=$(losetup --noheadings --output NAME --associated "$image" | head -n 1)
-  echo 0 >"/sys/block/${device##*/}/queue/discard_max_bytes"
+  echo 0 >"/sys/class/block/${device##*/}/queue/discard_max_bytes"
   # Nobody fills this machine's disk, whatever has gone wrong before.
   [[ $(stat -c %d "$mnt") != "$(stat -c %d /)" ]] || { say "$mnt is not an image"; exit 1; }
   for i in 1 700 40000 3000000; do head -c "$i" /dev/urandom >"$mnt/$i"; done

@@ -22,7 +22,7 @@ mount_image() {
   local device
   image_mount "$kind" "$work/image" "$mnt"
   device=$(losetup --noheadings --output NAME --associated "$work/image" | head -n 1)
-  echo 0 >"/sys/block/${device##*/}/queue/discard_max_bytes"
+  echo 0 >"/sys/class/block/${device##*/}/queue/discard_max_bytes"
   # Nobody fills this machine's disk, whatever has gone wrong before.
   [[ $(stat -c %d "$mnt") != "$(stat -c %d /)" ]] || { say "$mnt is not an image"; exit 1; }
 }
