@@ -7,7 +7,7 @@
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
 #   bench.sh drop     a drop of 1,000 files on the QuickWipe Bin beside a job of as many rows, under Wine
 #   bench.sh free     as root: the wipe of free space beside other tools, its memory, and how quickly it stops, on images
-#                     in memory; takes about two minutes
+#                     in memory; takes about three minutes
 #   bench.sh report   the report's window under Wine: reports of 30,000 lines opened, and scrolled
 # The scratch folder is build/bench (BENCH_DIR for another disk), holds 300 MB at most and goes at the end.
 # Only level 3 is timed: nine passes, as shred -n 9. Do it when the machine has nothing else to do.
