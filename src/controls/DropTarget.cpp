@@ -9,6 +9,7 @@
 #include <exception>
 #include <utility>
 
+#include "platform/win32/ComObject.h"
 #include "platform/win32/RunTimeErrorReport.h"
 #include "platform/win32/UniqueHandle.h"
 
@@ -47,29 +48,13 @@ bool ReadFileList(IDataObject& data, DroppedPaths& paths) {
   return true;
 }
 
-class DropTarget::Target final : public IDropTarget {
+class DropTarget::Target final : public ComObject<IDropTarget> {
  public:
   Target(DropTarget& owner, HWND hwnd, std::function<void(const DroppedPaths&)> dropped, When when)
       : owner_(&owner), hwnd_(hwnd), dropped_(std::move(dropped)), when_(when), picture_(DragPicture()) {
     ::SetWindowSubclass(hwnd_, &Target::Receive, kSubclassId, reinterpret_cast<DWORD_PTR>(this));
   }
-  ~Target() { ::RemoveWindowSubclass(hwnd_, &Target::Receive, kSubclassId); }
-
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    if (id == IID_IUnknown || id == IID_IDropTarget) {
-      *object = this;
-      AddRef();
-      return S_OK;
-    }
-    *object = nullptr;
-    return E_NOINTERFACE;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
+  ~Target() override { ::RemoveWindowSubclass(hwnd_, &Target::Receive, kSubclassId); }
 
   HRESULT STDMETHODCALLTYPE DragEnter(IDataObject* data, DWORD, POINTL point, DWORD* effect) override {
     FORMATETC format = FileListFormat();
@@ -155,7 +140,6 @@ class DropTarget::Target final : public IDropTarget {
   HWND hwnd_;
   std::function<void(const DroppedPaths&)> dropped_;
   When when_;
-  ULONG references_ = 1;
   std::deque<DroppedPaths> waiting_;
   bool accepts_ = false;
   bool hovering_ = false;

@@ -7,38 +7,15 @@
 #include <utility>
 
 #include "controls/DropTarget.h"
+#include "platform/win32/ComObject.h"
 #include "platform/win32/RunTimeErrorReport.h"
 #include "platform/win32/UniqueHandle.h"
 
 namespace zq {
 namespace {
 
-template <class Interface>
-class Counted : public Interface {
- public:
-  virtual ~Counted() = default;
-  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
-    if (id != IID_IUnknown && id != __uuidof(Interface)) {
-      *object = nullptr;
-      return E_NOINTERFACE;
-    }
-    *object = static_cast<Interface*>(this);
-    AddRef();
-    return S_OK;
-  }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
-  ULONG STDMETHODCALLTYPE Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
-
- private:
-  ULONG references_ = 1;  // all calls come on the one thread
-};
-
 // Takes one selection. It has no window: nothing hovers, and the place means nothing.
-class Selected final : public Counted<IDropTarget> {
+class Selected final : public ComObject<IDropTarget> {
  public:
   explicit Selected(const ShellVerb::Taken& taken) : taken_(taken) {}
 
@@ -69,7 +46,7 @@ class Selected final : public Counted<IDropTarget> {
   ShellVerb::Taken taken_;
 };
 
-class Factory final : public Counted<IClassFactory> {
+class Factory final : public ComObject<IClassFactory> {
  public:
   explicit Factory(ShellVerb::Taken taken) : taken_(std::move(taken)) {}
 

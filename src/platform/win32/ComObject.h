@@ -1,0 +1,38 @@
+// A COM object of one interface, that lives until the last reference to it is given back.
+#pragma once
+
+#include <windows.h>
+#include <unknwn.h>
+
+namespace zq {
+
+// Made with one reference, which is its maker's. All calls come on the one thread that made it.
+template <class Interface>
+class ComObject : public Interface {
+ public:
+  ComObject() = default;
+  ComObject(const ComObject&) = delete;
+  ComObject& operator=(const ComObject&) = delete;
+  virtual ~ComObject() = default;
+
+  HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override {
+    if (id != IID_IUnknown && id != __uuidof(Interface)) {
+      *object = nullptr;
+      return E_NOINTERFACE;
+    }
+    *object = static_cast<Interface*>(this);
+    AddRef();
+    return S_OK;
+  }
+  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+ private:
+  ULONG references_ = 1;
+};
+
+}  // namespace zq
