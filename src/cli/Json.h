@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace zq::cli {
 
@@ -35,7 +36,8 @@ class JsonWriter {
   // What comes next begins a line.
   void BreakLine() { breakLine_ = true; }
 
-  const std::string& Text() const { return text_; }
+  const std::string& Text() const& { return text_; }
+  std::string Text() && { return std::move(text_); }
 
  private:
   void Open(char bracket);

@@ -1,6 +1,8 @@
 #include "cli/Options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <utility>
 
 #include "version.h"
 
@@ -12,9 +14,8 @@ namespace {
 // mark is put before arguments that begin with it, too, so that taking it off again is never wrong.
 constexpr char kMark = '\x01';
 
-std::string Marked(const std::string& argument) {
-  const bool needsIt = !argument.empty() && (argument[0] == '[' || argument[0] == kMark);
-  return needsIt ? kMark + argument : argument;
+void Mark(std::string& argument) {
+  if (!argument.empty() && (argument[0] == '[' || argument[0] == kMark)) argument.insert(0, 1, kMark);
 }
 
 void Unmark(std::string& value) {
@@ -47,7 +48,7 @@ Examples:
 
 }  // namespace
 
-Parsed ParseCommandLine(const std::vector<std::string>& arguments) {
+Parsed ParseCommandLine(std::vector<std::string> arguments) {
   Options options;
   std::string mask;
   std::string report;
@@ -84,11 +85,9 @@ Parsed ParseCommandLine(const std::vector<std::string>& arguments) {
 
   Parsed parsed;
   try {
-    std::vector<std::string> reversed;  // as the parser wants them
-    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
-      reversed.push_back(Marked(*argument));
-    }
-    app.parse(std::move(reversed));
+    for (std::string& argument : arguments) Mark(argument);
+    std::ranges::reverse(arguments);  // as the parser wants them
+    app.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
     parsed.text = app.help();
     return parsed;

@@ -39,6 +39,6 @@ struct Parsed {
 };
 
 // `arguments` without the program's name.
-Parsed ParseCommandLine(const std::vector<std::string>& arguments);
+Parsed ParseCommandLine(std::vector<std::string> arguments);
 
 }  // namespace zq::cli

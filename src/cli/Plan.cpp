@@ -1,8 +1,9 @@
 #include "cli/Plan.h"
 
 #include <algorithm>
+#include <deque>
 #include <memory>
-#include <set>
+#include <string_view>
 #include <unordered_set>
 #include <utility>
 
@@ -15,7 +16,7 @@ namespace {
 
 // A path that was named, and what the system says about it.
 struct Named {
-  std::string given;
+  const std::string& given;  // of the options
   Located located;
 };
 
@@ -26,16 +27,16 @@ class Planner {
       : options_(options), surroundings_(surroundings), device_(device), interrupted_(interrupted) {}
 
   Plan Make() {
-    for (const std::string& path : options_.paths) Look(path);
+    LookAtAll();
     if (!plan_.refusals.empty()) return std::move(plan_);
-    for (const Named& named : named_) {
+    for (const Named& named : folders_) {
       if (interrupted_()) break;
-      if (named.located.type == EntryType::Folder) AddFolder(named);
+      AddFolder(named);
     }
-    // After the folders, whose items are then known.
-    for (const Named& named : named_) {
-      if (named.located.type != EntryType::Folder) AddOther(named);
-    }
+    // After the folders, whose items are then known. A shell can name a hundred thousand files: what is in
+    // the plan is let go here.
+    plan_.items.reserve(plan_.items.size() + others_.size());
+    for (; !others_.empty(); others_.pop_front()) AddOther(others_.front());
     return std::move(plan_);
   }
 
@@ -44,7 +45,12 @@ class Planner {
     plan_.refusals.push_back(Shown(path) + ": " + why);
   }
 
-  void Look(const std::string& path) {
+  void LookAtAll() {
+    std::unordered_set<std::string_view> seen;  // canonical paths, in what is kept of them
+    for (const std::string& path : options_.paths) Look(path, seen);
+  }
+
+  void Look(const std::string& path, std::unordered_set<std::string_view>& seen) {
     Named named{path, Locate(path)};
     const Located& located = named.located;
     if (const std::string why = WhyProtected({path, located.canonical, located.id}, surroundings_);
@@ -53,15 +59,18 @@ class Planner {
     } else if (located.type == EntryType::Folder && !options_.recursive && !options_.mask) {
       Refuse(path, "it is a folder; give --recursive to wipe all of it, or --mask for some of its files");
     }
-    const bool seen = !located.canonical.empty() && !seen_.insert(located.canonical).second;
-    if (!seen) named_.push_back(std::move(named));
+    if (seen.contains(located.canonical)) return;
+    std::deque<Named>& kept = located.type == EntryType::Folder ? folders_ : others_;
+    kept.push_back(std::move(named));
+    const std::string& canonical = kept.back().located.canonical;
+    if (!canonical.empty()) seen.insert(canonical);
   }
 
   // Whether another folder that was named takes this one along.
   bool IsCovered(const Named& folder) const {
     if (!options_.recursive) return false;
-    return std::ranges::any_of(named_, [&](const Named& other) {
-      return &other != &folder && other.located.type == EntryType::Folder &&
+    return std::ranges::any_of(folders_, [&](const Named& other) {
+      return &other != &folder &&
              IsWithin(folder.located.canonical, other.located.canonical, surroundings_.style);
     });
   }
@@ -89,9 +98,8 @@ class Planner {
 
   // Only what is named by itself too can meet an item of a folder, and most often nothing is.
   void RememberPlaces(const Target& target, const Named& folder) {
-    const bool needed = std::ranges::any_of(named_, [&](const Named& other) {
-      return other.located.type != EntryType::Folder &&
-             IsWithin(other.located.canonical, folder.located.canonical, surroundings_.style);
+    const bool needed = std::ranges::any_of(others_, [&](const Named& other) {
+      return IsWithin(other.located.canonical, folder.located.canonical, surroundings_.style);
     });
     if (!needed) return;
     for (std::size_t i = 0; i < target.itemCount; ++i) {
@@ -147,7 +155,7 @@ class Planner {
     }
     if (++heldCount_ > kMostHeld) meant.hold.reset();
     plan_.items.push_back(std::move(item));
-    plan_.targets.back().files.push_back({name, named.given, std::move(meant)});
+    plan_.targets.back().files.push_back({std::move(name), std::move(meant)});
     ++plan_.targets.back().itemCount;
   }
 
@@ -163,8 +171,9 @@ class Planner {
   engine::Device& device_;
   const std::function<bool()>& interrupted_;
   Plan plan_;
-  std::vector<Named> named_;
-  std::set<std::string> seen_;             // canonical paths
+  // Each once.
+  std::deque<Named> folders_;
+  std::deque<Named> others_;
   std::unordered_set<std::string> taken_;  // canonical paths of items of folders
   // What is held open keeps its number; the plan must not take all descriptors for that.
   static constexpr std::size_t kMostHeld = 32;

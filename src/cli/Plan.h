@@ -12,7 +12,6 @@
 #include "cli/Options.h"
 #include "cli/Safety.h"
 #include "engine/Device.h"
-#include "engine/SecureDelete.h"
 
 namespace zq::cli {
 
@@ -33,13 +32,19 @@ struct Item {
   std::string reason;  // why it was kept, or is left
 };
 
+// A file of its own, beside what its item tells of it.
+struct MeantFile {
+  std::string name;  // in the case in which the system keeps it
+  engine::EntryId meant;
+};
+
 // One call of the engine.
 struct Target {
   enum class Kind { Files, Tree, Matching };
 
   Kind kind = Kind::Files;
-  std::string path;                                    // of the folder; that of the files
-  std::vector<engine::SecureDelete::NamedFile> files;  // in the case in which the system keeps their names
+  std::string path;              // of the folder; that of the files
+  std::vector<MeantFile> files;  // one for each item
   // What was found there, and is shown to the user: nothing else that comes in its place is wiped.
   std::optional<engine::EntryId> meant;  // the folder at `path`
   std::size_t firstItem = 0;             // its items stand together in the plan

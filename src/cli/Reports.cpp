@@ -108,7 +108,7 @@ std::string JsonReport(const Finished& finished) {
   json.Member("bytesKept", kept.bytes);
   json.EndObject();
   json.EndObject();
-  return json.Text() + '\n';
+  return std::move(json).Text() + '\n';
 }
 
 std::string TextReport(const Finished& finished) {

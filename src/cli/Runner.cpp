@@ -83,13 +83,22 @@ bool Runner::Wipe(const Target& target) {
   const engine::EntryId* const meant = target.meant ? &*target.meant : nullptr;
   switch (target.kind) {
     case Target::Kind::Files:
-      return engine_.WipeFiles(target.path, target.files, options_.level, meant);
+      return engine_.WipeFiles(target.path, NamedFiles(target), options_.level, target.meant.value());
     case Target::Kind::Tree:
       return engine_.WipeFolder(target.path, options_.level, meant);
     case Target::Kind::Matching:
       break;
   }
   return engine_.WipeFolderFiles(target.path, *options_.mask, options_.recursive, options_.level, meant);
+}
+
+std::vector<engine::SecureDelete::NamedFile> Runner::NamedFiles(const Target& target) const {
+  std::vector<engine::SecureDelete::NamedFile> files;
+  files.reserve(target.files.size());
+  for (const MeantFile& file : target.files) {
+    files.push_back({file.name, plan_->items[target.firstItem + files.size()].path, file.meant});
+  }
+  return files;
 }
 
 // What names leave in folders and logs, once for the whole command line.

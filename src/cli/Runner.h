@@ -53,6 +53,7 @@ class Runner final : private engine::EngineEvents {
 
  private:
   bool Wipe(const Target& target);
+  std::vector<engine::SecureDelete::NamedFile> NamedFiles(const Target& target) const;
   void Settle(const Target& target, bool done);
   void ClearTraces();
   void TakeNote();

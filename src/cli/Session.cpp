@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include "cli/Plan.h"
 #include "cli/Print.h"
@@ -88,7 +89,9 @@ class Session {
       if (target.kind == Target::Kind::Matching) {
         lines.push_back(Shown(target.path) + " (its files like " + Shown(*options_.mask) + ')');
       }
-      for (const engine::SecureDelete::NamedFile& file : target.files) lines.push_back(Shown(file.path));
+      for (std::size_t i = 0; i < target.files.size(); ++i) {
+        lines.push_back(Shown(plan_.items[target.firstItem + i].path));
+      }
     }
     for (std::size_t i = 0; i < std::min(kMostShown, lines.size()); ++i) text += "  " + lines[i] + '\n';
     if (lines.size() > kMostShown) text += "  and " + std::to_string(lines.size() - kMostShown) + " more\n";
@@ -152,9 +155,9 @@ class Session {
 
 }  // namespace
 
-ExitCode RunSession(const std::vector<std::string>& arguments) {
+ExitCode RunSession(std::vector<std::string> arguments) {
   PrepareStreams();
-  Parsed parsed = ParseCommandLine(arguments);
+  Parsed parsed = ParseCommandLine(std::move(arguments));
   if (!parsed.options) {
     if (parsed.code == ExitCode::AllGone) {
       Write(stdout, parsed.text);

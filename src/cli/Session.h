@@ -9,6 +9,6 @@
 namespace zq::cli {
 
 // `arguments` without the program's name. Uses the process's streams.
-ExitCode RunSession(const std::vector<std::string>& arguments);
+ExitCode RunSession(std::vector<std::string> arguments);
 
 }  // namespace zq::cli

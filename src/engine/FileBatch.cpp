@@ -14,10 +14,11 @@ constexpr Clock::Time kLongestHiding{60'000};
 
 }  // namespace
 
-void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path) {
+void FileBatch::AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path,
+                        std::optional<FileId> meant) {
   auto item = std::make_unique<Item>();
   item->place = std::move(place);
-  const auto open = [&] { item->file.emplace(operation_, *item->place, name, path).Open(); };
+  const auto open = [&] { item->file.emplace(operation_, *item->place, name, path, meant).Open(); };
   try {
     try {
       open();

@@ -29,7 +29,9 @@ class FileBatch {
 
   // Opens the file `name` of `place`; runs the batch before, if the file would make it too large or is in it
   // under another name, or after, if it is full then. Throws Cancelled; a failure is told as the file's end.
-  void AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path);
+  // It has to be the file that is `meant`, if that is given.
+  void AddFile(std::shared_ptr<Place> place, const std::string& name, const std::string& path,
+               std::optional<FileId> meant = std::nullopt);
   // A link, of which only the name and the entry are removed.
   void AddLink(std::shared_ptr<Place> place, Entry entry, std::string path);
 

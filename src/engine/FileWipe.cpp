@@ -113,15 +113,17 @@ void FileProgress::Raise(std::int32_t bytesDone) {
   operation_.LookForCancel();
 }
 
-void ThrowNotMeant(const std::string& path) {
-  throw MakeFailure("Opening", path, "it isn't any more what was to be wiped: something else is there now");
+Failure NotMeant(const std::string& path) {
+  return MakeFailure("Opening", path, "it isn't any more what was to be wiped: something else is there now");
 }
 
-FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::string path)
+FileWipe::FileWipe(Operation& operation, Place& place, std::string name, std::string path,
+                   std::optional<FileId> meant)
     : operation_(operation),
       place_(place),
       item_{std::move(path), std::move(name), ItemKind::File},
       nameNow_(item_.name),
+      meant_(meant),
       progress_(operation, item_) {
 }
 
@@ -132,7 +134,7 @@ void FileWipe::Open() {
         return place_.folder->OpenFile(item_.name, access, file);
       },
       info_));
-  if (place_.onlyFile && Identity() != *place_.onlyFile) ThrowNotMeant(item_.path);
+  if (meant_ && Identity() != *meant_) throw NotMeant(item_.path);
   lengthsBytes_.push_back(info_.lengthBytes);
 
   std::vector<std::string> streams;

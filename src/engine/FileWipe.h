@@ -50,13 +50,13 @@ struct Place {
   std::unique_ptr<Folder> folder;
   std::string path;
   bool hasLostEntries = false;
-  bool isUnflushed = false;             // their removal isn't durable yet
-  bool somethingStays = false;          // something in it has failed, so it has to stay too
-  std::size_t shortestName = 1;         // that is free in it, as far as known (HideName)
-  std::optional<FileId> onlyFile = {};  // if set, no other file may be opened in it
+  bool isUnflushed = false;      // their removal isn't durable yet
+  bool somethingStays = false;   // something in it has failed, so it has to stay too
+  std::size_t shortestName = 1;  // that is free in it, as far as known (HideName)
 };
 
-[[noreturn]] void ThrowNotMeant(const std::string& path);
+// The failure to be told where `path` leads to something else than was agreed to.
+Failure NotMeant(const std::string& path);
 
 // One file of a batch. Each step throws Failure or Cancelled and leaves the file where it is. The steps are
 // apart because a batch takes all its files through one of them before the next; what makes them durable
@@ -67,14 +67,15 @@ struct Place {
 // owner wanted gone is gone. Operation::namesLeft keeps count, so that the owner can be told.
 class FileWipe {
  public:
-  // Wipes the file `name` of `place`, which must outlive this; `path` is what error texts call it.
-  FileWipe(Operation& operation, Place& place, std::string name, std::string path);
+  // Wipes the file `name` of `place`, which must outlive this; `path` is what error texts call it. It has to
+  // be the file that is `meant`, if that is given.
+  FileWipe(Operation& operation, Place& place, std::string name, std::string path,
+           std::optional<FileId> meant);
   FileWipe(const FileWipe&) = delete;
   FileWipe& operator=(const FileWipe&) = delete;
 
   // Opens the file and its named streams. Throws Failure if overwriting in place can't destroy it.
   void Open();
-  // The file's facts as it was last looked at.
   // Whether another name of this file may be in the same wipe.
   bool HasSeveralNames() const { return info_.names > 1; }
   bool IsSameFileAs(FileWipe& other);
@@ -117,7 +118,8 @@ class FileWipe {
   const Item item_;
   std::string nameNow_;
   std::string hiddenPath_;
-  FileInfo info_;
+  const std::optional<FileId> meant_;
+  FileInfo info_;             // the file's facts as it was last looked at
   std::optional<FileId> id_;  // once it was asked for
   std::vector<Overwriter> parts_;
   std::vector<std::uint64_t> lengthsBytes_;  // of the parts, when they were opened

@@ -56,7 +56,7 @@ void FolderWipe::Open(const std::string& path, const EntryId* meant) {
   if (meant != nullptr) {
     EntryId id;
     Require(folder->Identity(id), "Opening", path);
-    if (id != *meant) ThrowNotMeant(path);
+    if (id != *meant) throw NotMeant(path);
   }
   Enter(std::move(folder), name, path);
 }

@@ -184,7 +184,7 @@ std::shared_ptr<Place> SecureDelete::PlaceAt(const std::string& path) {
   return place;
 }
 
-bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const EntryId* meant) noexcept {
+bool SecureDelete::WipeFile(const std::string& path, std::int32_t level) noexcept {
   return Run(path, level, [&](Operation& operation) {
     operation.flushesNamesLater = isWhole_;
     std::string folderPath;
@@ -194,14 +194,6 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
       Require(device_.Split(path, folderPath, name), "Opening", path);
       if (name.empty()) throw MakeFailure("Opening", path, "it is not a file");
       place = PlaceAt(folderPath);
-      place->onlyFile.reset();
-      if (meant != nullptr) {
-        // The file has its folder's mount, or it is refused.
-        EntryId folder;
-        Require(place->folder->Identity(folder), "Opening", place->path);
-        if (folder.mount != meant->mount) ThrowNotMeant(path);
-        place->onlyFile = meant->file;
-      }
     } catch (const Failure& failure) {
       operation.TellFailed({path, name, ItemKind::File}, failure, Outcome::Kept, name);
       return;
@@ -213,33 +205,33 @@ bool SecureDelete::WipeFile(const std::string& path, std::int32_t level, const E
 }
 
 bool SecureDelete::WipeFiles(const std::string& folderPath, std::span<const NamedFile> files,
-                             std::int32_t level, const EntryId* meantFolder) noexcept {
+                             std::int32_t level, const EntryId& meantFolder) noexcept {
   return Run(folderPath, level, [&](Operation& operation) {
     operation.flushesNamesLater = isWhole_;
+    const auto keep = [&](const NamedFile& file, const Failure& failure) {
+      const Item item{std::string(file.path), std::string(file.name), ItemKind::File};
+      operation.TellFailed(item, failure, Outcome::Kept, item.name);
+    };
     std::shared_ptr<Place> place;
-    EntryId folder;
     try {
       place = PlaceAt(folderPath);
+      EntryId folder;
       Require(place->folder->Identity(folder), "Opening", folderPath);
-      // A file can have a name in another folder, too, and that one wasn't named.
-      if (meantFolder != nullptr && folder != *meantFolder) ThrowNotMeant(folderPath);
+      if (folder != meantFolder) throw NotMeant(folderPath);
     } catch (const Failure& failure) {
-      for (const NamedFile& file : files) {
-        operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
-      }
+      for (const NamedFile& file : files) keep(file, failure);
       return;
     }
     FileBatch batch(operation);
     for (const NamedFile& file : files) {
-      operation.Tell(file.path);
-      try {
-        if (folder.mount != file.meant.mount) ThrowNotMeant(file.path);
-      } catch (const Failure& failure) {
-        operation.TellFailed({file.path, file.name, ItemKind::File}, failure, Outcome::Kept, file.name);
-        continue;
+      const std::string path(file.path);
+      operation.Tell(path);
+      // The file has its folder's mount, or it isn't opened.
+      if (file.meant.mount != meantFolder.mount) {
+        keep(file, NotMeant(path));
+      } else {
+        batch.AddFile(place, std::string(file.name), path, file.meant.file);
       }
-      place->onlyFile = file.meant.file;
-      batch.AddFile(place, file.name, file.path);
     }
     batch.Run();
   });

@@ -48,21 +48,23 @@ class SecureDelete {
   // Note has what there is to say beside.
   bool EndWhole() noexcept;
 
-  // `meant`, where it is given, is what the path led to when the user agreed (Device::Identify). If it leads
-  // to anything else by now, that isn't touched: a failure.
-
   // Wipes and removes one regular file.
-  bool WipeFile(const std::string& path, std::int32_t level, const EntryId* meant = nullptr) noexcept;
+  bool WipeFile(const std::string& path, std::int32_t level) noexcept;
 
-  // The same for several files of one folder, which has to be `meantFolder`, if that is given: its identity
-  // as the folder itself tells it. One that fails stays, and the rest goes on.
+  // What is `meant` is what a path led to when the user agreed (Device::Identify). If it leads to anything
+  // else by now, that isn't touched: a failure.
+
+  // Wipes and removes several regular files of one folder, which has to be `meantFolder`: its identity as the
+  // folder itself tells it, since another one may hold a name of the same file. One that fails stays, and the
+  // rest goes on.
+  // A hundred thousand of them are no rarity, so what they tell is the caller's own.
   struct NamedFile {
-    std::string name;
-    std::string path;  // what events and error texts call it
-    EntryId meant;
+    std::string_view name;
+    std::string_view path;  // what events and error texts call it
+    const EntryId& meant;
   };
   bool WipeFiles(const std::string& folderPath, std::span<const NamedFile> files, std::int32_t level,
-                 const EntryId* meantFolder = nullptr) noexcept;
+                 const EntryId& meantFolder) noexcept;
 
   // Wipes all files in the folder and beneath it, and removes the folders and the folder itself. A file
   // that fails stays, with the folders above it, and the rest goes on.

@@ -17,6 +17,14 @@ EntryId IdOf(EngineRig& rig, const std::string& path) {
   return id;
 }
 
+// Wipes the file `name` of `folder`, which have to be those.
+bool WipeNamed(EngineRig& rig, const std::string& folder, const std::string& name, const EntryId& meantFolder,
+               const EntryId& meant) {
+  const std::string path = folder + '/' + name;
+  const SecureDelete::NamedFile files[] = {{name, path, meant}};
+  return rig.engine.WipeFiles(folder, files, 3, meantFolder);
+}
+
 void ExpectUntouched(const EngineRig& rig, const std::string& path) {
   EXPECT_EQ(rig.device.Count("write"), 0u);
   EXPECT_EQ(rig.device.Find(path)->stored, Secret(5'000));
@@ -26,16 +34,18 @@ void ExpectUntouched(const EngineRig& rig, const std::string& path) {
 
 TEST(Meant, IsWipedWhileItIsTheSame) {
   EngineRig rig;
-  rig.device.MakeFile("/f/file", Secret(5'000));
+  rig.device.MakeFile("/f/way/file", Secret(5'000));
   rig.device.MakeFile("/f/top/a", Secret(5'000));
   rig.device.MakeFile("/f/kept/b", Secret(5'000));
-  const EntryId file = IdOf(rig, "/f/file");
+  const EntryId way = IdOf(rig, "/f/way");
+  const EntryId file = IdOf(rig, "/f/way/file");
   const EntryId top = IdOf(rig, "/f/top");
   const EntryId kept = IdOf(rig, "/f/kept");
-  EXPECT_TRUE(rig.engine.WipeFile("/f/file", 3, &file));
+  EXPECT_TRUE(WipeNamed(rig, "/f/way", "file", way, file)) << rig.engine.LastErrorText();
   EXPECT_TRUE(rig.engine.WipeFolder("/f/top", 3, &top));
   EXPECT_TRUE(rig.engine.WipeFolderFiles("/f/kept", "*.*", false, 3, &kept));
-  EXPECT_EQ(rig.device.Find("/f")->children.size(), 1u);
+  EXPECT_THAT(rig.device.Find("/f/way")->children, IsEmpty());
+  EXPECT_FALSE(rig.device.Exists("/f/top"));
   EXPECT_THAT(rig.device.Find("/f/kept")->children, IsEmpty());
   EXPECT_THAT(rig.device.violations, IsEmpty());
 }
@@ -43,18 +53,28 @@ TEST(Meant, IsWipedWhileItIsTheSame) {
 TEST(Meant, FileIsLeftAloneWhenAnotherHasItsName) {
   EngineRig rig;
   rig.device.MakeFile("/f/file", "what was agreed to");
+  rig.device.MakeFile("/f/next", Secret(5'000));
+  const EntryId folder = IdOf(rig, "/f");
   const EntryId meant = IdOf(rig, "/f/file");
+  const EntryId next = IdOf(rig, "/f/next");
   rig.device.MakeFile("/f/file", Secret(5'000));
-  EXPECT_FALSE(rig.engine.WipeFile("/f/file", 3, &meant));
-  ExpectUntouched(rig, "/f/file");
+  const SecureDelete::NamedFile files[] = {{"file", "/f/file", meant}, {"next", "/f/next", next}};
+  EXPECT_FALSE(rig.engine.WipeFiles("/f", files, 3, folder));
+  EXPECT_THAT(rig.engine.LastErrorText(), HasSubstr("something else is there now"));
+  EXPECT_EQ(rig.device.Find("/f/file")->stored, Secret(5'000));
+  EXPECT_FALSE(rig.device.Exists("/f/next")) << "the rest goes on";
 }
 
 TEST(Meant, FileIsLeftAloneWhenItIsReachedThroughAnotherMount) {
   EngineRig rig;
   rig.device.MakeFile("/f/file", Secret(5'000));
+  const EntryId folder = IdOf(rig, "/f");
   const EntryId meant = IdOf(rig, "/f/file");
   rig.device.Find("/f")->mount = 7;
-  EXPECT_FALSE(rig.engine.WipeFile("/f/file", 3, &meant));
+  EXPECT_FALSE(WipeNamed(rig, "/f", "file", folder, meant));
+  ExpectUntouched(rig, "/f/file");
+  const EntryId folderThere = IdOf(rig, "/f");
+  EXPECT_FALSE(WipeNamed(rig, "/f", "file", folderThere, meant)) << "the file was named through another one";
   ExpectUntouched(rig, "/f/file");
 }
 
@@ -77,21 +97,11 @@ TEST(Meant, FilesAreLeftAloneWhenAnotherFolderIsThere) {
   rig.device.MakeFile("/f/way/file", Secret(5'000));
   const EntryId file = IdOf(rig, "/f/way/file");
   const EntryId folder = IdOf(rig, "/f/way");
-  const std::vector<SecureDelete::NamedFile> files = {{"file", "/f/way/file", file}};
   rig.device.MakeHardLink("/f/other/file", "/f/way/file");
   rig.device.Find("/f")->children["way"] = rig.device.Find("/f/other");
-  EXPECT_FALSE(rig.engine.WipeFiles("/f/way", files, 3, &folder));
+  EXPECT_FALSE(WipeNamed(rig, "/f/way", "file", folder, file));
   ExpectUntouched(rig, "/f/other/file");
   EXPECT_EQ(rig.events.Of("end").size(), 1u) << "the file's end is told";
-}
-
-TEST(Meant, FilesGoWhenTheirFolderIsTheSame) {
-  EngineRig rig;
-  rig.device.MakeFile("/f/way/file", Secret(5'000));
-  const EntryId folder = IdOf(rig, "/f/way");
-  const std::vector<SecureDelete::NamedFile> files = {{"file", "/f/way/file", IdOf(rig, "/f/way/file")}};
-  EXPECT_TRUE(rig.engine.WipeFiles("/f/way", files, 3, &folder)) << rig.engine.LastErrorText();
-  EXPECT_FALSE(rig.device.Exists("/f/way/file"));
 }
 
 }  // namespace

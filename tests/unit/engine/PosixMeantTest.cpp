@@ -40,6 +40,14 @@ EntryId IdOf(const fs::path& path) {
   return id;
 }
 
+// Wipes a file by the ids that it and its folder had.
+bool WipeNamed(RealEngine& real, const fs::path& path, const EntryId& meantFolder, const EntryId& meant) {
+  const std::string name = Utf8(path.filename());
+  const std::string whole = Utf8(path);
+  const SecureDelete::NamedFile files[] = {{name, whole, meant}};
+  return real.engine.WipeFiles(Utf8(path.parent_path()), files, 3, meantFolder);
+}
+
 TEST(PosixMeant, IsTheSameForAllNamesOfAFileAndForNoOther) {
   const Scratch scratch;
   WriteBytes(scratch / "a", "text");
@@ -90,11 +98,12 @@ TEST(PosixMeant, OfWhatIsNotThereIsAFailure) {
 TEST(PosixMeant, IsNotAFileThatWasMadeInItsPlace) {
   const Scratch scratch;
   WriteBytes(scratch / "a", "what was agreed to");
+  const EntryId folder = IdOf(scratch.Path());
   const EntryId meant = IdOf(scratch / "a");
   fs::remove(scratch / "a");
   WriteBytes(scratch / "a", "another");
   RealEngine real;
-  EXPECT_FALSE(real.engine.WipeFile(Utf8(scratch / "a"), 3, &meant));
+  EXPECT_FALSE(WipeNamed(real, scratch / "a", folder, meant));
   EXPECT_THAT(real.engine.LastErrorText(), HasSubstr("something else is there now"));
   EXPECT_EQ(ReadBytes(scratch / "a"), "another");
 }
@@ -106,9 +115,10 @@ TEST(PosixMeant, IsFoundAgainWhereItWasLeft) {
   WriteBytes(scratch / "b", "text");
   const EntryId top = IdOf(scratch / "top");
   const EntryId b = IdOf(scratch / "b");
+  const EntryId folder = IdOf(scratch.Path());
   RealEngine real;
   EXPECT_TRUE(real.engine.WipeFolder(Utf8(scratch / "top"), 3, &top)) << real.engine.LastErrorText();
-  EXPECT_TRUE(real.engine.WipeFile(Utf8(scratch / "b"), 3, &b)) << real.engine.LastErrorText();
+  EXPECT_TRUE(WipeNamed(real, scratch / "b", folder, b)) << real.engine.LastErrorText();
   EXPECT_TRUE(fs::is_empty(scratch.Path()));
 }
 
@@ -124,7 +134,9 @@ TEST(PosixMeant, IsNotWhatAFolderThatBecameALinkLeadsTo) {
   fs::rename(scratch / "way", scratch / "moved");
   fs::create_symlink("other", scratch / "way");
   RealEngine real;
-  EXPECT_FALSE(real.engine.WipeFile(Utf8(scratch / "way/top/file"), 3, &file));
+  EXPECT_FALSE(WipeNamed(real, scratch / "way/top/file", folder, file));
+  const EntryId folderThere = IdOf(scratch / "way/top");
+  EXPECT_FALSE(WipeNamed(real, scratch / "way/top/file", folderThere, file)) << "nor is the file there";
   EXPECT_FALSE(real.engine.WipeFolder(Utf8(scratch / "way/top"), 3, &folder));
   EXPECT_FALSE(real.engine.WipeFolderFiles(Utf8(scratch / "way/top"), "*.*", true, 3, &folder));
   EXPECT_EQ(ReadBytes(scratch / "other/top/file"), "precious");
