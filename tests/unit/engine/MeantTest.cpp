@@ -91,6 +91,18 @@ TEST(Meant, FolderIsLeftAloneWhenAnotherHasItsName) {
   }
 }
 
+TEST(Meant, FolderIsLeftAloneWhenItIsReachedThroughAnotherMount) {
+  for (const bool onlyFiles : {false, true}) {
+    EngineRig rig;
+    rig.device.MakeFile("/f/top/a", Secret(5'000));
+    const EntryId meant = IdOf(rig, "/f/top");
+    rig.device.Find("/f/top")->mount = 7;
+    EXPECT_FALSE(onlyFiles ? rig.engine.WipeFolderFiles("/f/top", "*.*", true, 3, &meant)
+                           : rig.engine.WipeFolder("/f/top", 3, &meant));
+    ExpectUntouched(rig, "/f/top/a");
+  }
+}
+
 // The other name of the same file isn't what was named.
 TEST(Meant, FilesAreLeftAloneWhenAnotherFolderIsThere) {
   EngineRig rig;
