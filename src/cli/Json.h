@@ -36,8 +36,9 @@ class JsonWriter {
   // What comes next begins a line.
   void BreakLine() { breakLine_ = true; }
 
-  const std::string& Text() const& { return text_; }
-  std::string Text() && { return std::move(text_); }
+  const std::string& Text() const { return text_; }
+  // The text since the last call, for one that is written in parts.
+  std::string TakeText() { return std::exchange(text_, {}); }
 
  private:
   void Open(char bracket);

@@ -63,6 +63,12 @@ ExitCode CodeOf(const Options& options, const Plan& plan, const RunResult& resul
 }
 
 std::string JsonReport(const Finished& finished) {
+  std::string text;
+  JsonReport(finished, [&](std::string_view part) { text += part; });
+  return text;
+}
+
+void JsonReport(const Finished& finished, const std::function<void(std::string_view part)>& take) {
   const auto& [options, plan, result, code, when, record] = finished;
   JsonWriter json;
   json.BeginObject();
@@ -89,6 +95,7 @@ std::string JsonReport(const Finished& finished) {
     if (!item.reason.empty()) json.Member("reason", item.reason);
     if (item.outcome == Outcome::Pending) json.Member("reason", options.dryRun ? kDryRun : "not begun");
     json.EndObject();
+    take(json.TakeText());
   }
   json.EndArray();
   json.BreakLine();
@@ -108,7 +115,7 @@ std::string JsonReport(const Finished& finished) {
   json.Member("bytesKept", kept.bytes);
   json.EndObject();
   json.EndObject();
-  return std::move(json).Text() + '\n';
+  take(json.TakeText() + '\n');
 }
 
 std::string TextReport(const Finished& finished) {

@@ -1,7 +1,9 @@
 // What was done, for programs (JSON), for the files (the report) and for the terminal.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/Options.h"
@@ -32,6 +34,8 @@ ExitCode CodeOf(const Options& options, const Plan& plan, const RunResult& resul
 // `reason` is there for what wasn't wiped alone. "destroyed" is what has no content any more, but whose entry
 // is still there, or may be.
 std::string JsonReport(const Finished& finished);
+// The same in parts, each as it comes: there can be a hundred thousand items.
+void JsonReport(const Finished& finished, const std::function<void(std::string_view part)>& take);
 
 std::string TextReport(const Finished& finished);
 

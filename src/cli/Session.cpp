@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "cli/Plan.h"
@@ -60,8 +61,16 @@ class Session {
   ExitCode GiveUp(const std::string& why, ExitCode code) {
     Complain(why);
     plan_.refusals.push_back(why);
-    if (options_.json) Write(stdout, JsonReport({options_, plan_, result_, code, LocalTime(), record_}));
+    if (options_.json) WriteJson({options_, plan_, result_, code, LocalTime(), record_});
     return code;
+  }
+
+  static bool WriteJson(const Finished& finished) {
+    bool written = true;
+    JsonReport(finished, [&](std::string_view part) {
+      written = written && std::fwrite(part.data(), 1, part.size(), stdout) == part.size();
+    });
+    return Write(stdout, {}) && written;
   }
 
   std::string WhyNoReport(const Surroundings& surroundings) const {
@@ -123,7 +132,7 @@ class Session {
 
     bool told = true;
     if (options_.json) {
-      told = Write(stdout, JsonReport(finished));
+      told = WriteJson(finished);
     } else if (!options_.quiet || code == ExitCode::Cancelled) {
       // Beside the list of a dry run it would be one of its paths.
       std::string text = Summary(finished) + '\n';
