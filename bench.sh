@@ -3,7 +3,8 @@
 # five runs of each (BENCH_RUNS), ratios, and how often each asks for a flush. Installs what is missing.
 #   bench.sh          three workloads: a large file, many small ones, some of middle size
 #   bench.sh linear   100,000 files of 4 KiB against 10,000: time for each file, and memory
-#   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows; zqwipe * and by path
+#   bench.sh each     2,000 files with a call of the engine for each, as a job of file rows, beside the least that
+#                     nine flushed passes take; zqwipe * and by path
 #   bench.sh windows  the Windows program's engine under Wine against shred on this system
 #   bench.sh drop     a drop of 1,000 files on the QuickWipe Bin beside a job of as many rows, under Wine
 #   bench.sh free     as root: the wipe of free space beside other tools, its memory, and how quickly it stops, on images
@@ -87,6 +88,7 @@ make_work() {
 # --- The tools: each destroys $dir/work, or as much of it as it can ---
 
 run_engine() { "$engine" folder "$dir/work" 3 --quiet; }
+run_floor() { "$engine" floor "$dir/work"; }
 run_each() { "$engine" each "$dir/work" 3 --quiet; }
 run_by_path() { local work=$dir/work; "$zqwipe" --yes --quiet "$work/folder0/"*; }
 run_within() { local work=$dir/work; (cd -- "$work/folder0" && "$zqwipe" --yes --quiet -- *); }
@@ -198,7 +200,7 @@ echo "$(df --output=fstype,source "$dir" | tail -1), $(nproc) processors, load $
   "medians of $runs; ratio: time against the first"
 compare_each() {
   cmake --build --preset native-release --parallel "$(nproc)" --target zqwipe >/dev/null
-  compare "2,000 files of 4 KiB in 20 folders, a call for each" small each shred
+  compare "2,000 files of 4 KiB in 20 folders, a call for each" small each floor shred
   compare "2,000 files of 4 KiB in one folder, by zqwipe" flat by_path within shred
 }
 

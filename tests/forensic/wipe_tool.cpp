@@ -1,20 +1,31 @@
 // Wipes what is named on the command line, for tests of the engine on real file systems.
-//   wipe_tool [--level L] [--trust] [--at NAME COMMAND] PATH...
+//   wipe_tool [--level L] [--trust] [--deny setup|enter ERRNO] [--at NAME COMMAND] PATH...
 //   wipe_tool --free-space [--level L] [--slowly] FOLDER
 // --free-space wipes the free space of the drive that FOLDER is on, which has to be a small one and not this
 // machine's own. --slowly waits in each event after the first one and a half
 // megabytes, for a kill to come between.
+// --deny has the kernel refuse this call of io_uring with that error (Linux).
 // --at runs COMMAND by the system's shell when the wipe of the item called NAME has just started: once it
 // is open and before its first pass. Exit code 0 if everything named is gone, else 1; every event but
 // progress is a line of the output.
 #include <sys/stat.h>
+#ifndef _WIN32
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#endif
 
+#include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -82,6 +93,26 @@ bool IsSmallDrive(const std::string& path) {
 #endif
 }
 
+// For all that this process does from now on. False if the kernel takes no such filter.
+bool Deny(const std::string& call, int error) {
+#ifdef _WIN32
+  static_cast<void>(call), static_cast<void>(error);
+  return false;
+#else
+  const long number = call == "setup" ? __NR_io_uring_setup : __NR_io_uring_enter;
+  sock_filter steps[] = {
+      BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+      BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(number), 0, 1),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | static_cast<std::uint32_t>(error)),
+      BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+  };
+  const sock_fprog program{static_cast<unsigned short>(std::size(steps)), steps};
+  return ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
+         ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0 &&
+         ::syscall(number, -1, 0, 0, 0, nullptr, 0) == -1 && errno == error;
+#endif
+}
+
 int Run(const std::vector<std::string>& arguments) {
   std::int32_t level = 3;
   DeviceOptions options;
@@ -104,6 +135,12 @@ int Run(const std::vector<std::string>& arguments) {
     } else if (option == "--level" && next + 1 < arguments.size()) {
       level = std::atoi(arguments[next + 1].c_str());
       next += 2;
+    } else if (option == "--deny" && next + 2 < arguments.size()) {
+      if (!Deny(arguments[next + 1], std::atoi(arguments[next + 2].c_str()))) {
+        std::fprintf(stderr, "wipe_tool: the call can't be denied\n");
+        return 3;
+      }
+      next += 3;
     } else if (option == "--at" && next + 2 < arguments.size()) {
       itemName = arguments[next + 1];
       command = arguments[next + 2];

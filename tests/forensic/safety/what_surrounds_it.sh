@@ -338,6 +338,20 @@ case_two_wipes_of_one_file() {
   grep -q '^failed: .*another program has locked it' "$work/second" || fault "the second: $(<"$work/second")"
 }
 
+# As containers and administrators deny it, as a kernel that has none, and once it is made: the wipe goes without.
+case_io_uring_that_is_denied() {
+  local how
+  for how in 'setup 1' 'setup 38' 'enter 1'; do
+    mkdir "$top"
+    put "$top/large ${how/ /}" 5000000
+    put "$top/small ${how/ /}" 3000
+    put "$top/next ${how/ /}" 4096
+    # shellcheck disable=SC2086  # two words
+    wipe --deny $how "$top"
+    wiped "$top"
+  done
+}
+
 # Files of the tree wait for each other with all of them open.
 case_few_descriptors() {
   local i
