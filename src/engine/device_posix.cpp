@@ -135,8 +135,9 @@ class PosixDevice final : public Device {
       auto& file = static_cast<PosixFile&>(*files[i]);
       if (file.OnVolume().HasOneFlush() && outcomes[i].Ok()) outcomes[i] = file.EndWriteback();
     }
-    OnceForEachVolume<PosixFile>(files, outcomes, &Volume::HasOneFlush,
-                                 [](PosixFile& file) { return file.Flush(); });
+    OnceForEachVolume<PosixFile>(
+        files, outcomes, [](const Volume& volume) { return volume.HasOneFlush(); },
+        [](PosixFile& file) { return file.Flush(); });
   }
 
   void FlushEntries(std::span<File* const> files, std::span<Status> outcomes) override {
@@ -156,7 +157,7 @@ class PosixDevice final : public Device {
   // Where the checkpoint isn't allowed, the changes of others have to be written too.
   void WriteHome(Folder& folder) override {
     auto& posix = static_cast<PosixFolder&>(folder);
-    if (!posix.OnVolume().IsJournaledExt()) return;
+    if (!posix.OnVolume().mayHaveJournal) return;
     if (posix.OnVolume().mayClearJournal && Checkpoint(posix.Fd(), 0)) return;
     if (LittleIsUnwritten()) Retry([&posix] { return ::syncfs(posix.Fd()); });
   }
@@ -196,22 +197,25 @@ class PosixDevice final : public Device {
       const bool together = one.OnVolume().isOrdered || (many && one.OnVolume().oneFlushForAll);
       outcomes[i] = together ? Status{} : flush(one);
     }
-    OnceForEachVolume<Posix>(all, outcomes, &Volume::IsOrdered, flush);
+    OnceForEachVolume<Posix>(
+        all, outcomes, [](const Volume& volume) { return volume.isOrdered; }, flush);
     if (!many) return;
-    OnceForEachVolume<Posix>(all, outcomes, &Volume::HasOneFlushWithoutOrder, [](Posix& one) {
-      return Retry([&one] { return ::syncfs(one.Fd()); }) == 0 ? Status{} : LastError();
-    });
+    OnceForEachVolume<Posix>(
+        all, outcomes, [](const Volume& volume) { return volume.oneFlushForAll && !volume.isOrdered; },
+        [](Posix& one) {
+          return Retry([&one] { return ::syncfs(one.Fd()); }) == 0 ? Status{} : LastError();
+        });
   }
 
-  // Flushes the last one of each volume that has the property; what comes of it is the outcome of all there.
-  template <typename Posix, typename Base, typename Flush>
-  static void OnceForEachVolume(std::span<Base* const> all, std::span<Status> outcomes,
-                                bool (Volume::*property)() const, const Flush& flush) {
+  // Flushes the last one of each volume that is `wanted`; what comes of it is the outcome of all there.
+  template <typename Posix, typename Base, typename Wanted, typename Flush>
+  static void OnceForEachVolume(std::span<Base* const> all, std::span<Status> outcomes, const Wanted& wanted,
+                                const Flush& flush) {
     std::vector<dev_t> flushed;
     for (std::size_t i = all.size(); i > 0; --i) {
       auto& last = static_cast<Posix&>(*all[i - 1]);
       const Volume& volume = last.OnVolume();
-      if (!(volume.*property)()) continue;
+      if (!wanted(volume)) continue;
       if (std::find(flushed.begin(), flushed.end(), volume.device) != flushed.end()) continue;
       flushed.push_back(volume.device);
       const Status status = flush(last);

@@ -66,7 +66,7 @@ std::shared_ptr<void> PosixFolder::GiveOutReserve() {
 }
 
 void PosixFolder::Storage(StorageInfo& storage) {
-  storage = StorageOf(facts_.device, volume_.IsInMemory());
+  storage = StorageOf(facts_.device, volume_.isInMemory);
 }
 
 // In parts, since a call can't be broken off.

@@ -43,13 +43,9 @@ struct Volume {
   bool countsNamesInUtf16 = false;
   const NamesStay* namesStay = nullptr;
 
-  bool IsInMemory() const { return isInMemory; }
   bool MayNotClearJournal() const { return mayHaveJournal && !mayClearJournal; }
   // ntfs-3g takes what is written at once, and each of its flushes is one of the whole device.
   bool HasOneFlush() const { return oneFlushForAll || isNtfs3g; }
-  bool IsOrdered() const { return isOrdered; }
-  bool IsJournaledExt() const { return mayHaveJournal; }
-  bool HasOneFlushWithoutOrder() const { return oneFlushForAll && !isOrdered; }
 };
 
 // What the file system of the folder `fd` is. One that isn't known to overwrite in place is refused by
