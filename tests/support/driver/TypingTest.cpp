@@ -64,8 +64,8 @@ class Stack {
   std::vector<HWND> windows_;
 };
 
-// Each window that Alt+F4 closes gives its place in front to the next, which is typed into at once. Without
-// the wait for what the screen has to say, some two keys of a thousand came without their modifier.
+// Each window that Alt+F4 closes gives its place in front to the next, which is typed into at once. Some
+// three modifiers of a thousand are let go before their key there, on a busy machine, and pressed again.
 TEST(Typing, AModifierHoldsInAWindowThatHasJustComeToTheFront) {
   const Stack stack(60);
   for (auto handle = stack.Windows().rbegin(); handle != stack.Windows().rend(); ++handle) {

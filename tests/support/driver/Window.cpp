@@ -1,5 +1,6 @@
 #include "support/driver/Window.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -279,25 +280,58 @@ void LetItHear(Window window) {
   ::ReleaseDC(nullptr, screen);
 }
 
-void TypeInFront(Window window, std::vector<INPUT>&& inputs) {
+void ComeToFront(Window window) {
   ::SetForegroundWindow(window.Handle());
   Await("the front place of " + window.Describe() + ", with the focus",
         [&] { return ::GetForegroundWindow() == window.Handle() && window.HoldsFocus(); });
   LetItHear(window);
+}
+
+void Type(std::vector<INPUT> inputs) {
   const auto count = static_cast<UINT>(inputs.size());
   if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw DriverError("can't type a key");
 }
+
+bool AreDown(const std::vector<WORD>& keys) {
+  return std::all_of(keys.begin(), keys.end(),
+                     [](WORD key) { return (::GetAsyncKeyState(key) & 0x8000) != 0; });
+}
+
+// Keys that are held down together, and let go at the end.
+class HeldKeys {
+ public:
+  explicit HeldKeys(const std::vector<WORD>& keys) : keys_(keys) {}
+  HeldKeys(const HeldKeys&) = delete;
+  HeldKeys& operator=(const HeldKeys&) = delete;
+  ~HeldKeys() {
+    for (auto key = keys_.rbegin(); key != keys_.rend(); ++key) {
+      INPUT input = KeyInput(*key, true);
+      ::SendInput(1, &input, sizeof input);
+    }
+  }
+
+  // On a busy machine the X server's word on the keys can still come late, and let go of them: then they are
+  // pressed again, before the key that they are for.
+  void HoldIn(Window window) const {
+    Await("the modifiers to stay down", [&] {
+      for (WORD key : keys_) Type({KeyInput(key, false)});
+      LetItHear(window);
+      return AreDown(keys_);
+    });
+  }
+
+ private:
+  const std::vector<WORD>& keys_;
+};
 
 }  // namespace
 
 void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers) {
   if (!modifiers.empty()) ParkMouse();
-  std::vector<INPUT> inputs;
-  for (WORD modifier : modifiers) inputs.push_back(KeyInput(modifier, false));
-  inputs.push_back(KeyInput(key, false));
-  inputs.push_back(KeyInput(key, true));
-  for (auto it = modifiers.rbegin(); it != modifiers.rend(); ++it) inputs.push_back(KeyInput(*it, true));
-  TypeInFront(window, std::move(inputs));
+  ComeToFront(window);
+  const HeldKeys held(modifiers);
+  if (!modifiers.empty()) held.HoldIn(window);
+  Type({KeyInput(key, false), KeyInput(key, true)});
 }
 
 void TypeText(Window window, std::string_view text) {
@@ -311,7 +345,8 @@ void TypeText(Window window, std::string_view text) {
       inputs.push_back(input);
     }
   }
-  TypeInFront(window, std::move(inputs));
+  ComeToFront(window);
+  Type(std::move(inputs));
 }
 
 void StepMouseTo(POINT screen) {
