@@ -297,31 +297,48 @@ bool AreDown(const std::vector<WORD>& keys) {
                      [](WORD key) { return (::GetAsyncKeyState(key) & 0x8000) != 0; });
 }
 
-// Keys that are held down together, and let go at the end.
-class HeldKeys {
+// Modifiers, and a key that is typed while they are down.
+class Chord {
  public:
-  explicit HeldKeys(const std::vector<WORD>& keys) : keys_(keys) {}
-  HeldKeys(const HeldKeys&) = delete;
-  HeldKeys& operator=(const HeldKeys&) = delete;
-  ~HeldKeys() {
-    for (auto key = keys_.rbegin(); key != keys_.rend(); ++key) {
-      INPUT input = KeyInput(*key, true);
-      ::SendInput(1, &input, sizeof input);
-    }
+  explicit Chord(const std::vector<WORD>& modifiers) : modifiers_(modifiers) {}
+  Chord(const Chord&) = delete;
+  Chord& operator=(const Chord&) = delete;
+  ~Chord() {
+    if (held_) ::SendInput(static_cast<UINT>(up_.size()), up_.data(), sizeof(INPUT));
   }
 
   // On a busy machine the X server's word on the keys can still come late, and let go of them: then they are
   // pressed again, before the key that they are for.
-  void HoldIn(Window window) const {
+  void HoldIn(Window window) {
+    held_ = true;
     Await("the modifiers to stay down", [&] {
-      for (WORD key : keys_) Type({KeyInput(key, false)});
+      Type(down_);
       LetItHear(window);
-      return AreDown(keys_);
+      return AreDown(modifiers_);
     });
   }
 
+  // All at once: while a window has keys to take, what it takes for down isn't changed by the X server.
+  void TypeAndRelease(WORD key) {
+    std::vector<INPUT> inputs = down_;
+    inputs.push_back(KeyInput(key, false));
+    inputs.push_back(KeyInput(key, true));
+    inputs.insert(inputs.end(), up_.begin(), up_.end());
+    held_ = false;
+    Type(inputs);
+  }
+
  private:
-  const std::vector<WORD>& keys_;
+  static std::vector<INPUT> Inputs(const std::vector<WORD>& keys, bool up) {
+    std::vector<INPUT> inputs;
+    for (WORD key : keys) inputs.push_back(KeyInput(key, up));
+    return inputs;
+  }
+
+  const std::vector<WORD> modifiers_;
+  const std::vector<INPUT> down_ = Inputs(modifiers_, false);
+  std::vector<INPUT> up_ = Inputs(modifiers_, true);
+  bool held_ = false;
 };
 
 }  // namespace
@@ -329,9 +346,9 @@ class HeldKeys {
 void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers) {
   if (!modifiers.empty()) ParkMouse();
   ComeToFront(window);
-  const HeldKeys held(modifiers);
-  if (!modifiers.empty()) held.HoldIn(window);
-  Type({KeyInput(key, false), KeyInput(key, true)});
+  Chord chord(modifiers);
+  if (!modifiers.empty()) chord.HoldIn(window);
+  chord.TypeAndRelease(key);
 }
 
 void TypeText(Window window, std::string_view text) {
