@@ -67,9 +67,7 @@ TEST_F(FreeSpaceKill, IsMadeGoodByTheNextStart) {
   ASSERT_TRUE(HasFillers());
   ASSERT_TRUE(PathExists(folder + "\\FreeSpace.dat"));
   const ULONGLONG free = FreeBytes();
-  const Program program(folder + "\\Zeroquill.exe");
-  const MainWindow main(program);
-  Await("the record to go", [&] { return !PathExists(folder + "\\FreeSpace.dat"); });
+  StartUntilCleared(folder);
   EXPECT_FALSE(HasFillers());
   EXPECT_GT(FreeBytes(), free);
   EXPECT_EQ(ReadFileBytes(kKept), kKeptContent);

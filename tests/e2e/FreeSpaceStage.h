@@ -36,6 +36,9 @@ class FreeSpaceTest : public ZeroquillTest {
   // Presses OK and reads the question, which must be of this drive. It is left open.
   static MessageBoxView Ask(const Program& program, Window dialog, const std::string& drive);
   static Window WaitStatus(const Program& program);
+  // Starts the program in `folder` until it has removed what a killed wipe left: a start takes only so long
+  // for it, and the next one goes on.
+  static void StartUntilCleared(const std::string& folder);
   void ExpectAsBefore(ULONGLONG freeBytes) const;
 
   // On the drive from the start: kept.txt, and in an image what was made there.

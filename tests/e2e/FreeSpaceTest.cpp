@@ -160,9 +160,7 @@ TEST_F(FreeSpace, WhatAKillLeftGoesAtTheNextStart) {
   WriteFileBytes("D:\\ZQFILL-0123456789bc\\z0000001", Marked("a filler ", 5000));
   ASSERT_TRUE(::CreateDirectoryW(L"D:\\ZQFILL-0123456789bd", nullptr));
   WriteFileBytes("D:\\ZQFILL-0123456789bd\\letter.txt", kKeptContent);
-  const Program program(exe_);
-  const MainWindow main(program);
-  Await("the record to go", [&] { return !PathExists(record); });
+  StartUntilCleared(folder_);
   names_.insert(names_.begin(), "ZQFILL-0123456789bd");
   EXPECT_EQ(NamesOnSmallDrive(), names_);
   EXPECT_EQ(ReadFileBytes("D:\\ZQFILL-0123456789bd\\letter.txt"), kKeptContent);
