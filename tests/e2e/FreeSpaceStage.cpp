@@ -80,7 +80,10 @@ Window FreeSpaceTest::OpenDialog(const Program& program, const MainWindow& main)
 }
 
 void FreeSpaceTest::Choose(Window dialog, WORD driveKey, std::string_view level) {
-  TypeKey(dialog, driveKey);
+  const Window drives = dialog.ChildOfClass("ComboBox");
+  drives.PostKey(driveKey);
+  Await("the drive to be chosen",
+        [&] { return drives.Send(CB_GETCURSEL) == driveKey - static_cast<WORD>('C'); });
   dialog.Child(level).Press();
   Await("the level to be chosen", [&] { return dialog.Child(level).IsChecked(); });
 }

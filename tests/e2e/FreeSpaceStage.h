@@ -31,7 +31,9 @@ class FreeSpaceTest : public ZeroquillTest {
 
   // Opens the dialog.
   static Window OpenDialog(const Program& program, const MainWindow& main);
-  // Chooses the drive by its letter, and the level by its button.
+  // Chooses the drive by its letter, and the level by its button. The letter goes to the list itself: a key
+  // that is typed goes to what has the focus by then, and a C that comes to anything but the list is the
+  // mnemonic of Cancel.
   static void Choose(Window dialog, WORD driveKey, std::string_view level);
   // Presses OK and reads the question, which must be of this drive. It is left open.
   static MessageBoxView Ask(const Program& program, Window dialog, const std::string& drive);
