@@ -39,6 +39,14 @@ std::int32_t ToKb(double bytes) {
   return kb >= static_cast<double>(kMost) ? kMost : static_cast<std::int32_t>(kb);
 }
 
+// What a write on a full drive is told when the file needs one record more, for the list of its pieces, and
+// there is none: by ntfs-3g that this exists already, of which Wine makes a general failure. Where it is
+// something worse, the flush of the file tells it, or a pass.
+bool SaysNoRecord(const Status& status) {
+  constexpr std::int32_t kGeneralFailure = 31;
+  return status.trouble == Trouble::Exists || status.code == kGeneralFailure;
+}
+
 std::string InMiB(std::uint64_t bytes) {
   return std::to_string((bytes + (std::uint64_t{1} << 20) - 1) >> 20) + " MiB";
 }
@@ -230,9 +238,8 @@ std::uint64_t FreeSpaceWipe::FillFile(Overwriter& filler, std::uint64_t leaveByt
       if (size <= smallest) break;
       largest = size / 2;
       wasFull = true;
-    } else if (wasFull && status.trouble == Trouble::Exists) {
-      break;  // what ntfs-3g says when the list of a file's pieces needs a record of its own and there is
-              // none
+    } else if (wasFull && SaysNoRecord(status)) {
+      break;
     } else {
       Require(status, "Writing", filler.Path());
     }

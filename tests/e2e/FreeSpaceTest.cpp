@@ -1,130 +1,21 @@
 // The wipe of free space in the real program: its dialog, its boxes, its progress, and what it leaves. It is
 // done on a drive of a few megabytes alone.
-#include <algorithm>
-
-#include "e2e/Wiping.h"
-#include "support/driver/Text.h"
+#include "e2e/FreeSpaceStage.h"
 
 namespace zq::test {
 namespace {
 
 using ::testing::StartsWith;
 
-constexpr char kDialog[] = "Wipe Drive Free Space";
-constexpr wchar_t kSmallDrive[] = L"D:\\";
-constexpr ULONGLONG kSmallDriveBytes = 64u << 20;
 constexpr Limit kLongestWipe{300000};
 
-// What the drive has free for us, in bytes.
-ULONGLONG FreeBytes() {
-  ULARGE_INTEGER free{};
-  if (!::GetDiskFreeSpaceExW(kSmallDrive, &free, nullptr, nullptr))
-    throw DriverError("there is no drive D: of a few megabytes");
-  return free.QuadPart;
-}
-
-// Nothing here may fill up this machine's disk: D: must be small, and nothing can begin on C:.
-void RequireDrivesThatMayBeFilled() {
-  ULARGE_INTEGER total{};
-  if (!::GetDiskFreeSpaceExW(kSmallDrive, nullptr, &total, nullptr) || total.QuadPart > kSmallDriveBytes)
-    throw DriverError("drive D: is none of a few megabytes");
-  if (::CreateDirectoryW(L"C:\\zq-guard", nullptr)) {
-    ::RemoveDirectoryW(L"C:\\zq-guard");
-    throw DriverError(
-        "the root of drive C: takes new folders, and a wipe of its free space would fill the disk");
-  }
-}
-
-// The number, in groups of three, between these two texts, which make up the rest of the line.
-int FigureIn(const std::string& line, std::string_view before, std::string_view behind) {
-  if (!line.starts_with(before) || !line.ends_with(behind) || line.size() <= before.size() + behind.size())
-    throw DriverError("not of the form that was expected: " + line);
-  std::string digits = line.substr(before.size(), line.size() - before.size() - behind.size());
-  std::erase(digits, ',');
-  return std::stoi(digits);
-}
-
-std::vector<std::string> NamesOnSmallDrive() {
-  std::vector<std::string> names;
-  WIN32_FIND_DATAW found{};
-  HANDLE search = ::FindFirstFileW(L"D:\\*", &found);
-  if (search == INVALID_HANDLE_VALUE) return names;
-  do {
-    const std::string name = ToUtf8(found.cFileName);
-    if (name != "." && name != "..") names.push_back(name);
-  } while (::FindNextFileW(search, &found));
-  ::FindClose(search);
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-class FreeSpace : public ZeroquillTest {
- protected:
-  void SetUp() override {
-    RequireDrivesThatMayBeFilled();
-    Prepare();
-    WriteFileBytes(kKept, kKeptContent);
-    names_ = NamesOnSmallDrive();
-  }
-
-  // Opens the dialog; chooses the drive by its letter, and the level by its button.
-  static Window OpenDialog(const Program& program, const MainWindow& main) {
-    main.PressTool("Wipe Free Space");
-    return program.WaitWindow(kDialog);
-  }
-  // The letter goes to the list itself: a key that is typed goes to what has the focus by then, and a C that
-  // comes to anything but the list is the mnemonic of Cancel.
-  static void Choose(Window dialog, WORD driveKey, std::string_view level) {
-    const Window drives = dialog.ChildOfClass("ComboBox");
-    drives.PostKey(driveKey);
-    Await("the drive to be chosen",
-          [&] { return drives.Send(CB_GETCURSEL) == driveKey - static_cast<WORD>('C'); });
-    dialog.Child(level).Press();
-    Await("the level to be chosen", [&] { return dialog.Child(level).IsChecked(); });
-  }
-  static std::string Question(const std::string& drive) {
-    return "This operation will securely wipe the free space on drive " + drive +
-           ".  The operation can take some time for larger drives.\r\n\r\nAre you sure you wish to continue?";
-  }
-  // Presses OK and reads the question, which must be of this drive. It is left open.
-  static MessageBoxView Ask(const Program& program, Window dialog, const std::string& drive) {
-    dialog.Child("OK").Press();
-    const MessageBoxView box = program.WaitBox("Wipe Operation");
-    ExpectBox(box, "Wipe Operation", Question(drive), BoxIcon::Question, {"OK", "Cancel"}, "OK");
-    if (box.text != Question(drive)) throw DriverError("another drive than " + drive + " would be wiped");
-    return box;
-  }
-  static Window WaitStatus(const Program& program) {
-    Window status;
-    Await("the status window", [&] {
-      for (Window candidate : program.Windows()) {
-        if (::FindWindowExW(candidate.Handle(), nullptr, L"Button", L"Cancel Operation")) status = candidate;
-      }
-      return static_cast<bool>(status);
-    });
-    return status;
-  }
-  void ExpectAsBefore(ULONGLONG freeBytes) const {
-    EXPECT_EQ(ReadFileBytes(kKept), kKeptContent);
-    EXPECT_EQ(NamesOnSmallDrive(), names_);
-    EXPECT_EQ(FreeBytes(), freeBytes);
-  }
-
-  // On the drive from the start: kept.txt, and in an image what was made there.
-  std::vector<std::string> names_;
-
-  static constexpr char kKept[] = "D:\\kept.txt";
-  static constexpr char kKeptContent[] = "this file is live, and stays";
-};
-
-constexpr char kLevel3[] = "Level 3 Wiping (9 data writes per byte) - Strong Security";
-constexpr char kLevel7[] = "Level 7 Wiping (21 data writes per byte) - Strongest Security";
+using FreeSpace = FreeSpaceTest;
 
 TEST_F(FreeSpace, DialogOffersTheDrivesAndStartsAtC) {
   const Program program(exe_);
   const MainWindow main(program);
   main.ChooseMenu('A', 'F');
-  const Window dialog = program.WaitWindow(kDialog);
+  const Window dialog = program.WaitWindow(kFreeSpaceDialog);
   EXPECT_EQ(dialog.Owner(), main.window);
   EXPECT_FALSE(main.window.IsEnabled());
   const Window drives = dialog.ChildOfClass("ComboBox");
@@ -269,9 +160,7 @@ TEST_F(FreeSpace, WhatAKillLeftGoesAtTheNextStart) {
   WriteFileBytes("D:\\ZQFILL-0123456789bc\\z0000001", Marked("a filler ", 5000));
   ASSERT_TRUE(::CreateDirectoryW(L"D:\\ZQFILL-0123456789bd", nullptr));
   WriteFileBytes("D:\\ZQFILL-0123456789bd\\letter.txt", kKeptContent);
-  const Program program(exe_);
-  const MainWindow main(program);
-  Await("the record to go", [&] { return !PathExists(record); });
+  StartUntilCleared(folder_);
   names_.insert(names_.begin(), "ZQFILL-0123456789bd");
   EXPECT_EQ(NamesOnSmallDrive(), names_);
   EXPECT_EQ(ReadFileBytes("D:\\ZQFILL-0123456789bd\\letter.txt"), kKeptContent);

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # free_space_failures_test.sh TOOLS FOLDER: what keeps a wipe of free space from its end, made on a file system in an
-# image: a root folder without access, a drive that is read-only, one that goes away, a device whose writes fail in the
-# middle. Each is told once, with the system's number and a text of one line, and leaves neither fillers nor a file that
+# image: a root folder without access, a drive that is read-only, a quota, a drive that goes away, a device whose writes
+# fail in the middle. Each is told once, with the system's number and a text of one line, and leaves neither fillers nor a file that
 # is changed, and all the space that there was.
 set -euo pipefail
 # shellcheck source=tests/forensic/images.sh
@@ -91,6 +91,13 @@ mount -o remount,ro -- "$mnt"
 status=0
 wipe || status=$?
 fails_with "$status" 30 'Read-only file system'
+is_as_before
+umount -- "$mnt"
+
+begin "quota"
+status=0
+wipe env LD_PRELOAD="$tools/libforensic_quota.so" ZQ_QUOTA_BYTES=8000000 || status=$?
+fails_with "$status" 122 'Disk quota exceeded'
 is_as_before
 umount -- "$mnt"
 

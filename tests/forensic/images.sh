@@ -58,9 +58,9 @@ need_tools() {
 # have_file_system NAME: whether the kernel knows it.
 have_file_system() { grep -qw -- "$1" /proc/filesystems || modprobe -q -- "$1" 2>/dev/null; }
 
-# image_make KIND FILE: an empty file system in a new file.
+# image_make KIND FILE [SIZE]: an empty file system in a new file.
 image_make() {
-  local kind=$1 file=$2 size=48M
+  local kind=$1 file=$2 size=${3:-48M}
   [[ $kind == xfs ]] && size=64M
   [[ $kind == btrfs ]] && size=128M
   rm -f -- "$file"

@@ -5,6 +5,8 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "unit/engine/EngineRig.h"
 
@@ -373,6 +375,57 @@ TEST(Cancel, StopsAFreeSpaceWipeInTimeAndGivesTheSpaceBack) {
       EXPECT_EQ(rig.device.openHandles, 0);
       EXPECT_THAT(rig.events.Of("error"), IsEmpty());
     }
+  }
+}
+
+// While records are filled, on the full drive, in the passes, and while fillers that have names are removed
+// one by one.
+TEST(Cancel, StopsAFreeSpaceWipeInTimeAtAnyMoment) {
+  struct SlowDrive : EngineRig {
+    SlowDrive() {
+      device.saysRecordsInTurn = device.givesRecordsInTurn = true;
+      device.recordBytes = 700;
+      device.recordSlots = 300;
+      device.entryBytes = 100;
+      device.capacityBytes = 256 << 10;
+      device.bytesPerSecond = 2'000'000;
+      device.entryLatency = device.flushLatency = Clock::Time{1'000};
+      device.MakeFolder("/drive");
+    }
+  };
+  // The moments of all events, of those with records taken, on the full drive, and behind a removal.
+  std::vector<std::vector<Clock::Time>> moments(4);
+  {
+    SlowDrive rig;
+    const Clock::Time begun = rig.clock.Now();
+    rig.events.onEvent = [&](const Event&) {
+      const bool fits[] = {true, rig.device.recordsTaken > 0, rig.device.FreeBytes() == 0,
+                           rig.device.ops.back().kind == "remove entry"};
+      for (std::size_t i = 0; i < moments.size(); ++i) {
+        if (fits[i]) moments[i].push_back(rig.clock.Now() - begun);
+      }
+    };
+    ASSERT_TRUE(rig.engine.WipeFreeSpace("/drive", 3)) << rig.engine.LastErrorText();
+  }
+  constexpr std::size_t kClicks = 5;
+  for (std::size_t i = 0; i < moments.size() * kClicks; ++i) {
+    SCOPED_TRACE(i);
+    const std::vector<Clock::Time>& among = moments[i / kClicks];
+    ASSERT_FALSE(among.empty());
+    SlowDrive rig;
+    const Clock::Time click = rig.clock.Now() + among[among.size() * (i % kClicks) / kClicks];
+    bool cancelled = false;
+    rig.events.onEvent = [&](const Event&) {
+      if (std::exchange(cancelled, rig.clock.Now() >= click) || !cancelled) return;
+      rig.engine.CancelOperation();
+    };
+    (void)rig.engine.WipeFreeSpace("/drive", 3);
+    EXPECT_TRUE(cancelled);
+    EXPECT_LE(rig.clock.Now() - click, kAtMost);
+    EXPECT_TRUE(rig.device.Find("/drive")->children.empty());
+    EXPECT_EQ(rig.device.recordsTaken, 0u);
+    EXPECT_EQ(rig.device.openHandles, 0);
+    EXPECT_THAT(rig.events.Of("error"), IsEmpty());
   }
 }
 

@@ -112,7 +112,7 @@ class FakeFile final : public File {
     }
     if (size == 0 && !data.empty() && !device_.IsShort()) {
       device_.ops.back().ok = false;
-      return Full();
+      return std::exchange(node_->wasFull, true) && !device_.onceFull.Ok() ? device_.onceFull : Full();
     }
     const std::string bytes(reinterpret_cast<const char*>(data.data()), size);
     device_.ops.back().size = size;

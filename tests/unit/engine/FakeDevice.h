@@ -61,6 +61,7 @@ struct Node {
   std::size_t mostChildren = 0;  // that there were: a folder never shrinks
   bool locked = false;
   bool storesAsIs = false;
+  bool wasFull = false;    // the device, for a write to it
   bool inCluster = false;  // though it is as short as those in records
   std::optional<std::size_t> record;
   std::function<void()> onGone;
@@ -113,8 +114,9 @@ class FakeDevice final : public Device {
   Clock::Time entryLatency{0};      // of each change of a name, a length or dates, and of each removal
   std::uint64_t capacityBytes = 0;  // 0: no end
   bool writesWhatFits = false;      // of a write that the end of the device cuts
-  std::size_t recordBytes = 0;      // files up to this length take no clusters
-  std::size_t recordSlots = 0;      // and so many of them have room
+  Status onceFull;  // told, if it isn't Ok, by writes to a file that the device was full for before
+  std::size_t recordBytes = 0;  // files up to this length take no clusters
+  std::size_t recordSlots = 0;  // and so many of them have room
   // Whether the records are said to be given out in turn, and whether they are: around the table from its
   // middle, of eight those behind the first free one only when they are come to from below. Else the lowest
   // free one comes first.

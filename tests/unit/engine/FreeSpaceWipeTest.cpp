@@ -431,6 +431,23 @@ TEST(FreeSpaceWipe, DoesNothingOnAFullDrive) {
   EXPECT_EQ(rig.events.Of("space").back().total, 0);
 }
 
+TEST(FreeSpaceWipe, TakesTheWantOfARecordForTheEndOfAFile) {
+  const auto wipe = [](const Status& onceFull, FreeSpaceRig& rig) {
+    rig.device.onceFull = onceFull;
+    const bool result = rig.engine.WipeFreeSpace("/drive", 3);
+    rig.ExpectCleanedUp();
+    return result;
+  };
+  for (const Status& status :
+       {Status{Trouble::Exists, 17, "File exists"}, {Trouble::Other, 31, "General failure"}}) {
+    FreeSpaceRig rig;
+    EXPECT_TRUE(wipe(status, rig)) << rig.engine.LastErrorText();
+  }
+  FreeSpaceRig rig;
+  EXPECT_FALSE(wipe({Trouble::Other, 5, "Input/output error"}, rig));
+  EXPECT_THAT(rig.engine.LastErrorText(), HasSubstr("Input/output error (5)"));
+}
+
 TEST(FreeSpaceWipe, TellsEveryFaultAndRemovesItsFillersAllTheSame) {
   for (const Fault fault : {Fault::FailOnce, Fault::FailFromThenOn}) {
     for (std::size_t n = 1;; ++n) {
