@@ -9,7 +9,7 @@ cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 source scripts/packages.sh
 need_packages build build-native package >&2
 
-url=${1:-https://example.org/zeroquill}
+url=${1:-https://zeroquill.example/download}
 out=$PWD/build/packages
 cmake --preset program -Wno-dev >&2
 cmake --build --preset program --parallel "$(nproc)" --target program >&2

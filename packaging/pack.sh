@@ -76,7 +76,7 @@ zqwipe ($version) unstable; urgency=medium
 
   * Release $version.
 
- -- The Zeroquill developers <zeroquill@example.org>  $(date --date="@$SOURCE_DATE_EPOCH" --rfc-email)
+ -- The Zeroquill developers <developers@zeroquill.example>  $(date --date="@$SOURCE_DATE_EPOCH" --rfc-email)
 CHANGES
 
   # The libraries and how new they have to be, by the packages that they came in.
@@ -91,24 +91,28 @@ CHANGES
 Package: zqwipe
 Version: $version
 Architecture: $(dpkg --print-architecture)
-Maintainer: The Zeroquill developers <zeroquill@example.org>
+Maintainer: The Zeroquill developers <developers@zeroquill.example>
 Installed-Size: $(du --summarize --block-size=1K --apparent-size --exclude=DEBIAN "$root" | cut -f1)
 Depends: $depends
 Section: utils
 Priority: optional
 Description: destroys files so that nothing of them can be recovered
- Overwrites files, folders or the free space of a drive on the device itself, pass
- by pass, reads back what it wrote, hides names and lengths, and only then removes.
- What can't be overwritten where it lies is kept, and the reason is told.
+ Overwrites files, folders or the free space of a drive on the device
+ itself, pass by pass, reads back what it wrote, hides names and lengths,
+ and only then removes. What can't be overwritten where it lies is kept,
+ and the reason is told.
 CONTROL
   (cd -- "$root" && find usr -type f -print0 | sort -z | xargs -0 md5sum) >"$root/DEBIAN/md5sums"
   chmod 644 "$root/DEBIAN/control" "$root/DEBIAN/md5sums"
   one_time "$root"
   mkdir -p -- "$out"
-  dpkg-deb --root-owner-group --build "$root" "$out/zqwipe_${version}_$(dpkg --print-architecture).deb" >/dev/null
-  mkdir -- "$work/symbols"
-  objcopy --only-keep-debug "$zqwipe" "$work/symbols/zqwipe.debug"
-  archive "$work/symbols" "$out/zqwipe-$version-linux-symbols.zip"
+  dpkg-deb --root-owner-group -Zgzip --build "$root" "$out/zqwipe_${version}_$(dpkg --print-architecture).deb" >/dev/null
+  # A release's build has them beside it.
+  if [[ -f $zqwipe.debug ]]; then
+    mkdir -- "$work/symbols"
+    cp -- "$zqwipe.debug" "$work/symbols/"
+    archive "$work/symbols" "$out/zqwipe-$version-linux-symbols.zip"
+  fi
 }
 
 sha256() { sha256sum -- "$1" | cut -d' ' -f1; }
