@@ -106,7 +106,7 @@ CONTROL
   chmod 644 "$root/DEBIAN/control" "$root/DEBIAN/md5sums"
   one_time "$root"
   mkdir -p -- "$out"
-  dpkg-deb --root-owner-group -Zgzip --build "$root" "$out/zqwipe_${version}_$(dpkg --print-architecture).deb" >/dev/null
+  dpkg-deb --root-owner-group -Zgzip -z6 --build "$root" "$out/zqwipe_${version}_$(dpkg --print-architecture).deb" >/dev/null
   # A release's build has them beside it.
   if [[ -f $zqwipe.debug ]]; then
     mkdir -- "$work/symbols"
