@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <string>
 #include <utility>
@@ -126,12 +127,11 @@ class Installed : public ::testing::Test {
   // The uninstaller works on a copy of itself, unless it is told its folder; then its own file stays.
   std::string InPlace(const std::string& arguments) const { return arguments + " _?=" + folder_; }
 
-  // As Windows' settings start it, and until it is through.
-  void Uninstall(const std::string& arguments, const std::vector<std::string>& left) const {
+  // As Windows' settings start it, which is through when `done`, its last step. It works on a copy of itself,
+  // which this would end before it had.
+  void Uninstall(const std::string& arguments, const std::function<bool()>& done) const {
     const Program program(uninstaller_, arguments);
-    Await(
-        "the end of the uninstaller", [&] { return !HasKey(kUninstallKey) && NamesIn(folder_) == left; },
-        kInstalling);
+    Await("the end of the uninstaller", done, kInstalling);
   }
 
   std::string MakeJob(const std::string& name) const {
@@ -179,9 +179,11 @@ TEST_F(Installed, SilentlyItOpensItsJobsAndLeavesThemAlone) {
   }
   WriteFileBytes(folder_ + "\\Report\\Report.dat", "a report");
 
-  Uninstall("/S", {"Jobs", "Report"});
+  const std::vector<std::string> kept = {"Jobs", "Report"};
+  Uninstall("/S", [&] { return NamesIn(folder_) == kept; });
   EXPECT_THAT(NamesIn(folder_ + "\\Jobs"), ElementsAre("Old papers & more.zqj"));
   EXPECT_THAT(NamesIn(folder_ + "\\Report"), ElementsAre("Report.dat"));
+  EXPECT_FALSE(HasKey(kUninstallKey));
   EXPECT_FALSE(HasKey(kJobClassKey));
   EXPECT_FALSE(HasKey(kExtensionKey));
   EXPECT_FALSE(PathExists(shortcut_));
@@ -189,8 +191,7 @@ TEST_F(Installed, SilentlyItOpensItsJobsAndLeavesThemAlone) {
   // Over what is left, and away with it all.
   ASSERT_EQ(Run(setup_, "/S"), 0u);
   EXPECT_TRUE(PathExists(job));
-  Uninstall("/S /JOBS", {});
-  Await("the end of its folder", [&] { return !PathExists(folder_); });
+  Uninstall("/S /JOBS", [&] { return !PathExists(folder_); });
   EXPECT_EQ(UsersFiles(), before);
 }
 
