@@ -5,7 +5,7 @@ set -euo pipefail
 cd -- "$(dirname -- "${BASH_SOURCE[0]}")"
 # shellcheck source=scripts/packages.sh
 source scripts/packages.sh
-need_packages build build-native run test
+need_packages build build-native run test package
 
 trap 'scripts/prefix.sh stop --all' EXIT
 jobs=$(nproc)

@@ -16,6 +16,46 @@ if(WIN32)
     WINVER=0x0A00 _WIN32_WINNT=0x0A00 NTDDI_VERSION=0x0A000007)
   # The time of linking would make two builds of one commit differ.
   target_link_options(zq_options INTERFACE -static -Wl,--no-insert-timestamp)
+  # What the linker does by itself today, said so that another one does it, too: a place that nobody can guess, in all
+  # of 64 bits, and data that never runs. What it doesn't do: no Windows folder of its own on a server of desktops.
+  target_link_options(zq_options INTERFACE
+    -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat -Wl,--tsaware)
+endif()
+
+# -O3 makes nothing here faster, the devices being what is waited for, and all of it larger.
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+# zq_symbols_apart(TARGET): of a release's program the symbols go to TARGET.debug beside it, and it knows them there.
+function(zq_symbols_apart target)
+  if(NOT CMAKE_BUILD_TYPE STREQUAL "Release")
+    return()
+  endif()
+  # These tools would write the time of their running into a program that has none.
+  set(at_no_time ${CMAKE_COMMAND} -E env SOURCE_DATE_EPOCH=0)
+  add_custom_command(TARGET ${target} POST_BUILD
+    COMMAND ${at_no_time} ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE_NAME:${target}> ${target}.debug
+    COMMAND ${at_no_time} ${CMAKE_STRIP} --strip-all $<TARGET_FILE_NAME:${target}>
+    COMMAND ${at_no_time} ${CMAKE_OBJCOPY} --add-gnu-debuglink=${target}.debug $<TARGET_FILE_NAME:${target}>
+    BYPRODUCTS ${target}.debug
+    WORKING_DIRECTORY $<TARGET_FILE_DIR:${target}>
+    VERBATIM)
+endfunction()
+
+# zq_for_size(TARGET): code that waits for the user or for a command line is built as small as it gets.
+function(zq_for_size target)
+  target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-Os>)
+endfunction()
+if(CMAKE_BUILD_TYPE STREQUAL "Release")
+  # Each table and function in a section of its own, so that a program leaves out those that nobody asks for. In programs
+  # for Windows the linker keeps the functions of each object all the same: every one stands in the table of unwinding.
+  target_compile_options(zq_options INTERFACE -ffunction-sections -fdata-sections)
+  target_link_options(zq_options INTERFACE -Wl,--gc-sections)
+  # A fault of ours ends the process before anybody can make use of it: guarded stacks, checked bounds.
+  target_compile_options(zq_options INTERFACE -fstack-protector-strong)
+  target_link_options(zq_options INTERFACE -fstack-protector-strong)
+  target_compile_definitions(zq_options INTERFACE _GLIBCXX_ASSERTIONS _FORTIFY_SOURCE=2)
+  if(NOT WIN32)
+    target_link_options(zq_options INTERFACE -Wl,-z,relro,-z,now)
+  endif()
 endif()
 
 if(ZQ_SANITIZE)

@@ -1,11 +1,14 @@
 # What stands in the program's folder: `cmake --install BUILD --component program --prefix FOLDER`.
-# The target `program` builds it.
+# The target `program` builds it. What debuggers want beside it is the component `symbols`.
 add_custom_target(program)
 
 foreach(target IN ITEMS Zeroquill ZQExMan zqwipe)
   if(TARGET ${target})
     add_dependencies(program ${target})
     install(TARGETS ${target} RUNTIME DESTINATION . COMPONENT program)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+      install(FILES $<TARGET_FILE_DIR:${target}>/${target}.debug DESTINATION . COMPONENT symbols)
+    endif()
   endif()
 endforeach()
 

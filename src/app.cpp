@@ -22,6 +22,7 @@
 #include "jobs/frmOpenJob.h"
 #include "jobs/frmSave.h"
 #include "platform/win32/RunTimeErrorReport.h"
+#include "platform/win32/SafeLibraries.h"
 #include "platform/win32/Win32Drives.h"
 #include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32MessageBoxes.h"
@@ -152,6 +153,11 @@ void Run() {
 }  // namespace zq
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  try {
+    zq::LookForLibrariesInWindowsAlone();
+  } catch (...) {
+    zq::ReportAndEnd(std::current_exception());
+  }
   // A drive without a medium is a failure to be told by us, not a box of the system's.
   ::SetErrorMode(::GetErrorMode() | SEM_FAILCRITICALERRORS);
   // The window classes that dialog templates name must exist before the first dialog.

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Renders every picture of pictures.list from its drawing into ico/ and png/.
+# Renders every picture of pictures.list from its drawing into ico/, png/ and bmp/.
 #
 #   render.sh [DIR]      into DIR instead of beside this script
 #   render.sh --sources  only tells which drawing serves which picture and size
 #
-# Needs rsvg-convert and icotool. The same versions of both give the same bytes.
+# Needs rsvg-convert, icotool and ImageMagick. The same versions of both give the same bytes.
 set -euo pipefail
 
 # The version the committed files were rendered with; another may smooth edges differently.
@@ -44,11 +44,14 @@ source_for() {
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-[[ -n $sources_only ]] || mkdir -p "$out/ico" "$out/png"
+[[ -n $sources_only ]] || mkdir -p "$out/ico" "$out/png" "$out/bmp"
 
 while read -r kind name subject rest; do
   case $kind in
-    ico)
+    app | ico)
+      # The largest frames are PNGs, which every Windows that the program runs on can read, at a tenth of the bytes. Of
+      # an icon that others read only the one that they know as such, the smaller ones being bitmaps.
+      if [[ $kind == app ]]; then png_from=256; else png_from=40; fi
       frames=()
       for size in $rest; do
         source=$(source_for "$subject" "$size")
@@ -58,22 +61,25 @@ while read -r kind name subject rest; do
         fi
         frame=$work/$name-$size.png
         rsvg-convert --width "$size" --height "$size" --output "$frame" "$here/svg/$source"
-        # From 256 pixels on a frame is a PNG; below, a bitmap that every reader knows.
-        if ((size >= 256)); then frames+=(--raw="$frame"); else frames+=("$frame"); fi
+        if ((size >= png_from)); then frames+=(--raw="$frame"); else frames+=("$frame"); fi
       done
       # The AND mask leaves out what is less than half opaque.
       [[ -n $sources_only ]] ||
         icotool --create --bit-depth=32 --alpha-threshold=127 --output="$out/ico/$name.ico" "${frames[@]}"
       ;;
-    png)
+    png | bmp)
       read -r size ground <<<"$rest"
       source=$(source_for "$subject" "${size%x*}")
       if [[ -n $sources_only ]]; then
         echo "$name $size $source"
         continue
       fi
+      picture=$out/png/$name.png
+      [[ $kind == png ]] || picture=$work/$name.png
       rsvg-convert --width "${size%x*}" --height "${size#*x}" --background-color "$ground" \
-        --output "$out/png/$name.png" "$here/svg/$source"
+        --output "$picture" "$here/svg/$source"
+      # In 24 bits a point, the form that installers have read for ever.
+      [[ $kind == png ]] || convert "$picture" -alpha off -strip -type TrueColor BMP3:"$out/bmp/$name.bmp"
       ;;
     '' | '#'*) ;;
     *)

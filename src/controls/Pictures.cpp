@@ -49,7 +49,7 @@ UniqueIcon LoadPicture(const char* name, int pixels) {
 }
 
 UniqueIcon LoadProgramIcon(int pixels) {
-  return LoadIconResource(MAKEINTRESOURCEW(1), pixels);
+  return LoadIconResource(L"aaProgram", pixels);
 }
 
 UniqueBitmap LoadAlphaPicture(const char* name, int pixels, SIZE size, const PixelChange& change) {

@@ -7,8 +7,14 @@
 
 #include "manager/Companion_win32.h"
 #include "platform/win32/RunTimeErrorReport.h"
+#include "platform/win32/SafeLibraries.h"
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  try {
+    zq::LookForLibrariesInWindowsAlone();
+  } catch (...) {
+    zq::ReportAndEnd(std::current_exception());
+  }
   // A drive without a medium is a failure to be told by us, not a box of the system's.
   ::SetErrorMode(::GetErrorMode() | SEM_FAILCRITICALERRORS);
   // The window classes that dialog templates name must exist before the first dialog.

@@ -29,7 +29,7 @@ expect_icon() {
     got=$(icotool --list "$pictures/ico/$name.ico" |
       sed -E 's/.*--width=([0-9]+) --height=([0-9]+) --bit-depth=([0-9]+).*/\1x\2 \3/')
     [[ $got == "$want" ]] || fail "ico/$name.ico holds" $got ", not" $want
-    grep -Eqh "^(1|$name) ICON \"pictures/ico/$name\.ico\"\$" "$resources"/*.rc ||
+    grep -Eqh "^(aaProgram|[0-9]+|$name) ICON \"pictures/ico/$name\.ico\"\$" "$resources"/*.rc ||
       fail "no resource script carries $name.ico"
   done
 }
@@ -49,6 +49,7 @@ expect_png() {
 command -v icotool >/dev/null || { echo "pictures_test: icotool is needed" >&2; exit 1; }
 
 expect_icon '16 20 24 32 40 48 64 256' zeroquill manager
+expect_icon '16 20 24 32 40 48 64 256' jobfile
 expect_icon '16 20 24 32' $small
 expect_icon '32 40 48 64' $large
 expect_icon '32 40 48 64 96' $decorations
@@ -72,7 +73,7 @@ if sources=$("$pictures/render.sh" --sources); then
   for name in $(comm -13 <(echo "$used") <(echo "$drawn")); do fail "svg/$name is rendered nowhere"; done
   for name in $(comm -23 <(echo "$used") <(echo "$drawn")); do fail "svg/$name is not there"; done
   listed=$(awk '{ print $1 }' <<<"$sources" | sort -u)
-  there=$(cd "$pictures" && for file in ico/*.ico png/*.png; do basename "${file%.*}"; done | sort -u)
+  there=$(cd "$pictures" && for file in ico/*.ico png/*.png bmp/*.bmp; do basename "${file%.*}"; done | sort -u)
   for name in $(comm -3 <(echo "$listed") <(echo "$there")); do fail "$name: listed or rendered, but not both"; done
 else
   fail "render.sh can't tell its sources"
@@ -84,7 +85,7 @@ if [[ $version == "$("$pictures/render.sh" --rendered-with)" ]]; then
   again=$(mktemp -d)
   trap 'rm -rf "$again"' EXIT
   if "$pictures/render.sh" "$again"; then
-    for kind in ico png; do
+    for kind in ico png bmp; do
       diff -rq "$again/$kind" "$pictures/$kind" || fail "$kind/ is not what the drawings give; run render.sh"
     done
   else

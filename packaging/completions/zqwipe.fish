@@ -1,0 +1,13 @@
+# Completion of zqwipe for fish.
+complete -c zqwipe -s h -l help -d "Show a summary of the options"
+complete -c zqwipe -l version -d "Show the version"
+complete -c zqwipe -l level -x -a "3 5 7" -d "Rounds of three writes"
+complete -c zqwipe -l recursive -d "Wipe a folder with all it holds and remove it"
+complete -c zqwipe -l mask -x -d "Wipe the files of a folder whose names match"
+complete -c zqwipe -l free-space -d "Overwrite what is free on the drive"
+complete -c zqwipe -l dry-run -d "List what would be destroyed, destroy nothing"
+complete -c zqwipe -l yes -d "Don't ask"
+complete -c zqwipe -l trust-file-system -d "Wipe also where it isn't known that new data go to the old place"
+complete -c zqwipe -l report -r -F -d "Write a report to a new file"
+complete -c zqwipe -l json -d "Print the outcome of each item as one JSON object"
+complete -c zqwipe -l quiet -d "No progress, no summary"

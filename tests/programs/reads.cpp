@@ -1,0 +1,5 @@
+extern const char kReadByTheProgram[];
+
+int main(int count, char**) {
+  return kReadByTheProgram[count];
+}
