@@ -8,24 +8,6 @@
 namespace zq::test {
 namespace {
 
-// The keys that the control looks up in the keyboard's state, held down for a scope.
-class HeldKey {
- public:
-  explicit HeldKey(BYTE key) {
-    ::GetKeyboardState(before_);
-    BYTE now[256];
-    std::copy(std::begin(before_), std::end(before_), now);
-    now[key] = 0x80;
-    ::SetKeyboardState(now);
-  }
-  ~HeldKey() { ::SetKeyboardState(before_); }
-  HeldKey(const HeldKey&) = delete;
-  HeldKey& operator=(const HeldKey&) = delete;
-
- private:
-  BYTE before_[256];
-};
-
 // Reads the menu that comes up while the program shows it, and chooses from it by the keyboard.
 class MenuUser {
  public:
