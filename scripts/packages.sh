@@ -6,6 +6,7 @@
 #   run           runs a Windows program in the cage
 #   test          what the tests need beside these three
 #   forensic      what the forensic tests of ZQ_FORENSIC need beside `test`
+#   many          what the test of ZQ_MANY needs beside `test`
 #   bench         what the benchmarks need beside `build-native`
 # When nothing is missing it neither asks for rights nor touches the network.
 
@@ -33,6 +34,9 @@ packages_of() {
       # For FAT where this machine's kernel has none, and for cases that need Perl; beside `test`.
       printf '%s\n' user-mode-linux perl-base
       ;;
+    many)
+      printf '%s\n' ansible-core
+      ;;
     bench)
       printf '%s\n' wipe secure-delete scrub fio strace perl
       ;;
@@ -41,7 +45,7 @@ packages_of() {
       printf '%s\n' bleachbit python3 e2fsprogs ntfs-3g
       ;;
     *)
-      echo "packages.sh: there is no set '$1' (build, build-native, run, test, forensic, bench, bench-free)" >&2
+      echo "packages.sh: there is no set '$1' (build, build-native, run, test, forensic, many, bench, bench-free)" >&2
       return 2
       ;;
   esac
@@ -70,6 +74,7 @@ need_packages() {
       [build-native]="cmake ninja g++"
       [run]="wine wineserver Xvfb unshare nsenter"
       [test]="clang++ clang-format clang-tidy cppcheck shellcheck chmcmd chmls"
+      [many]="ansible-playbook"
       [bench]="wipe srm scrub fio strace perl"
       [bench-free]="bleachbit python3 mkfs.ext4 ntfs-3g")
     local tool absent=""
@@ -105,6 +110,6 @@ need_packages() {
 
 if [[ ${BASH_SOURCE[0]} == "$0" ]]; then
   set -euo pipefail
-  (($# > 0)) || { echo "usage: packages.sh SET...   (build, build-native, run, test, forensic, bench, bench-free)" >&2; exit 2; }
+  (($# > 0)) || { echo "usage: packages.sh SET...   (build, build-native, run, test, forensic, many, bench, bench-free)" >&2; exit 2; }
   need_packages "$@"
 fi
