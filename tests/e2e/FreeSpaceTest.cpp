@@ -67,13 +67,18 @@ class FreeSpace : public ZeroquillTest {
     names_ = NamesOnSmallDrive();
   }
 
-  // Opens the dialog and chooses the drive by its letter, and the level by its button.
+  // Opens the dialog; chooses the drive by its letter, and the level by its button.
   static Window OpenDialog(const Program& program, const MainWindow& main) {
     main.PressTool("Wipe Free Space");
     return program.WaitWindow(kDialog);
   }
+  // The letter goes to the list itself: a key that is typed goes to what has the focus by then, and a C that
+  // comes to anything but the list is the mnemonic of Cancel.
   static void Choose(Window dialog, WORD driveKey, std::string_view level) {
-    TypeKey(dialog, driveKey);
+    const Window drives = dialog.ChildOfClass("ComboBox");
+    drives.PostKey(driveKey);
+    Await("the drive to be chosen",
+          [&] { return drives.Send(CB_GETCURSEL) == driveKey - static_cast<WORD>('C'); });
     dialog.Child(level).Press();
     Await("the level to be chosen", [&] { return dialog.Child(level).IsChecked(); });
   }

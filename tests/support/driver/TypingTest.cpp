@@ -17,7 +17,11 @@ std::atomic<int> heard{0};
 
 LRESULT CALLBACK Listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   constexpr LPARAM kAltIsDown = 1 << 29;
-  if (message == WM_SYSKEYDOWN && wParam == 'K' && (lParam & kAltIsDown) != 0) ++heard;
+  if ((message == WM_SYSKEYDOWN || message == WM_KEYDOWN) && wParam == 'K') {
+    const bool alt = (lParam & kAltIsDown) != 0;
+    const bool control = ::GetKeyState(VK_CONTROL) < 0;
+    if (alt || control) ++heard;
+  }
   return ::DefWindowProcW(window, message, wParam, lParam);
 }
 
@@ -64,15 +68,17 @@ class Stack {
   std::vector<HWND> windows_;
 };
 
-// Each window that Alt+F4 closes gives its place in front to the next, which is typed into at once. Without
-// the wait for what the screen has to say, some two keys of a thousand came without their modifier.
+// Each window that Alt+F4 closes gives its place in front to the next, which is typed into at once. Some
+// three modifiers of a thousand are let go before their key there, on a busy machine, and pressed again.
 TEST(Typing, AModifierHoldsInAWindowThatHasJustComeToTheFront) {
   const Stack stack(60);
   for (auto handle = stack.Windows().rbegin(); handle != stack.Windows().rend(); ++handle) {
     const Window window(*handle);
-    heard = 0;
-    TypeKey(window, 'K', {VK_MENU});
-    Await("Alt+K", [] { return heard > 0; });
+    for (const WORD modifier : {WORD{VK_MENU}, WORD{VK_CONTROL}}) {
+      heard = 0;
+      TypeKey(window, 'K', {modifier});
+      Await("the key with its modifier", [] { return heard > 0; });
+    }
     TypeKey(window, VK_F4, {VK_MENU});
     Await("Alt+F4", [&] { return !window; });
   }

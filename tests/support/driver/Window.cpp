@@ -1,5 +1,6 @@
 #include "support/driver/Window.h"
 
+#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -279,25 +280,75 @@ void LetItHear(Window window) {
   ::ReleaseDC(nullptr, screen);
 }
 
-void TypeInFront(Window window, std::vector<INPUT>&& inputs) {
+void ComeToFront(Window window) {
   ::SetForegroundWindow(window.Handle());
   Await("the front place of " + window.Describe() + ", with the focus",
         [&] { return ::GetForegroundWindow() == window.Handle() && window.HoldsFocus(); });
   LetItHear(window);
+}
+
+void Type(std::vector<INPUT> inputs) {
   const auto count = static_cast<UINT>(inputs.size());
   if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw DriverError("can't type a key");
 }
+
+bool AreDown(const std::vector<WORD>& keys) {
+  return std::all_of(keys.begin(), keys.end(),
+                     [](WORD key) { return (::GetAsyncKeyState(key) & 0x8000) != 0; });
+}
+
+// Modifiers, and a key that is typed while they are down.
+class Chord {
+ public:
+  explicit Chord(const std::vector<WORD>& modifiers) : modifiers_(modifiers) {}
+  Chord(const Chord&) = delete;
+  Chord& operator=(const Chord&) = delete;
+  ~Chord() {
+    if (held_) ::SendInput(static_cast<UINT>(up_.size()), up_.data(), sizeof(INPUT));
+  }
+
+  // On a busy machine the X server's word on the keys can still come late, and let go of them: then they are
+  // pressed again, before the key that they are for.
+  void HoldIn(Window window) {
+    held_ = true;
+    Await("the modifiers to stay down", [&] {
+      Type(down_);
+      LetItHear(window);
+      return AreDown(modifiers_);
+    });
+  }
+
+  // All at once: while a window has keys to take, what it takes for down isn't changed by the X server.
+  void TypeAndRelease(WORD key) {
+    std::vector<INPUT> inputs = down_;
+    inputs.push_back(KeyInput(key, false));
+    inputs.push_back(KeyInput(key, true));
+    inputs.insert(inputs.end(), up_.begin(), up_.end());
+    held_ = false;
+    Type(inputs);
+  }
+
+ private:
+  static std::vector<INPUT> Inputs(const std::vector<WORD>& keys, bool up) {
+    std::vector<INPUT> inputs;
+    for (WORD key : keys) inputs.push_back(KeyInput(key, up));
+    return inputs;
+  }
+
+  const std::vector<WORD> modifiers_;
+  const std::vector<INPUT> down_ = Inputs(modifiers_, false);
+  std::vector<INPUT> up_ = Inputs(modifiers_, true);
+  bool held_ = false;
+};
 
 }  // namespace
 
 void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers) {
   if (!modifiers.empty()) ParkMouse();
-  std::vector<INPUT> inputs;
-  for (WORD modifier : modifiers) inputs.push_back(KeyInput(modifier, false));
-  inputs.push_back(KeyInput(key, false));
-  inputs.push_back(KeyInput(key, true));
-  for (auto it = modifiers.rbegin(); it != modifiers.rend(); ++it) inputs.push_back(KeyInput(*it, true));
-  TypeInFront(window, std::move(inputs));
+  ComeToFront(window);
+  Chord chord(modifiers);
+  if (!modifiers.empty()) chord.HoldIn(window);
+  chord.TypeAndRelease(key);
 }
 
 void TypeText(Window window, std::string_view text) {
@@ -311,7 +362,8 @@ void TypeText(Window window, std::string_view text) {
       inputs.push_back(input);
     }
   }
-  TypeInFront(window, std::move(inputs));
+  ComeToFront(window);
+  Type(std::move(inputs));
 }
 
 void StepMouseTo(POINT screen) {

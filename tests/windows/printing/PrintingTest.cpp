@@ -316,6 +316,25 @@ TEST_F(Printing, DialogLeftPrintsNothing) {
   EXPECT_FALSE(PathExists(port_));
 }
 
+// Windows asks for the file's name where a job goes to this port. Wine makes a file of the port's name.
+TEST_F(Printing, DialogPrintsToAFile) {
+  constexpr char kFilePort[] = "FILE:";
+  ::DeleteFileA(kFilePort);
+  VSPrinter& VS1 = Show(Long(30));
+  {
+    const User user(kPrintDialog, [](HWND dialog) {
+      ::CheckDlgButton(dialog, chx1, BST_CHECKED);
+      Click(dialog, IDOK);
+      return true;
+    });
+    VS1.PrintWithDialog();
+  }
+  ExpectQuietEnd();
+  EXPECT_FALSE(PathExists(port_)) << "nothing goes to the printer";
+  EXPECT_EQ(PagesIn(ReadFileBytes(kFilePort)), 1);
+  ::DeleteFileA(kFilePort);
+}
+
 // By the button and by the close box.
 TEST_F(Printing, CancelEndsTheJobWithoutAWord) {
   VSPrinter& VS1 = Load(Long(3000));
