@@ -7,6 +7,7 @@
 #   test          what the tests need beside these three
 #   package       what package.sh needs beside `build` and `build-native`
 #   forensic      what the forensic tests of ZQ_FORENSIC need beside `test`
+#   many          what the test of ZQ_MANY needs beside `test`
 #   bench         what the benchmarks need beside `build-native`
 # When nothing is missing it neither asks for rights nor touches the network.
 
@@ -37,6 +38,9 @@ packages_of() {
       # For FAT where this machine's kernel has none, and for cases that need Perl; beside `test`.
       printf '%s\n' user-mode-linux perl-base
       ;;
+    many)
+      printf '%s\n' ansible-core
+      ;;
     bench)
       printf '%s\n' wipe secure-delete scrub fio strace perl
       ;;
@@ -45,7 +49,7 @@ packages_of() {
       printf '%s\n' bleachbit python3 e2fsprogs ntfs-3g
       ;;
     *)
-      echo "packages.sh: there is no set '$1' (build, build-native, run, test, package, forensic, bench, bench-free)" >&2
+      echo "packages.sh: there is no set '$1' (build, build-native, run, test, package, forensic, many, bench, bench-free)" >&2
       return 2
       ;;
   esac
@@ -75,6 +79,7 @@ need_packages() {
       [run]="wine wineserver Xvfb unshare nsenter"
       [test]="clang++ clang-format clang-tidy cppcheck shellcheck chmcmd chmls"
       [package]="makensis zip dpkg-deb dpkg-shlibdeps strip objcopy"
+      [many]="ansible-playbook"
       [bench]="wipe srm scrub fio strace perl"
       [bench-free]="bleachbit python3 mkfs.ext4 ntfs-3g")
     local tool absent=""
@@ -110,6 +115,6 @@ need_packages() {
 
 if [[ ${BASH_SOURCE[0]} == "$0" ]]; then
   set -euo pipefail
-  (($# > 0)) || { echo "usage: packages.sh SET...   (build, build-native, run, test, package, forensic, bench, bench-free)" >&2; exit 2; }
+  (($# > 0)) || { echo "usage: packages.sh SET...   (build, build-native, run, test, package, forensic, many, bench, bench-free)" >&2; exit 2; }
   need_packages "$@"
 fi

@@ -5,7 +5,8 @@
 
 #include <algorithm>
 
-#include "controls/RowPainter.h"
+#include "controls/RowColours.h"
+#include "controls/SystemColours.h"
 #include "controls/WaitCursor.h"
 #include "platform/PathPlace.h"
 #include "platform/win32/LongPath.h"

@@ -211,6 +211,16 @@ INT_PTR Form::Process(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_DPICHANGED:
       FollowDpi(LOWORD(wParam), *reinterpret_cast<const RECT*>(lParam));
       return TRUE;
+    case WM_SYSCOLORCHANGE:
+      // The system tells top-level windows alone.
+      ::EnumChildWindows(
+          hwnd_,
+          [](HWND child, LPARAM) -> BOOL {
+            ::SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
+            return TRUE;
+          },
+          0);
+      return FALSE;
     case WM_ACTIVATE:
       if (LOWORD(wParam) != WA_INACTIVE) Activated();
       return FALSE;

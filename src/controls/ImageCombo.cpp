@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "controls/ScreenReaderName.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/Wide.h"
 
@@ -18,6 +19,8 @@ wchar_t Upper(wchar_t letter) {
 
 void ImageCombo::Attached() {
   ::SetWindowSubclass(DropDown(), &ImageCombo::SubclassProcedure, 0, reinterpret_cast<DWORD_PTR>(this));
+  // The label stands in front of the whole; the focus goes to the list inside, which has nothing in front.
+  NameForScreenReaders(DropDown(), WindowText(::GetWindow(Handle(), GW_HWNDPREV)));
 }
 
 void ImageCombo::Add(const std::string& text, int image) {

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 #include <exception>
+#include <utility>
 
 #include "controls/Pictures.h"
 #include "platform/RunTimeError.h"
@@ -84,6 +85,9 @@ LRESULT PreviewWindow::OnMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_SIZE:
       Replan();
       return 0;
+    case WM_GETOBJECT:
+      if (const LRESULT answer = AnswerWithDocument(hwnd_, wParam, lParam, spoken_)) return answer;
+      break;
     case WM_GETDLGCODE:
       return DLGC_WANTARROWS;
     case WM_KEYDOWN:
@@ -175,6 +179,14 @@ void PreviewWindow::Replan() {
 
 void PreviewWindow::TellChange() {
   if (ViewChange) ViewChange();
+  if (std::exchange(toldPage_, Page()) != Page()) TellTextChanged(hwnd_);
+}
+
+std::string PreviewWindow::PageText() const {
+  if (!document_ || !layout_) return {};
+  const LaidPage& page = layout_->pages[static_cast<std::size_t>(Page())];
+  if (page.firstLine == page.endLine) return {};
+  return TextToCopy(*document_, {layout_->lines[page.firstLine].begin, layout_->lines[page.endLine - 1].end});
 }
 
 void PreviewWindow::UpdateScrollBars() {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "controls/PagePainter.h"
+#include "controls/SpokenDocument.h"
 #include "controls/document/PageLayout.h"
 #include "controls/document/PreviewPlan.h"
 #include "controls/document/TextSearch.h"
@@ -67,6 +68,7 @@ class PreviewWindow {
   int ZoomedPixels(Twips twips) const;
   ViewSize View() const;
   void TellChange();
+  std::string PageText() const;  // of the present page
   bool OpenClipboardSoon() const;
 
   HWND hwnd_ = nullptr;
@@ -83,6 +85,8 @@ class PreviewWindow {
   std::size_t selectionAnchor_ = 0;
   std::size_t selectionEnd_ = 0;
   bool selecting_ = false;
+  int toldPage_ = 0;
+  std::shared_ptr<SpokenText> spoken_ = std::make_shared<SpokenText>([this] { return PageText(); });
 };
 
 }  // namespace zq

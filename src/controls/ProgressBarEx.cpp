@@ -3,33 +3,26 @@
 #include <algorithm>
 #include <string>
 
+#include "controls/ProgressColours.h"
+#include "controls/SystemColours.h"
 #include "platform/win32/UniqueHandle.h"
 
 namespace zq {
 namespace {
-
-constexpr COLORREF kFrame = RGB(160, 160, 160);
-constexpr COLORREF kTrough = RGB(255, 255, 255);
-constexpr COLORREF kTextOnTrough = RGB(0, 0, 0);
-constexpr COLORREF kTextOnBar = RGB(255, 255, 255);
 
 void Fill(HDC context, const RECT& rect, COLORREF colour) {
   const UniqueBrush brush(::CreateSolidBrush(colour));
   ::FillRect(context, &rect, brush.Get());
 }
 
-// `part` of 256 of the way from `from` to `to`.
-COLORREF Mix(COLORREF from, COLORREF to, int part) {
-  const auto mix = [part](int a, int b) { return static_cast<BYTE>(a + (b - a) * part / 256); };
-  return RGB(mix(GetRValue(from), GetRValue(to)), mix(GetGValue(from), GetGValue(to)),
-             mix(GetBValue(from), GetBValue(to)));
-}
-
-// Black or white, whichever stands out from `background`.
-COLORREF ReadableOn(COLORREF background) {
-  const int brightness =
-      (GetRValue(background) * 299 + GetGValue(background) * 587 + GetBValue(background) * 114) / 1000;
-  return brightness > 140 ? kTextOnTrough : kTextOnBar;
+// A soft light from above: lighter at the top, the colour itself from the middle down.
+void DrawLitBar(HDC context, const RECT& bar, Colour colour) {
+  constexpr Colour kWhite = 0xFFFFFF;
+  const LONG height = bar.bottom - bar.top;
+  for (LONG y = 0; y < height; ++y) {
+    const int light = static_cast<int>(std::max<LONG>(0, 96 - 192 * y / std::max<LONG>(1, height)));
+    Fill(context, {bar.left, bar.top + y, bar.right, bar.top + y + 1}, Mix(colour, kWhite, light));
+  }
 }
 
 }  // namespace
@@ -91,15 +84,21 @@ void ProgressBarEx::Paint(HDC target) const {
   const HGDIOBJ fontBefore = ::SelectObject(context, font);
   ::SetBkMode(context, TRANSPARENT);
 
-  Fill(context, client, kFrame);
+  const bool contrastTheme = ContrastTheme();
+  const ProgressColours colours = ProgressColoursOf(SystemPalette(), contrastTheme, colour_);
+  Fill(context, client, colours.frame);
   RECT inner = client;
   ::InflateRect(&inner, -1, -1);
-  Fill(context, inner, kTrough);
+  Fill(context, inner, colours.trough);
   RECT done = inner;
   done.right = inner.left + ::MulDiv(inner.right - inner.left, std::clamp(value_, 0, 100), 100);
   RECT rest = inner;
   rest.left = done.right;
-  DrawBar(context, done);
+  if (style_ == kProgressStylePlain || contrastTheme) {
+    Fill(context, done, colours.bar);
+  } else {
+    DrawLitBar(context, done, colours.bar);
+  }
 
   // The text is drawn twice, each time clipped to one side of the bar's end: readable on both.
   const std::wstring text = std::to_wstring(value_) + L"%";
@@ -113,27 +112,13 @@ void ProgressBarEx::Paint(HDC target) const {
                 DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);
     ::RestoreDC(context, saved);
   };
-  drawText(rest, kTextOnTrough);
-  drawText(done, ReadableOn(colour_));
+  drawText(rest, colours.textOnTrough);
+  drawText(done, colours.textOnBar);
 
   ::BitBlt(target, 0, 0, client.right, client.bottom, context, 0, 0, SRCCOPY);
   ::SelectObject(context, fontBefore);
   ::SelectObject(context, bitmapBefore);
   ::DeleteDC(context);
-}
-
-void ProgressBarEx::DrawBar(HDC context, const RECT& bar) const {
-  if (style_ == kProgressStylePlain) {
-    Fill(context, bar, colour_);
-    return;
-  }
-  // A soft light from above: lighter at the top, the colour itself from the middle down.
-  const LONG height = bar.bottom - bar.top;
-  for (LONG y = 0; y < height; ++y) {
-    const int light = static_cast<int>(std::max<LONG>(0, 96 - 192 * y / std::max<LONG>(1, height)));
-    const RECT line{bar.left, bar.top + y, bar.right, bar.top + y + 1};
-    Fill(context, line, Mix(colour_, RGB(255, 255, 255), light));
-  }
 }
 
 }  // namespace zq

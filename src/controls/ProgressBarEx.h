@@ -1,7 +1,10 @@
 // ProgressBarEx: a progress bar with its percentage as text on it, in two looks.
 #pragma once
 
+#include <functional>
+
 #include "controls/Control.h"
+#include "controls/SystemColours.h"
 
 namespace zq {
 
@@ -24,6 +27,9 @@ class ProgressBarEx : public Control {
   void SetStyle(int style);
   void SetColour(COLORREF colour);
 
+  // Whether a contrast theme is on, whose colours win; a test says so itself.
+  std::function<bool()> ContrastTheme = IsContrastTheme;
+
   // The plain green look, for users who have switched visual styles off.
   void UsePlainLook() {
     SetStyle(kProgressStylePlain);
@@ -37,7 +43,6 @@ class ProgressBarEx : public Control {
   static LRESULT CALLBACK SubclassProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
                                             UINT_PTR id, DWORD_PTR self);
   void Paint(HDC target) const;
-  void DrawBar(HDC context, const RECT& bar) const;
 
   int value_ = 0;
   int style_ = kProgressStyleVisual;

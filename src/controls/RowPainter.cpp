@@ -4,6 +4,8 @@
 
 #include "controls/Ellipsis.h"
 #include "controls/Pictures.h"
+#include "controls/RowColours.h"
+#include "controls/SystemColours.h"
 #include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
 
@@ -91,14 +93,6 @@ UINT FormatOfColumn(HWND list, int column) {
 }
 
 }  // namespace
-
-Palette SystemPalette() {
-  return {.window = ::GetSysColor(COLOR_WINDOW),
-          .windowText = ::GetSysColor(COLOR_WINDOWTEXT),
-          .highlight = ::GetSysColor(COLOR_HIGHLIGHT),
-          .highlightText = ::GetSysColor(COLOR_HIGHLIGHTTEXT),
-          .greyText = ::GetSysColor(COLOR_GRAYTEXT)};
-}
 
 void PaintRow(HWND list, HDC context, const PaintedRow& row) {
   const SavedContext saved(context);

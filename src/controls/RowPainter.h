@@ -8,12 +8,7 @@
 #include <functional>
 #include <string>
 
-#include "controls/RowColours.h"
-
 namespace zq {
-
-// The user's own colours of the system.
-Palette SystemPalette();
 
 struct PaintedRow {
   int place = 0;  // counted from 0, as the control does

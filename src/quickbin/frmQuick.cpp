@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "controls/ScreenReaderName.h"
 #include "quickbin/frmQuickErrors.h"
 
 namespace zq {
@@ -51,6 +52,8 @@ void frmQuick::Load() {
   LeavePlaceToSystem();
   SetTopmost(true);
   if (state_.Settings.ProgressBars != 1) pb1.UsePlainLook();
+  NameForScreenReaders(imgDrop.Handle(), "Drop files here");
+  NameForScreenReaders(pb1.Handle(), "Progress");
   TakeDrops();
   state_.QuickBinOpen = true;
 }
@@ -110,6 +113,14 @@ std::optional<LRESULT> frmQuick::OnMessage(UINT message, WPARAM, LPARAM lParam) 
   if (header.hwndFrom != StatusBar1.Handle() || header.code != NM_CLICK) return std::nullopt;
   StatusBar1_PanelClick(static_cast<int>(reinterpret_cast<const NMMOUSE*>(lParam)->dwItemSpec));
   return TRUE;
+}
+
+// For who has no mouse: the status bar doesn't take the focus.
+bool frmQuick::TranslateShortcut(MSG& message) {
+  if (message.message != WM_KEYDOWN || message.wParam != 'E') return false;
+  if (::GetKeyState(VK_CONTROL) >= 0 || ::GetKeyState(VK_MENU) < 0) return false;
+  StatusBar1_PanelClick(kMessageIndex);
+  return true;
 }
 
 void frmQuick::StatusBar1_PanelClick(int panel) {

@@ -41,6 +41,7 @@ class frmQuick final : public Form, private QuickBinWindow {
   void Unloaded() override;
   void DpiChanged() override;
   std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
+  bool TranslateShortcut(MSG& message) override;
   void StatusBar1_PanelClick(int panel);
   void LeavePlaceToSystem();
   void SetTopmost(bool topmost);

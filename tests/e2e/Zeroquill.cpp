@@ -158,9 +158,11 @@ void ExpectBox(const MessageBoxView& box, std::string_view title, std::string_vi
   EXPECT_EQ(box.defaultButton, defaultButton);
 }
 
+// One that is shown: the others are names for screen readers.
 bool IsLabel(Window window) {
   const LONG_PTR type = window.Style() & SS_TYPEMASK;
-  return window.ClassName() == "Static" && (type == SS_LEFT || type == SS_OWNERDRAW);
+  return window.ClassName() == "Static" && (window.Style() & WS_VISIBLE) != 0 &&
+         (type == SS_LEFT || type == SS_OWNERDRAW);
 }
 
 void ExpectLabelsFit(Window dialog) {

@@ -3,7 +3,9 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
@@ -75,6 +77,24 @@ inline std::vector<int> TabOrder(Form& form) {
   } while (item != first && ids.size() < 20);
   return ids;
 }
+
+// A key that the program looks up in the keyboard's state, held down for a scope.
+class HeldKey {
+ public:
+  explicit HeldKey(BYTE key) {
+    ::GetKeyboardState(before_);
+    BYTE now[256];
+    std::copy(std::begin(before_), std::end(before_), now);
+    now[key] = 0x80;
+    ::SetKeyboardState(now);
+  }
+  ~HeldKey() { ::SetKeyboardState(before_); }
+  HeldKey(const HeldKey&) = delete;
+  HeldKey& operator=(const HeldKey&) = delete;
+
+ private:
+  BYTE before_[256];
+};
 
 // A key that goes through the message loop, to whichever window of the form has the focus.
 inline void PostKey(Form& form, WPARAM key) {

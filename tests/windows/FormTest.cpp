@@ -117,6 +117,22 @@ TEST_F(FormTest, CloseBoxTellsThatTheUserAsksAndCanBeRefused) {
   EXPECT_EQ(happened, (Happened{"load hidden", "query user", "query user", "unloaded"}));
 }
 
+// The system tells the form alone.
+TEST_F(FormTest, ControlsAreToldOfOtherSystemColours) {
+  frmSample& form = Default<frmSample>::Touch();
+  const HWND label = form.Label1.Handle();
+  bool told = false;
+  const SUBCLASSPROC listen = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                 DWORD_PTR heard) {
+    if (message == WM_SYSCOLORCHANGE) *reinterpret_cast<bool*>(heard) = true;
+    return ::DefSubclassProc(window, message, wParam, lParam);
+  };
+  ::SetWindowSubclass(label, listen, 1, reinterpret_cast<DWORD_PTR>(&told));
+  ::SendMessageW(static_cast<Form&>(form).Handle(), WM_SYSCOLORCHANGE, 0, 0);
+  ::RemoveWindowSubclass(label, listen, 1);
+  EXPECT_TRUE(told);
+}
+
 TEST_F(FormTest, EscapeClosesNothing) {
   frmSample& form = Default<frmSample>::Touch();
   form.Show();

@@ -72,5 +72,14 @@ TEST_F(ProgressBarExTest, HasItsStoredBlueUntilThePlainLookIsAskedFor) {
   EXPECT_EQ(ColourAt(10), RGB(49, 106, 197));
 }
 
+TEST_F(ProgressBarExTest, HasTheUsersColoursWithAContrastTheme) {
+  form_.pbCurrent.ContrastTheme = [] { return true; };
+  form_.pbCurrent.SetValue(50);
+  EXPECT_EQ(ColourAt(10), ::GetSysColor(COLOR_HIGHLIGHT));
+  EXPECT_EQ(ColourAt(65), ::GetSysColor(COLOR_WINDOW));
+  form_.pbCurrent.ContrastTheme = [] { return false; };
+  EXPECT_EQ(ColourAt(10), kProgressColourStored);
+}
+
 }  // namespace
 }  // namespace zq::test

@@ -130,8 +130,11 @@ class QuickBinForm : public testing::Test {
     EXPECT_EQ(dialog.left, std::clamp(left, work.left, work.right - (dialog.right - dialog.left)));
     EXPECT_EQ(dialog.top, std::clamp(top, work.top, work.bottom - (dialog.bottom - dialog.top)));
   }
-  // Clicks the first panel, reads what the dialog lists, and closes it. Empty when none comes.
   std::vector<std::string> ErrorsByClick(const char* picture) {
+    return ErrorsBy([this] { ClickPanel(0); }, picture);
+  }
+  // Asks for the errors, reads what the dialog lists, and closes it. Empty when none comes.
+  std::vector<std::string> ErrorsBy(const std::function<void()>& ask, const char* picture) {
     std::vector<std::string> lines;
     Later([&] {
       if (!Default<frmQuickErrors>::IsLoaded()) return;
@@ -155,7 +158,7 @@ class QuickBinForm : public testing::Test {
       }
       Press(form, IDC_frmQuickErrors_cmdOK);
     });
-    ClickPanel(0);
+    ask();
     return lines;
   }
 

@@ -1,3 +1,5 @@
+#include <oleacc.h>
+
 #include <algorithm>
 #include <future>
 #include <thread>
@@ -8,23 +10,8 @@
 namespace zq::test {
 namespace {
 
-// The keys that the control looks up in the keyboard's state, held down for a scope.
-class HeldKey {
- public:
-  explicit HeldKey(BYTE key) {
-    ::GetKeyboardState(before_);
-    BYTE now[256];
-    std::copy(std::begin(before_), std::end(before_), now);
-    now[key] = 0x80;
-    ::SetKeyboardState(now);
-  }
-  ~HeldKey() { ::SetKeyboardState(before_); }
-  HeldKey(const HeldKey&) = delete;
-  HeldKey& operator=(const HeldKey&) = delete;
-
- private:
-  BYTE before_[256];
-};
+using testing::HasSubstr;
+using testing::Not;
 
 // Reads the menu that comes up while the program shows it, and chooses from it by the keyboard.
 class MenuUser {
@@ -447,6 +434,61 @@ TEST_F(VSPrinterTest, LabelsFitTheirTexts) {
   }
   ::SelectObject(context, before);
   ::ReleaseDC(printer.Handle(), context);
+}
+
+// As a screen reader asks for what has the focus.
+ComPointer<IAccessible> AskFor(HWND window) {
+  void* object = nullptr;
+  EXPECT_EQ(::AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT), IID_IAccessible, &object),
+            S_OK);
+  return ComPointer<IAccessible>(static_cast<IAccessible*>(object));
+}
+
+VARIANT Self() {
+  VARIANT self{};
+  self.vt = VT_I4;
+  self.lVal = CHILDID_SELF;
+  return self;
+}
+
+std::string Taken(BSTR text) {
+  const std::string taken = text ? FromWide(text) : "";
+  ::SysFreeString(text);
+  return taken;
+}
+
+TEST_F(VSPrinterTest, PagesAreADocumentToAScreenReaderThatReadsTheOneInView) {
+  VSPrinter& printer = Show(Long(200));
+  const ComPointer<IAccessible> pages = AskFor(printer.Preview().Handle());
+  ASSERT_TRUE(pages);
+  BSTR text = nullptr;
+  ASSERT_EQ(pages->get_accName(Self(), &text), S_OK);
+  EXPECT_EQ(Taken(text), "Report pages");
+  VARIANT role{};
+  ASSERT_EQ(pages->get_accRole(Self(), &role), S_OK);
+  EXPECT_EQ(role.lVal, ROLE_SYSTEM_DOCUMENT);
+  VARIANT states{};
+  ASSERT_EQ(pages->get_accState(Self(), &states), S_OK);
+  EXPECT_NE(states.lVal & STATE_SYSTEM_READONLY, 0);
+
+  const auto value = [&] {
+    BSTR shown = nullptr;
+    EXPECT_EQ(pages->get_accValue(Self(), &shown), S_OK);
+    return Taken(shown);
+  };
+  const std::string first = value();
+  EXPECT_THAT(first, HasSubstr("Weekly papers"));
+  EXPECT_THAT(first, HasSubstr("letter 1.doc"));
+  EXPECT_THAT(first, Not(HasSubstr("letter 200.doc")));
+  PressBar(printer, kBarLast);
+  EXPECT_THAT(value(), HasSubstr("letter 200.doc"));
+  EXPECT_THAT(value(), Not(HasSubstr("Weekly papers")));
+
+  Default<frmPrintReport>::Touch().Unload();
+  Form::DestroyClosed();
+  BSTR gone = nullptr;
+  EXPECT_NE(pages->get_accValue(Self(), &gone), S_OK) << "the window is gone, and its text with it";
+  EXPECT_EQ(gone, nullptr);
 }
 
 // What isn't seen is not even measured.

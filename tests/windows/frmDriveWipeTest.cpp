@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "Driving.h"
+#include "NameService.h"
 #include "controls/MessageLoop.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/Win32Drives.h"
@@ -178,6 +179,16 @@ TEST_F(frmDriveWipeTest, TabGoesFromTheDriveOverTheLevelToTheButtons) {
   Open().Unload();
   Open().Show();
   EXPECT_THAT(TabOrder(Open()), Contains(IDC_frmDriveWipe_opt7)) << "the chosen one is the group's stop";
+}
+
+// The focus goes to the list inside, which has no label of its own.
+TEST_F(frmDriveWipeTest, ListOfDrivesIsNamedForScreenReaders) {
+  const NameService service;
+  const HWND drives = Item(Open(), IDC_frmDriveWipe_ICDrives);
+  const auto inside = reinterpret_cast<HWND>(::SendMessageW(drives, CBEM_GETCOMBOCONTROL, 0, 0));
+  EXPECT_EQ(service.NameOf(inside), "Drive:");
+  Open().Unload();
+  EXPECT_TRUE(service.IsEmpty());
 }
 
 TEST_F(frmDriveWipeTest, FocusStartsOnTheDrives) {

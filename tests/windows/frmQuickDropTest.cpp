@@ -142,6 +142,31 @@ TEST_F(frmQuickDropTest, LockedFileAndOneThatIsGoneAreListedByAClickOnThePanel) 
   EXPECT_EQ(Panel(), "Last Operation: Success");
 }
 
+TEST_F(frmQuickDropTest, ErrorsAreListedByTheKeyboardToo) {
+  const std::string gone = scratch_ / "gone.txt";
+  Open();
+  const auto press = [this](WPARAM key) {
+    MSG message{};
+    message.hwnd = Item(Bin(), IDC_frmQuick_cmdCancel);
+    message.message = WM_KEYDOWN;
+    message.wParam = key;
+    DispatchToForms(message);
+  };
+  const auto pressWithCtrl = [&](WPARAM key) {
+    const HeldKey control(VK_CONTROL);
+    press(key);
+  };
+  pressWithCtrl('E');
+  EXPECT_FALSE(Default<frmQuickErrors>::IsLoaded()) << "nothing has failed";
+  Bring({gone});
+  press('E');
+  pressWithCtrl('D');
+  EXPECT_FALSE(Default<frmQuickErrors>::IsLoaded());
+  const std::vector<std::string> lines = ErrorsBy([&] { pressWithCtrl('E'); }, "frmQuickErrors-one");
+  ASSERT_EQ(lines.size(), 1U);
+  EXPECT_THAT(lines[0], StartsWith(gone + " - "));
+}
+
 TEST_F(frmQuickDropTest, DropOfNothingIsASuccess) {
   Open();
   Bring({});

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "NameService.h"
 #include "QuickBinForm.h"
 
 namespace zq::test {
@@ -49,6 +50,15 @@ TEST_F(frmQuickTest, OpensWithItsTextsInFrontOfAllOthers) {
   EXPECT_GT(std::abs(place.left + place.right - work.left - work.right), kRounding);
   EXPECT_GT(std::abs(place.top + place.bottom - work.top - work.bottom), kRounding);
   TakePicture(window, "frmQuick");
+}
+
+TEST_F(frmQuickTest, NamesItsPictureAndItsBarForScreenReaders) {
+  const NameService service;
+  Open();
+  EXPECT_EQ(service.NameOf(Bin().imgDrop.Handle()), "Drop files here");
+  EXPECT_EQ(service.NameOf(Bin().pb1.Handle()), "Progress");
+  Bin().Unload();
+  EXPECT_TRUE(service.IsEmpty()) << "numbers of windows are given again";
 }
 
 TEST_F(frmQuickTest, OpensWithoutADropTargetWhereTheShellIsHeldBackAndSaysSo) {

@@ -318,17 +318,7 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
       if (!DockStudio1.OnDrawItem(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam))) return std::nullopt;
       return TRUE;
     case WM_THEMECHANGED:
-      DockStudio1.OnLookChanged();
-      return std::nullopt;
     case WM_SYSCOLORCHANGE:
-      // The system tells top-level windows alone.
-      ::EnumChildWindows(
-          Handle(),
-          [](HWND child, LPARAM) -> BOOL {
-            ::SendMessageW(child, WM_SYSCOLORCHANGE, 0, 0);
-            return TRUE;
-          },
-          0);
       DockStudio1.OnLookChanged();
       return std::nullopt;
     case WM_GETMINMAXINFO:
