@@ -3,6 +3,8 @@
 #include <oleacc.h>
 #include <oleauto.h>
 
+#include <utility>
+
 #include "platform/win32/ComObject.h"
 #include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
