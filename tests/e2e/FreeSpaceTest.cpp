@@ -144,6 +144,7 @@ TEST_F(FreeSpace, CancelStopsTheWipeAndGivesTheSpaceBack) {
 // that no wipe was begun on.
 TEST_F(FreeSpace, WhatAKillLeftGoesAtTheNextStart) {
   const std::string record = folder_ + "\\FreeSpace.dat";
+  const ULONGLONG free = FreeBytes();
   {
     const Program program(exe_);
     const MainWindow main(program);
@@ -154,6 +155,7 @@ TEST_F(FreeSpace, WhatAKillLeftGoesAtTheNextStart) {
     Await("some progress", [&] { return status.Text().find('%') != std::string::npos; });
     EXPECT_EQ(ReadFileBytes(record), "D:\\");
   }
+  Await("the fillers to go with the process that held them", [&] { return FreeBytes() == free; });
   EXPECT_EQ(ReadFileBytes(kKept), kKeptContent);
   // As where fillers outlive their handles.
   ::CreateDirectoryW(L"D:\\ZQFILL-0123456789bc", nullptr);

@@ -69,7 +69,9 @@ image_unmount "$mnt"
 files=$(recovered)
 small=$(sectors SMALLMARK) large=$(sectors LARGEMARK) names=$(sectors longdeletedname)
 say "$kind before: recovered $files, marks $small and $large, names $names"
-((small > 2000 && large > 100000 && names > 2000)) || fault "the search does not find what was only removed"
+((small > 2000 && large > 100000)) || fault "the search does not find what was only removed"
+# Those that stand in xfs's log at the end of this are some more or some less.
+[[ $kind == xfs ]] || ((names > 2000)) || fault "the search does not find names that were only removed"
 ((files > 0)) || fault "the recovery tools bring nothing back"
 
 mount_image
