@@ -9,16 +9,9 @@ export LC_ALL=C.UTF-8
 program=$(realpath -e -- "$1") || exit 2
 what=${3:-}
 
-# usable FOLDER: makes $scratch in it, and wipes a first file there.
-usable() {
-  scratch=$(mktemp -d -- "$(realpath -e -- "$1")/zqwipe.XXXXXX" 2>/dev/null) || return
-  echo probe >"$scratch/probe"
-  "$program" --yes --quiet -- "$scratch/probe" </dev/null && return
-  rm -rf -- "$scratch"
-  return 1
-}
-usable "$2" || usable "${TMPDIR:-/tmp}" || usable /var/tmp || usable /dev/shm ||
-  { echo "zqwipe_test: no file can be wiped here" >&2; exit 1; }
+# shellcheck source=tests/cli/wipe_place.sh
+source "$(dirname -- "${BASH_SOURCE[0]}")/wipe_place.sh"
+make_wipe_place zqwipe_test "$program" "$2"
 trap 'chmod -R u+rwx -- "$scratch"; rm -rf -- "$scratch"' EXIT
 # The only home that is the user's own here.
 export HOME=$scratch/home

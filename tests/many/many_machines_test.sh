@@ -9,16 +9,9 @@ export LC_ALL=C.UTF-8
 program=$(realpath -e -- "$1") && examples=$(realpath -e -- "$2") || exit 2
 what=${4:-}
 
-# The program must be able to wipe there: not every file system lets it.
-usable() {
-  scratch=$(mktemp -d -- "$(realpath -e -- "$1")/many.XXXXXX" 2>/dev/null) || return
-  echo probe >"$scratch/probe"
-  "$program" --yes --quiet -- "$scratch/probe" </dev/null && return
-  rm -rf -- "$scratch"
-  return 1
-}
-usable "$3" || usable "${TMPDIR:-/tmp}" || usable /var/tmp || usable /dev/shm ||
-  { echo "many_machines_test: no file can be wiped here" >&2; exit 1; }
+# shellcheck source=tests/cli/wipe_place.sh
+source "$(dirname -- "${BASH_SOURCE[0]}")/../cli/wipe_place.sh"
+make_wipe_place many_machines_test "$program" "$3"
 trap 'rm -rf -- "$scratch"' EXIT
 export HOME=$scratch/home
 mkdir -- "$HOME"
