@@ -6,7 +6,7 @@
 make_wipe_place() {
   local program=$2 folder place
   for folder in "$3" "${TMPDIR:-/tmp}" /var/tmp /dev/shm; do
-    place=$(realpath -e -- "$folder" 2>/dev/null) && scratch=$(mktemp -d -- "$place/$1.XXXXXXXX" 2>/dev/null) || continue
+    place=$(realpath -e -- "$folder" 2>/dev/null) && scratch=$(mktemp -d -p "$place" 2>/dev/null) || continue
     echo probe >"$scratch/probe"
     "$program" --yes --quiet -- "$scratch/probe" </dev/null && return
     rm -rf -- "$scratch"
