@@ -92,13 +92,6 @@ class Source final : public OnStack<IDropSource> {
   std::atomic<bool> giveUp{false};
 };
 
-void Mouse(DWORD flags) {
-  INPUT input{};
-  input.type = INPUT_MOUSE;
-  input.mi.dwFlags = flags;
-  ::SendInput(1, &input, sizeof input);
-}
-
 // Carries the dragged files to the point and lets go, as told by what the source hears.
 void Carry(POINT from, POINT to, Source& source) {
   Await("the drag to begin", [&] { return source.asked > 0; });
@@ -115,16 +108,18 @@ void Carry(POINT from, POINT to, Source& source) {
   constexpr int kSame = 8;
   int same = 0;
   int tremble = 0;
+  const auto place = [&] { return POINT{to.x + (tremble & 1), to.y}; };
   WaitFor(
       [&] {
         const int before = source.asked;
-        StepMouseTo({to.x + (++tremble & 1), to.y});
+        ++tremble;
+        StepMouseTo(place());
         Await("the drag to go on", [&] { return source.asked > before; });
         same = source.effect == DROPEFFECT_NONE ? 0 : same + 1;
         return same == kSame;
       },
       Limit(4000));
-  Mouse(MOUSEEVENTF_LEFTUP);
+  StepMouseTo(place(), MOUSEEVENTF_LEFTUP);
 }
 
 }  // namespace
@@ -170,7 +165,7 @@ DWORD DragListTo(POINT screen, std::vector<char> list) {
                                   nullptr, nullptr);
   const POINT from{left + 30, 30};
   MoveMouseTo(from);
-  Mouse(MOUSEEVENTF_LEFTDOWN);
+  StepMouseTo(from, MOUSEEVENTF_LEFTDOWN);
   bool down = false;
   WaitFor(
       [&] {
@@ -195,19 +190,24 @@ DWORD DragListTo(POINT screen, std::vector<char> list) {
       } catch (...) {
         failure = std::current_exception();
         source.giveUp = true;
-        StepMouseTo(from);
-        Mouse(MOUSEEVENTF_LEFTUP);
+        StepMouseTo(from, MOUSEEVENTF_LEFTUP);
       }
     });
     result = ::DoDragDrop(&data, &source, DROPEFFECT_COPY | DROPEFFECT_MOVE | DROPEFFECT_LINK, &effect);
     carrier.join();
-  } else {
-    Mouse(MOUSEEVENTF_LEFTUP);
+  }
+  std::string instead;
+  if (!down) {
+    POINT now{};
+    ::GetCursorPos(&now);
+    instead = "; it is at " + std::to_string(now.x) + ", " + std::to_string(now.y) +
+              ", and where it was pressed is " + Window(::WindowFromPoint(from)).Describe();
+    StepMouseTo(from, MOUSEEVENTF_LEFTUP);
   }
   ::DestroyWindow(window);
   ::OleUninitialize();
   if (failure) std::rethrow_exception(failure);
-  if (!down) throw DriverError("the mouse does not reach the window to drag from");
+  if (!down) throw DriverError("the mouse does not reach the window to drag from" + instead);
   if (FAILED(result)) throw DriverError("the drag ended with " + std::to_string(result));
   return result == DRAGDROP_S_DROP ? effect : static_cast<DWORD>(DROPEFFECT_NONE);
 }

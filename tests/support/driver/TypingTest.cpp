@@ -1,4 +1,4 @@
-// Keys with a modifier, typed into windows that have come to the front a moment before.
+// Keys with a modifier, typed into windows that have come to the front a moment before; buttons of the mouse.
 #include <windows.h>
 #include <gtest/gtest.h>
 
@@ -14,6 +14,7 @@ namespace zq::test {
 namespace {
 
 std::atomic<int> heard{0};
+std::atomic<int> pressed{0};
 
 LRESULT CALLBACK Listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   constexpr LPARAM kAltIsDown = 1 << 29;
@@ -22,6 +23,7 @@ LRESULT CALLBACK Listen(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     const bool control = ::GetKeyState(VK_CONTROL) < 0;
     if (alt || control) ++heard;
   }
+  if (message == WM_LBUTTONDOWN) ++pressed;
   return ::DefWindowProcW(window, message, wParam, lParam);
 }
 
@@ -81,6 +83,21 @@ TEST(Typing, AModifierHoldsInAWindowThatHasJustComeToTheFront) {
     }
     TypeKey(window, VK_F4, {VK_MENU});
     Await("Alt+F4", [&] { return !window; });
+  }
+}
+
+// The screen may report an older place of the pointer between a move and what is pressed there.
+TEST(Mouse, AButtonGoesDownAtItsPlaceWhereverThePointerIs) {
+  const Stack stack(1);
+  const POINT place = Window(stack.Windows().front()).Centre();
+  MoveMouseTo(place);
+  for (int time = 1; time <= 10; ++time) {
+    ::SetCursorPos(0, 0);
+    StepMouseTo(place, MOUSEEVENTF_LEFTDOWN);
+    Await("the button to go down in the window", [&] { return pressed == time; });
+    ::SetCursorPos(0, 0);
+    StepMouseTo(place, MOUSEEVENTF_LEFTUP);
+    MoveMouseTo(place);
   }
 }
 

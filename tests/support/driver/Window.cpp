@@ -20,10 +20,17 @@ INPUT KeyInput(WORD key, bool up) {
   return input;
 }
 
-INPUT MouseInput(DWORD flags) {
+// The mouse at a point of the screen, with buttons that go down or up there: one input, so that no place
+// which the screen reports late comes between the move and the button.
+INPUT MouseInput(POINT screen, DWORD buttons) {
   INPUT input{};
   input.type = INPUT_MOUSE;
-  input.mi.dwFlags = flags;
+  input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE | buttons;
+  const int width = ::GetSystemMetrics(SM_CXSCREEN);
+  const int height = ::GetSystemMetrics(SM_CYSCREEN);
+  // Rounded up, since the way back to pixels rounds down.
+  input.mi.dx = static_cast<LONG>((screen.x * 65536LL + width - 1) / width);
+  input.mi.dy = static_cast<LONG>((screen.y * 65536LL + height - 1) / height);
   return input;
 }
 
@@ -366,14 +373,9 @@ void TypeText(Window window, std::string_view text) {
   Type(std::move(inputs));
 }
 
-void StepMouseTo(POINT screen) {
-  INPUT input = MouseInput(MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE);
-  const int width = ::GetSystemMetrics(SM_CXSCREEN);
-  const int height = ::GetSystemMetrics(SM_CYSCREEN);
-  // Rounded up, since the way back to pixels rounds down.
-  input.mi.dx = static_cast<LONG>((screen.x * 65536LL + width - 1) / width);
-  input.mi.dy = static_cast<LONG>((screen.y * 65536LL + height - 1) / height);
-  ::SendInput(1, &input, sizeof input);
+void StepMouseTo(POINT screen, DWORD buttons) {
+  INPUT input = MouseInput(screen, buttons);
+  if (::SendInput(1, &input, sizeof input) != 1) throw DriverError("can't move the mouse");
 }
 
 void MoveMouseTo(POINT screen) {
@@ -397,7 +399,7 @@ void ClickAt(POINT screen, bool right, bool twice) {
   const DWORD down = right ? MOUSEEVENTF_RIGHTDOWN : MOUSEEVENTF_LEFTDOWN;
   const DWORD up = right ? MOUSEEVENTF_RIGHTUP : MOUSEEVENTF_LEFTUP;
   for (int i = 0; i < (twice ? 2 : 1); ++i) {
-    INPUT inputs[] = {MouseInput(down), MouseInput(up)};
+    INPUT inputs[] = {MouseInput(screen, down), MouseInput(screen, up)};
     if (::SendInput(2, inputs, sizeof(INPUT)) != 2) throw DriverError("can't click");
   }
 }

@@ -92,8 +92,10 @@ std::vector<Window> TopLevelWindows(const std::function<bool(Window)>& condition
 void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers = {});
 // The text's characters, as an input method for any language gives them.
 void TypeText(Window window, std::string_view text);
-// Moves the mouse by input, as a hand does, and returns at once; or when the pointer rests there.
-void StepMouseTo(POINT screen);
+// Moves the mouse by input, as a hand does, and returns at once; or when the pointer rests there. `buttons`
+// go down or up (MOUSEEVENTF_LEFTDOWN and the like) at that very point, wherever the screen sees the pointer
+// meanwhile.
+void StepMouseTo(POINT screen, DWORD buttons = 0);
 void MoveMouseTo(POINT screen);
 void ClickAt(POINT screen, bool right = false, bool twice = false);
 
