@@ -6,11 +6,19 @@ Walk::Walk() {
   settings.lastFolder = std::string(150, ' ');
 }
 
-void Walk::Start(const std::string& arguments) {
+void Walk::Launch(const std::string& arguments) {
   main_.reset();
   program_.reset();
   program_.emplace(exe, arguments);
-  main_.emplace(*program_);
+}
+
+void Walk::WaitMain() {
+  main_.emplace(Run());
+}
+
+void Walk::Start(const std::string& arguments) {
+  Launch(arguments);
+  WaitMain();
 }
 
 void Walk::Exit() {
@@ -18,11 +26,14 @@ void Walk::Exit() {
   WaitExit();
 }
 
-void Walk::WaitExit() {
-  EXPECT_EQ(Run().WaitExit(), 0u);
+void Walk::WaitExit(unsigned exitCode) {
+  EXPECT_EQ(Run().WaitExit(), exitCode);
   main_.reset();
   program_.reset();
   ExpectSettingsOnDisc();
+  if (layout_.empty()) layout_ = ReadFileBytes(layoutPath);
+  EXPECT_TRUE(layout_.starts_with("Zeroquill bars 1\r\n")) << layout_;
+  EXPECT_EQ(ReadFileBytes(layoutPath), layout_) << "nobody has moved them";
 }
 
 Window Walk::Dialog(std::string_view id, std::string_view title, std::string_view part) {

@@ -21,12 +21,14 @@ class Walk {
   Walk(const Walk&) = delete;
   Walk& operator=(const Walk&) = delete;
 
-  // Starts the program and waits for its main window.
+  // Starts the program; waits for its main window; both.
+  void Launch(const std::string& arguments = "");
+  void WaitMain();
   void Start(const std::string& arguments = "");
   // Tells it to exit by the menu's command, without a question on the way, and looks at its files.
   void Exit();
   // Waits for its end, and looks at its files.
-  void WaitExit();
+  void WaitExit(unsigned exitCode = 0);
 
   // A command of the table by its tool's name; a box is compared and answered.
   void Command(std::string_view tool) { visits.Command(Main(), tool); }
@@ -62,6 +64,7 @@ class Walk {
   Visits visits;
 
  private:
+  std::string layout_;  // the bars' file of the last exit
   std::optional<Program> program_;
   std::optional<MainWindow> main_;
 };
