@@ -5,6 +5,7 @@
 #include "e2e/walk/ReportScene.h"
 #include "e2e/walk/Scenes.h"
 #include "e2e/walk/Steps.h"
+#include "support/driver/Text.h"
 
 namespace zq::test {
 namespace {
