@@ -80,6 +80,7 @@ void Visits::ExpectAll(const std::string& program) const {
 }
 
 void Visits::Keep(std::string_view id, Window window, When when) {
+  if (!seen_.emplace(id).second) return;
   TakePicture(window, Numbered(++pictures_, id), when);
 }
 

@@ -2,7 +2,6 @@
 // question whether anything of the inventory was left out.
 #pragma once
 
-#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -32,11 +31,13 @@ class Visits {
   void ExpectAll(const std::string& program) const;
 
  private:
+  // One picture of each kind.
   void Keep(std::string_view id, Window window, When when);
 
   std::set<std::string, std::less<>> commands_;
   std::set<std::string, std::less<>> windows_;
   std::set<std::string, std::less<>> boxes_;
+  std::set<std::string, std::less<>> seen_;
   int pictures_ = 0;
 };
 
