@@ -1,19 +1,42 @@
 // From the first start to the first look around.
+#include <cstdio>
+
 #include "e2e/walk/Scenes.h"
 #include "e2e/walk/Steps.h"
 
 namespace zq::test {
 
-void FirstStart(Walk& walk) {
-  walk.Launch();
+namespace {
+
+// It is there for two seconds, whatever else the machine does: false if it has gone before its picture was
+// taken.
+bool SeeSplash(Walk& walk) {
   Window splash;
-  Await("the splash", [&] {
+  Await("a window", [&] {
     for (const Window window : walk.Run().Windows()) splash = window;
     return static_cast<bool>(splash);
   });
-  EXPECT_EQ(splash.Text(), "");
-  // It is there for two seconds, whatever else the machine does.
-  walk.visits.See("frmOpen", splash, "", When::AtOnce);
+  try {
+    if ((splash.Style() & WS_CAPTION) != 0) return false;
+    walk.visits.See("frmOpen", splash, "", When::AtOnce);
+    EXPECT_EQ(splash.Text(), "");
+    return true;
+  } catch (const DriverError&) {
+    if (splash) throw;
+    return false;
+  }
+}
+
+}  // namespace
+
+void FirstStart(Walk& walk) {
+  // A start that is broken off leaves the next one the first.
+  constexpr int kMostStarts = 10;
+  int starts = 1;
+  for (walk.Launch(); !SeeSplash(walk); walk.Launch()) {
+    std::fprintf(stderr, "The splash went too early for its picture; started again.\n");
+    ASSERT_LT(starts++, kMostStarts);
+  }
   walk.WaitMain();
 
   walk.ExpectSettingsOnDisc();

@@ -35,12 +35,11 @@ class HeldClipboard {
 // Typed again if no box comes: on a busy machine Wine lost a key once in some hundred times.
 void CopyWithoutAClipboard(Walk& walk, Window report) {
   const HeldClipboard held;
-  constexpr Limit kOnce{5000};
   for (int times = 1; times <= 4 && walk.Run().Boxes().empty(); ++times) {
     if (times > 1) std::fprintf(stderr, "No box came; the keys are typed again.\n");
     TypeKey(report, 'A', {VK_CONTROL});
     TypeKey(report, 'C', {VK_CONTROL});
-    WaitFor([&] { return !walk.Run().Boxes().empty(); }, kOnce);
+    WaitFor([&] { return !walk.Run().Boxes().empty(); });
   }
   walk.Answer("report-clipboard-in-use", "OK");
 }

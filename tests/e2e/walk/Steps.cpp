@@ -1,20 +1,38 @@
 #include "e2e/walk/Steps.h"
 
+#include <cstdio>
+
 namespace zq::test {
+
+namespace {
+
+// As the system opens it once Alt and the letter have come. It is closed when the window loses the front
+// place, be it for a moment, and then asked for again.
+Window OpenMenu(const Walk& walk, char letter) {
+  const Window main = walk.Main().window;
+  const auto isOpen = [&walk] { return static_cast<bool>(FindMenu(walk.Run())); };
+  main.WaitEnabled();
+  for (int times = 1; times < 4; ++times) {
+    ::SetForegroundWindow(main.Handle());
+    Await("the main window in front", [main] { return ::GetForegroundWindow() == main.Handle(); });
+    main.Post(WM_SYSCOMMAND, SC_KEYMENU, letter);
+    if (WaitFor(isOpen)) return FindMenu(walk.Run());
+    std::fprintf(stderr, "No menu came; asked for again.\n");
+    main.Post(WM_CANCELMODE);
+  }
+  throw DriverError(std::string("no menu comes by ") + letter);
+}
+
+}  // namespace
 
 void SeeMenus(Walk& walk, std::string_view part) {
   struct Opened {
     const char* id;
     char letter;
   };
-  const Window main = walk.Main().window;
-  main.WaitEnabled();
   for (const Opened& menu : {Opened{"mnuFile", 'f'}, Opened{"mnuActions", 'a'}, Opened{"mnuHelp", 'h'}}) {
-    // As the system puts it once Alt and the letter have come.
-    main.Post(WM_SYSCOMMAND, SC_KEYMENU, menu.letter);
-    Await(std::string("the menu ") + menu.id, [&] { return static_cast<bool>(FindMenu(walk.Run())); });
-    walk.visits.See(menu.id, FindMenu(walk.Run()), part);
-    main.Post(WM_CANCELMODE);
+    walk.visits.See(menu.id, OpenMenu(walk, menu.letter), part);
+    walk.Main().window.Post(WM_CANCELMODE);
     Await("the end of the menu", [&] { return !FindMenu(walk.Run()); });
   }
 }

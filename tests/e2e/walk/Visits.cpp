@@ -36,8 +36,8 @@ void Visits::Command(const MainWindow& main, std::string_view tool) {
 void Visits::See(std::string_view id, Window window, std::string_view part, When when) {
   const WindowRow& row = RowOfWindow(id);
   SCOPED_TRACE(id);
-  windows_.emplace(id);
   Keep(std::string(id) + (part.empty() ? "" : "-") + std::string(part), window, when);
+  windows_.emplace(id);
   if (row.templateId != 0 && HasLabels(window)) ExpectLabelsFit(window);
 }
 
@@ -80,8 +80,9 @@ void Visits::ExpectAll(const std::string& program) const {
 }
 
 void Visits::Keep(std::string_view id, Window window, When when) {
-  if (!seen_.emplace(id).second) return;
-  TakePicture(window, Numbered(++pictures_, id), when);
+  if (pictured_.contains(id)) return;
+  TakePicture(window, Numbered(static_cast<int>(pictured_.size()) + 1, id), when);
+  pictured_.emplace(id);
 }
 
 }  // namespace zq::test

@@ -37,8 +37,7 @@ class Visits {
   std::set<std::string, std::less<>> commands_;
   std::set<std::string, std::less<>> windows_;
   std::set<std::string, std::less<>> boxes_;
-  std::set<std::string, std::less<>> seen_;
-  int pictures_ = 0;
+  std::set<std::string, std::less<>> pictured_;
 };
 
 }  // namespace zq::test
