@@ -109,8 +109,7 @@ const BoxRow kBoxes[] = {
     {"report-no-printer", "Print",
      "There is no printer that the report could be printed on.  Add a printer in Windows' settings, and print "
      "again.", kExclamation, kOk},
-    {"report-not-printed", "Print", "The report was not printed completely.{}", kExclamation, kOk,
-     "a printer has to fail: Printing.PrinterThatCannotPrintIsTold"},
+    {"report-not-printed", "Print", "The report was not printed completely.{}", kExclamation, kOk},
     {"report-no-printer-opened", "Print", "The printer could not be opened, error {}.", kExclamation, kOk,
      "a printer has to go while the system's dialog shows it: by reading alone"},
     {"report-clipboard-in-use", "Copy",

@@ -44,19 +44,32 @@ void CopyWithoutAClipboard(Walk& walk, Window report) {
   walk.Answer("report-clipboard-in-use", "OK");
 }
 
-void Print(Walk& walk, Window report) {
-  const Window print = report.Child("Print...");
-  print.Press();
-  walk.Answer("report-no-printer", "OK");
-  report.WaitEnabled();
-
-  const std::string path = walk.scratch / "printed.ps";
-  const PostScriptPrinter printer(L"Walk's Printer", path, Colours::All);
-  print.Press();
+// On the default printer.
+void PrintByDialog(Walk& walk, Window report) {
+  report.Child("Print...").Press();
   const Window dialog = walk.Run().WaitWindow("Print", "#32770");
   walk.visits.See("PrintDialog", dialog);
   dialog.Child("OK").Press();
   dialog.WaitGone();
+}
+
+void Print(Walk& walk, Window report) {
+  report.Child("Print...").Press();
+  walk.Answer("report-no-printer", "OK");
+  report.WaitEnabled();
+
+  // Its file can't be made.
+  {
+    const PostScriptPrinter printer(L"Walk's Broken Printer", walk.scratch / "nowhere\\printed.ps",
+                                    Colours::All);
+    PrintByDialog(walk, report);
+    walk.Answer("report-not-printed", "OK");
+    report.WaitEnabled();
+  }
+
+  const std::string path = walk.scratch / "printed.ps";
+  const PostScriptPrinter printer(L"Walk's Printer", path, Colours::All);
+  PrintByDialog(walk, report);
   // The file comes while the report waits for its printing to end.
   Await("the printed report", [&] { return PathExists(path) && report.IsEnabled(); });
   const std::string printed = ReadFileBytes(path);
