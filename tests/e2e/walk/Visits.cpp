@@ -81,6 +81,8 @@ void Visits::ExpectAll(const std::string& program) const {
 
 void Visits::Keep(std::string_view id, Window window, When when) {
   if (pictured_.contains(id)) return;
+  // What has yet to be painted on a busy machine would be missing in the picture.
+  if (when == When::Still) ::RedrawWindow(window.Handle(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
   TakePicture(window, Numbered(static_cast<int>(pictured_.size()) + 1, id), when);
   pictured_.emplace(id);
 }
