@@ -33,7 +33,7 @@ namespace {
 struct Program {
   explicit Program(const std::string& folder) {
     fake.process.applicationPath = folder;
-    fake.process.onPump = [] { PumpMessages(); };
+    fake.process.onPump = [] { PumpBetweenSteps(); };
     Default<frmMain>::SetFactory([this] { return std::make_unique<frmMain>(state, platform); });
     Default<frmStatus>::SetFactory(
         [this] { return std::make_unique<frmStatus>(state, platform, Default<frmMain>::Touch().Driver()); });
