@@ -34,7 +34,7 @@ see_own_images() {
   find /sys/block -mindepth 1 -delete
   for device in /sys/class/block/*; do
     if [[ ${device##*/} == loop* ]]; then
-      image=$(cat -- "$device/loop/backing_file" 2>/dev/null) || continue
+      image=$(cat -- "$device/loop/backing_file" 2>/dev/null | tr -d '\0') || continue
       [[ -e $image ]] || continue
     fi
     ln -s -- "$(realpath -- "$device")" "/sys/block/${device##*/}"
@@ -101,6 +101,8 @@ image_mount() {
   case $1 in
     ext4) mount -o loop,data=ordered -- "$2" "$3" ;;
     ext4-journal) mount -t ext4 -o loop,data=journal -- "$2" "$3" ;;
+    # What is given back must be there to be found: not all of it would be if it were discarded.
+    f2fs) mount -t f2fs -o loop,nodiscard -- "$2" "$3" ;;
     ext4-inline | ext4-bigalloc) mount -t ext4 -o loop -- "$2" "$3" ;;
     ntfs)
       # On a device, as it is in use: it looks different from here without one. Detached when it is mounted, the
