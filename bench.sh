@@ -119,6 +119,7 @@ by_wine() {
 }
 run_windows() { by_wine engine_bench.exe folder 'C:\bench\work' 3; }
 run_calls() { by_wine engine_bench.exe each 'C:\bench\work' 3; }
+run_rows() { by_wine drop_bench.exe rows 'C:\bench\work'; }
 
 # seconds TOOL WORKLOAD: of one run.
 seconds() {
@@ -139,7 +140,7 @@ seconds() {
 # flushes TOOL WORKLOAD: how many calls for a flush.
 flushes() {
   local trace
-  [[ $1 != windows && $1 != calls ]] || { echo -; return; }  # it can't be looked into from outside the cage
+  [[ $1 != @(windows|calls|rows) ]] || { echo -; return; }  # it can't be looked into from outside the cage
   trace=$(mktemp)
   make_work "$2"
   strace -f -qq -c -e trace=fsync,fdatasync,syncfs,sync -o "$trace" "$BASH" -c \
@@ -182,17 +183,17 @@ make_files_of() { files "$1" 4096 $(($1 / 100)); }
 in_prefix() {
   local prefix
   cmake --preset program -Wno-dev >/dev/null
-  cmake --build --preset program --parallel "$(nproc)" --target "$1" >/dev/null
+  cmake --build --preset program --parallel "$(nproc)" --target "$@" >/dev/null
   prefix=$(scripts/prefix.sh create bench)
   trap 'rm -rf -- "$dir/work" "$dir/own-seconds"; scripts/prefix.sh stop bench' EXIT
   dir=$prefix/drive_c/bench
   mkdir -p -- "$dir"
 }
 compare_windows() {
-  in_prefix engine_bench
+  in_prefix engine_bench drop_bench
   compare "One file of 256 MiB" large windows shred
   compare "2,000 files of 4 KiB in 20 folders" small windows shred
-  compare "2,000 files of 4 KiB in one folder, a call for each" flat calls shred
+  compare "2,000 files of 4 KiB in one folder, a call for each and a job of as many rows" flat calls rows shred
   compare "100 files of 1 MiB" middle windows shred
 }
 

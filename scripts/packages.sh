@@ -35,8 +35,8 @@ packages_of() {
       printf '%s\n' nsis zip binutils dpkg-dev
       ;;
     forensic)
-      # For FAT where this machine's kernel has none, and for cases that need Perl; beside `test`.
-      printf '%s\n' user-mode-linux perl-base
+      # For FAT and F2FS where this machine's kernel has none, and for cases that need Perl; beside `test`.
+      printf '%s\n' user-mode-linux f2fs-tools perl-base
       ;;
     many)
       printf '%s\n' ansible-core

@@ -61,7 +61,7 @@ struct Program {
   AppState state;
   Win32Files files;
   Win32MessageBoxes messageBoxes;
-  Win32Process process{&PumpMessages};
+  Win32Process process{&PumpBetweenSteps};
   Win32Regional regional;
   Win32Registry registry;
   SystemLongWork longWork{[] {

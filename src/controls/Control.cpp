@@ -55,6 +55,12 @@ void Label::SetBold() {
   font_ = std::move(bold);  // the one before is in use until here
 }
 
+// The control's own procedure would draw it at once; the text is kept by the system.
+void LongLabel::SetText(const std::string& text) {
+  ::DefWindowProcW(Handle(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(text).c_str()));
+  ::InvalidateRect(Handle(), nullptr, FALSE);
+}
+
 void LongLabel::OnDraw(const DRAWITEMSTRUCT& draw) {
   constexpr UINT kFormat = DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
   const int saved = ::SaveDC(draw.hDC);

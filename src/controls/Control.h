@@ -72,10 +72,12 @@ class Label : public Control {
   UniqueFont font_;
 };
 
-// Of several lines, owner-drawn: a text that has no room is drawn with an ellipsis in its middle.
+// Of several lines, owner-drawn: a text that has no room is drawn with an ellipsis in its middle. A new text
+// is drawn when the window is painted, not each time that it is set.
 class LongLabel : public Label {
  public:
   using Label::Label;
+  void SetText(const std::string& text);
 
  protected:
   void OnDraw(const DRAWITEMSTRUCT& draw) override;

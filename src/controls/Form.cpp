@@ -101,6 +101,9 @@ void Form::Repaint() {
 }
 
 void Form::SetCaption(const std::string& text) {
+  // The system draws the whole caption anew, and tells the task bar, whatever the text was.
+  if (caption_ == text) return;
+  caption_ = text;
   ::SetWindowTextW(hwnd_, ToWide(text).c_str());
 }
 

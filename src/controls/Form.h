@@ -91,6 +91,7 @@ class Form {
 
   const int dialogId_;
   HWND hwnd_ = nullptr;
+  std::optional<std::string> caption_;  // the last that was set
   HWND modalOwner_ = nullptr;
   bool modal_ = false;
   bool focusGiven_ = false;

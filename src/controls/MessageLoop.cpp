@@ -28,15 +28,35 @@ void DispatchToForms(MSG& message) {
   Form::DestroyClosed();
 }
 
-void PumpMessages() {
+namespace {
+
+void Pump(UINT how) {
   MSG message{};
-  while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+  while (::PeekMessageW(&message, nullptr, 0, 0, how)) {
     if (message.message == WM_QUIT) {
       // For the loop below this one on the stack.
       ::PostQuitMessage(static_cast<int>(message.wParam));
       return;
     }
     DispatchToForms(message);
+  }
+}
+
+}  // namespace
+
+void PumpMessages() {
+  Pump(PM_REMOVE);
+}
+
+void PumpBetweenSteps() {
+  constexpr ULONGLONG kBetweenPaintings = 30;  // milliseconds
+  static ULONGLONG painted = 0;
+  const ULONGLONG now = ::GetTickCount64();
+  if (now - painted >= kBetweenPaintings) {
+    painted = now;
+    Pump(PM_REMOVE);
+  } else {
+    Pump(PM_REMOVE | PM_QS_INPUT | PM_QS_POSTMESSAGE | PM_QS_SENDMESSAGE);
   }
 }
 

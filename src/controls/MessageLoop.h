@@ -12,6 +12,10 @@ void DispatchToForms(MSG& message);
 // Handles the waiting messages, then returns.
 void PumpMessages();
 
+// The same for work that does it at every small step: windows are painted some thirty times a second at most,
+// and what is left to paint comes with a later call, or with the loop.
+void PumpBetweenSteps();
+
 // Runs until WM_QUIT.
 void RunMessageLoop();
 

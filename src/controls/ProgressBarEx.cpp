@@ -30,8 +30,8 @@ void DrawLitBar(HDC context, const RECT& bar, Colour colour) {
 void ProgressBarEx::SetValue(int value) {
   if (value == value_) return;
   value_ = value;
-  ::SendMessageW(Handle(), PBM_SETPOS, static_cast<WPARAM>(std::clamp(value, 0, 100)), 0);
   ::InvalidateRect(Handle(), nullptr, FALSE);
+  ::NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, Handle(), OBJID_CLIENT, CHILDID_SELF);
 }
 
 void ProgressBarEx::SetStyle(int style) {
@@ -63,6 +63,9 @@ LRESULT CALLBACK ProgressBarEx::SubclassProcedure(HWND hwnd, UINT message, WPARA
     case WM_PRINTCLIENT:
       bar->Paint(reinterpret_cast<HDC>(wParam));
       return 0;
+    // The control, told of each value, would be painted at once.
+    case PBM_GETPOS:
+      return std::clamp(bar->value_, 0, 100);
     case WM_ERASEBKGND:
       return 1;  // all of it is painted anyway
     case WM_NCDESTROY:

@@ -15,7 +15,8 @@ inline constexpr int kProgressStyleVisual = 5;
 inline constexpr COLORREF kProgressColourStored = 0xC56A31;
 inline constexpr COLORREF kProgressColourPlain = 0x2BD228;
 
-// Painted by us over the system's progress class, whose position it keeps: a screen reader sees that.
+// Painted by us over the system's progress class, and answers for its position: a screen reader asks for
+// that.
 class ProgressBarEx : public Control {
  public:
   using Control::Control;

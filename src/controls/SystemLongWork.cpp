@@ -76,8 +76,11 @@ void SystemLongWork::CallUser() {
 
 void SystemLongWork::Show(Shown shown, int percent) {
   if (!taskBar_) return;
+  // To look for the window takes its time, and most events of the work bring nothing new.
+  const bool isNew = shown != shown_ || percent != percent_;
+  if (!isNew && watched_ && ::IsWindowVisible(watched_)) return;
   const HWND window = WindowWithButton();
-  if (window == watched_ && shown == shown_ && percent == percent_) return;
+  if (window == watched_ && !isNew) return;
   shown_ = shown;
   percent_ = percent;
   Watch(window);

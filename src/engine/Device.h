@@ -275,6 +275,12 @@ class Folder {
     return false;
   }
 
+  // Writes over blocks close to the folder that hold nothing any more, once what was removed from it is
+  // durable: among them are mostly those of the folder itself, which were given back with the names in them.
+  // Only where a folder isn't written to its place before it gives back its room (xfs). `mayGoOn` is asked
+  // several times a second; after a no the rest is left.
+  virtual void CoverFreedBlocks(const std::function<bool()>&) {}
+
   // The log of the file system, which has the names too, for Device::ClearTraces: a number that no other's
   // has, or 0 where there is none that anything could be done about.
   virtual std::uint64_t Log() const { return 0; }

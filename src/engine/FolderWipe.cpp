@@ -172,6 +172,9 @@ void FolderWipe::RemoveLeftFolders() {
   // The removals in them go to the device before they do: freed in one go with them, a folder's block would
   // keep the old names.
   FlushInPieces(left);
+  for (const auto& level : left) {
+    if (level->hasLostEntries && !level->somethingStays) CoverFreedBlocks(*level);
+  }
   if (operation_.device.RenamesOpenFolders() && !keepsNames) {
     RemoveFolders(left);
     return;
@@ -204,6 +207,13 @@ void FolderWipe::FlushInPieces(std::span<const std::shared_ptr<Level>> levels) {
     operation_.pace.FlushesTook(operation_.clock.Now() - started, count);
     levels = levels.subspan(count);
   }
+}
+
+void FolderWipe::CoverFreedBlocks(Level& level) {
+  operation_.Tell(level.path);
+  const Clock::Time started = operation_.clock.Now();
+  level.folder->CoverFreedBlocks([&] { return operation_.MayGoOn(level.path) && operation_.MayCover(); });
+  operation_.CoveringTook(operation_.clock.Now() - started);
 }
 
 void FolderWipe::CheckRemovable(Level& level) {

@@ -64,6 +64,7 @@ class FolderWipe {
   void CheckRemovable(Level& level);
   // Makes the removals in them durable.
   void FlushInPieces(std::span<const std::shared_ptr<Level>> levels);
+  void CoverFreedBlocks(Level& level);
   void RemoveFolders(std::span<const std::shared_ptr<Level>> levels);
   // Renames as many of them, from the first on, as the time allows. Gives their number.
   std::size_t RenameFolders(std::span<const std::shared_ptr<Level>> levels);

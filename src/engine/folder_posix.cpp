@@ -12,6 +12,7 @@
 #include <string_view>
 #include <utility>
 
+#include "engine/AlignedBuffer.h"
 #include "engine/attribute_posix.h"
 #include "engine/file_posix.h"
 #include "engine/use_posix.h"
@@ -185,6 +186,21 @@ bool PosixFolder::RoomForNames(NameRoom& room) {
   room.kind = volume_.namesStay->kind;
   room.bytes = static_cast<std::uint64_t>(facts.st_size);
   return true;
+}
+
+// By a file without a name, whose blocks are asked for one by one: each is the free one that is closest.
+void PosixFolder::CoverFreedBlocks(const std::function<bool()>& mayGoOn) {
+  constexpr std::uint64_t kBlocks = 64;
+  if (volume_.magic != kXfsMagic) return;
+  const UniqueFd file(::openat(fd_.Get(), ".", O_TMPFILE | O_RDWR | O_DIRECT | O_CLOEXEC, 0600));
+  if (!file.IsOpen()) return;
+  const std::size_t size = volume_.clusterBytes;
+  AlignedBuffer block(size, 0);
+  for (std::uint64_t i = 0; i < kBlocks && mayGoOn(); ++i) {
+    // Apart from each other in the file, or the next one would be wanted right behind the last one.
+    const auto offset = static_cast<off_t>(2 * i * size);
+    if (Retry([&] { return ::pwrite(file.Get(), block.First(size).data(), size, offset); }) < 0) return;
+  }
 }
 
 Status PosixFolder::CheckRegular(mode_t mode) {

@@ -63,6 +63,7 @@ class PosixFolder final : public Folder {
   void Storage(StorageInfo& storage) override;
 
   bool RoomForNames(NameRoom& room) override;
+  void CoverFreedBlocks(const std::function<bool()>& mayGoOn) override;
   // The device's number, which is never 0.
   std::uint64_t Log() const override { return volume_.isOrdered ? volume_.device : 0; }
 

@@ -23,7 +23,7 @@ BOOL CALLBACK CloseUnlessManager(HWND window, LPARAM manager) {
 
 }  // namespace
 
-Companion::Companion() : process_(&PumpMessages, L"Local\\Zeroquill.ExplorerManager") {
+Companion::Companion() : process_(&PumpBetweenSteps, L"Local\\Zeroquill.ExplorerManager") {
   state_.AppFolder = process_.ApplicationPath();
   if (!state_.AppFolder.ends_with('\\')) state_.AppFolder += '\\';
   wipe_.SetEngine(&engine_, &engine_);

@@ -1,5 +1,6 @@
 // drop_bench [FILES [RUNS]]: how long the QuickWipe Bin takes for a drop of 1,000 small files, and a job of
 // as many rows for the same: the real windows, files and engine, taking turns. Medians, in milliseconds.
+// drop_bench rows FOLDER: the seconds that a job takes of which each file beneath the folder is a row.
 #include <windows.h>
 #include <commctrl.h>
 #include <ole2.h>
@@ -8,12 +9,14 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "controls/MessageLoop.h"
+#include "controls/SystemLongWork.h"
 #include "core/main/frmMain.h"
 #include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32Regional.h"
@@ -30,7 +33,7 @@ namespace {
 struct Program {
   explicit Program(const std::string& folder) {
     fake.process.applicationPath = folder;
-    fake.process.onPump = [] { PumpMessages(); };
+    fake.process.onPump = [] { PumpBetweenSteps(); };
     Default<frmMain>::SetFactory([this] { return std::make_unique<frmMain>(state, platform); });
     Default<frmStatus>::SetFactory(
         [this] { return std::make_unique<frmStatus>(state, platform, Default<frmMain>::Touch().Driver()); });
@@ -47,7 +50,10 @@ struct Program {
   FakePlatform fake;
   Win32Files files;
   Win32Regional regional;
-  Platform platform{files, fake.boxes, fake.process, regional, fake.registry};
+  SystemLongWork longWork{[] {
+    return Default<frmMain>::IsLoaded() ? static_cast<Form&>(Default<frmMain>::Touch()).Handle() : nullptr;
+  }};
+  Platform platform{files, fake.boxes, fake.process, regional, fake.registry, longWork};
 };
 
 double MillisecondsOf(const std::function<void()>& work) {
@@ -74,49 +80,78 @@ double Median(std::vector<double> times) {
   return times[times.size() / 2];
 }
 
-int Run(int count, int runs) {
+// What is measured of it, with its windows shown, in a folder of its own.
+int WithProgram(const std::function<bool(Program&, const ScratchFolder&)>& measure) {
   const INITCOMMONCONTROLSEX classes{sizeof classes,
                                      ICC_WIN95_CLASSES | ICC_COOL_CLASSES | ICC_STANDARD_CLASSES};
   if (!::InitCommonControlsEx(&classes) || FAILED(::OleInitialize(nullptr))) return 1;
   const ScratchFolder scratch;
   scratch.Make("sfrun.dat", "");
   Program program(scratch.Path());
+  Default<frmMain>::Touch().Show();
+  PumpMessages();
+  const bool done = measure(program, scratch);
+  program.state.Settings.PromptToSave = 0;
+  Default<frmMain>::Touch().Unload();
+  Form::DestroyClosed();
+  return done ? 0 : 1;
+}
+
+double MillisecondsOfJob(Program& program, const std::vector<std::string>& paths) {
   frmMain& main = Default<frmMain>::Touch();
-  main.Show();
+  main.Jobs().Clear();
+  for (const std::string& path : paths) {
+    JobRow row;
+    row.NameAndLocation = path;
+    main.Jobs().Add(row);
+  }
+  PumpMessages();
+  program.fake.boxes.answers = {MessageAnswer::Ok, MessageAnswer::No};
+  return MillisecondsOf([&] { main.Driver().RunJobWipe(); });
+}
+
+bool CompareWithDrops(Program& program, const ScratchFolder& scratch, int count, int runs) {
   frmQuick& bin = Default<frmQuick>::Touch();
   bin.Show();
   PumpMessages();
-
   std::vector<double> drops;
   std::vector<double> jobs;
   for (int run = 0; run < runs; ++run) {
     const std::vector<std::string> dropped = MakeFiles(scratch, count);
     drops.push_back(MillisecondsOf([&] { bin.imgDrop_OLEDragDrop(dropped); }));
     const std::vector<std::string> rows = MakeFiles(scratch, count);
-    main.Jobs().Clear();
-    for (const std::string& path : rows) {
-      JobRow row;
-      row.NameAndLocation = path;
-      main.Jobs().Add(row);
-    }
-    PumpMessages();
-    program.fake.boxes.answers = {MessageAnswer::Ok, MessageAnswer::No};
-    jobs.push_back(MillisecondsOf([&] { main.Driver().RunJobWipe(); }));
-    if (!AllGone(dropped) || !AllGone(rows)) return 1;
+    jobs.push_back(MillisecondsOfJob(program, rows));
+    if (!AllGone(dropped) || !AllGone(rows)) return false;
   }
   std::printf("%d files of 4 KiB, %d runs, milliseconds\n", count, runs);
   std::printf("%-30s %8.0f\n%-30s %8.0f\n", "dropped on the Bin", Median(drops), "rows of a job",
               Median(jobs));
   bin.Unload();
-  program.state.Settings.PromptToSave = 0;
-  main.Unload();
-  Form::DestroyClosed();
-  return 0;
+  return true;
+}
+
+bool TimeRows(Program& program, const std::string& folder) {
+  std::vector<std::string> paths;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+    if (entry.is_regular_file()) paths.push_back(entry.path().string());
+  }
+  const double milliseconds = MillisecondsOfJob(program, paths);
+  std::printf("%.3f s, %zu rows\n", milliseconds / 1000, paths.size());
+  return !paths.empty() && AllGone(paths);
 }
 
 }  // namespace
 }  // namespace zq::test
 
 int main(int count, char** arguments) {
-  return zq::test::Run(count > 1 ? std::atoi(arguments[1]) : 1000, count > 2 ? std::atoi(arguments[2]) : 5);
+  using namespace zq::test;
+  if (count == 3 && std::string(arguments[1]) == "rows") {
+    return WithProgram(
+        [&](Program& program, const ScratchFolder&) { return TimeRows(program, arguments[2]); });
+  }
+  const int files = count > 1 ? std::atoi(arguments[1]) : 1000;
+  const int runs = count > 2 ? std::atoi(arguments[2]) : 5;
+  return WithProgram([&](Program& program, const ScratchFolder& scratch) {
+    return CompareWithDrops(program, scratch, files, runs);
+  });
 }

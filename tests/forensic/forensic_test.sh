@@ -12,10 +12,10 @@ source "$(dirname -- "${BASH_SOURCE[0]}")/uml.sh"
 
 tools=$1 kind=$3 all=${4:-}
 rm -f -- "$2/table.$kind.txt"  # that of an earlier run
-if [[ $kind == vfat && -z ${ZQ_IN_UML:-} ]] && ! have_file_system vfat && [[ $all == --all ]] && uml_have; then
-  say "this machine's kernel has no vfat: User Mode Linux has"
+if [[ $kind == @(vfat|f2fs) && -z ${ZQ_IN_UML:-} ]] && ! have_file_system "$kind" && [[ $all == --all ]] && uml_have; then
+  say "this machine's kernel has no $kind: User Mode Linux has"
   mkdir -p -- "$2"
-  uml_run "$2" "$(realpath -- "${BASH_SOURCE[0]}")" "$tools" /mnt/out vfat ${all:+"$all"}
+  uml_run "$2" "$(realpath -- "${BASH_SOURCE[0]}")" "$tools" /mnt/out "$kind" ${all:+"$all"}
   exit
 fi
 enter_own_space "${BASH_SOURCE[0]}" "$@"
@@ -234,7 +234,7 @@ judge() {
   local way=$1 status=0 files
   try "$way" || status=$?
   case $kind.$way in
-    btrfs.* | ext4-journal.as_user)
+    btrfs.* | f2fs.* | ext4-journal.as_user)
       # Refused, with a reason, and everything is as it was.
       ((status == 1)) || fault "$way: the wipe ended with $status where it should refuse"
       grep -q '^failed: .*in place, since .*' "$work/output" || fault "$way: no reason is given"

@@ -34,7 +34,7 @@ see_own_images() {
   find /sys/block -mindepth 1 -delete
   for device in /sys/class/block/*; do
     if [[ ${device##*/} == loop* ]]; then
-      image=$(cat -- "$device/loop/backing_file" 2>/dev/null) || continue
+      image=$(cat -- "$device/loop/backing_file" 2>/dev/null | tr -d '\0') || continue
       [[ -e $image ]] || continue
     fi
     ln -s -- "$(realpath -- "$device")" "/sys/block/${device##*/}"
@@ -62,7 +62,7 @@ have_file_system() { grep -qw -- "$1" /proc/filesystems || modprobe -q -- "$1" 2
 image_make() {
   local kind=$1 file=$2 size=${3:-48M}
   [[ $kind == xfs ]] && size=64M
-  [[ $kind == btrfs ]] && size=128M
+  [[ $kind == @(btrfs|f2fs) ]] && size=128M
   rm -f -- "$file"
   truncate --size="$size" -- "$file"
   case $kind in
@@ -74,6 +74,7 @@ image_make() {
     # Small ones aren't for use, as it says, but they are the same inside.
     xfs) mkfs.xfs -q -f --unsupported "$file" >/dev/null 2>&1 ;;
     btrfs) mkfs.btrfs -q -- "$file" >/dev/null ;;
+    f2fs) mkfs.f2fs -q "$file" >/dev/null ;;
     *) say "there is no kind of image '$kind'"; return 2 ;;
   esac
 }
@@ -84,6 +85,7 @@ image_need() {
     ext4 | ext4-*) need_tools mkfs.ext4 debugfs ;;
     xfs) need_tools mkfs.xfs xfs_db ;;
     btrfs) need_tools mkfs.btrfs ;;
+    f2fs) need_tools mkfs.f2fs ;;
     vfat) need_tools mkfs.vfat ;;
     ntfs)
       need_tools mkfs.ntfs ntfs-3g
@@ -99,6 +101,8 @@ image_mount() {
   case $1 in
     ext4) mount -o loop,data=ordered -- "$2" "$3" ;;
     ext4-journal) mount -t ext4 -o loop,data=journal -- "$2" "$3" ;;
+    # What is given back must be there to be found: not all of it would be if it were discarded.
+    f2fs) mount -t f2fs -o loop,nodiscard -- "$2" "$3" ;;
     ext4-inline | ext4-bigalloc) mount -t ext4 -o loop -- "$2" "$3" ;;
     ntfs)
       # On a device, as it is in use: it looks different from here without one. Detached when it is mounted, the

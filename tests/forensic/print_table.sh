@@ -5,7 +5,7 @@ awk '
   function cell(kind, way) { return refused[kind, way] ? "refused" : (kind, way) in sectors ? sectors[kind, way] " / " names[kind, way] : "" }
   $1 != "system" { sectors[$1, $2] = $3; names[$1, $2] = $4; refused[$1, $2] = $NF == "refused" }
   END {
-    kinds = split("ext4 ext4-journal vfat ntfs xfs btrfs", kind)
+    kinds = split("ext4 ext4-journal vfat ntfs xfs btrfs f2fs", kind)
     ways = split("rm shred wipe srm wipe_tool as_user", way)
     title["rm"] = "`rm -rf`"; title["shred"] = "`shred -u`, `rm -r`"; title["wipe"] = "`wipe -rf`"
     title["srm"] = "`srm -r`"; title["wipe_tool"] = "this engine, as root"; title["as_user"] = "this engine, without privileges"

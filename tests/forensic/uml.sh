@@ -21,7 +21,8 @@ ln -s /proc/self/fd /dev/fd
 mount -t tmpfs -o mode=1777 tmp /var/tmp
 mkdir /mnt/out
 mount -t hostfs -o $(printf %q "$folder") none /mnt/out
-for name in drivers/block/loop fs/nls/nls_cp437 fs/nls/nls_ascii fs/nls/nls_iso8859-1 fs/fat/fat fs/fat/vfat; do
+for name in drivers/block/loop fs/nls/nls_cp437 fs/nls/nls_ascii fs/nls/nls_iso8859-1 fs/fat/fat fs/fat/vfat \\
+  crypto/crc32_generic fs/f2fs/f2fs; do
   # init_module by its number: the programs that load modules are not everywhere.
   file=$(printf %q "$modules")/kernel/\$name.ko
   [[ -f \$file ]] && perl -e 'open F, "<", \$ARGV[0] or die; my \$o = ""; syscall(313, fileno(F), \$o, 0)' "\$file"

@@ -42,7 +42,7 @@ class ProgressBarExTest : public testing::Test {
   frmBars form_;
 };
 
-TEST_F(ProgressBarExTest, KeepsTheSystemControlsPositionForScreenReaders) {
+TEST_F(ProgressBarExTest, TellsItsPositionToScreenReaders) {
   form_.pbCurrent.SetValue(42);
   EXPECT_EQ(SystemPosition(), 42);
 }

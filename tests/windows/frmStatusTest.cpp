@@ -62,6 +62,63 @@ TEST_F(frmStatusTest, OpensWithItsTexts) {
   EXPECT_EQ(text(IDC_frmStatus_Label3), "Overall Items");
 }
 
+// How often the label's text is drawn.
+int drawings = 0;
+LRESULT CALLBACK CountDrawings(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+  if (message == WM_DRAWITEM) ++drawings;
+  return ::DefSubclassProc(hwnd, message, wParam, lParam);
+}
+
+TEST_F(frmStatusTest, DrawsATextWhenTheWindowIsPainted) {
+  statusWindow_.Show();
+  PumpMessages();
+  frmStatus& form = Default<frmStatus>::Touch();
+  ASSERT_TRUE(::SetWindowSubclass(form.Handle(), &CountDrawings, 1, 0));
+  drawings = 0;
+  for (int i = 0; i < 10; ++i) statusWindow_.SetStatus("Processed " + std::to_string(i));
+  EXPECT_EQ(form.lblStatus.Text(), "Processed 9");
+  EXPECT_EQ(drawings, 0);
+  PumpMessages();
+  EXPECT_GT(drawings, 0);
+  const int before = drawings;
+  statusWindow_.SetStatus("Creating Report Data...Please Wait...");
+  statusWindow_.Repaint();
+  EXPECT_GT(drawings, before);
+}
+
+TEST_F(frmStatusTest, IsPaintedAtTimesBetweenTheStepsOfWork) {
+  statusWindow_.Show();
+  PumpMessages();
+  ASSERT_TRUE(::SetWindowSubclass(Default<frmStatus>::Touch().Handle(), &CountDrawings, 1, 0));
+  drawings = 0;
+  const ULONGLONG started = ::GetTickCount64();
+  for (int i = 0; i < 500; ++i) {
+    statusWindow_.SetStatus("Processed " + std::to_string(i));
+    PumpBetweenSteps();
+  }
+  EXPECT_LE(static_cast<ULONGLONG>(drawings), (::GetTickCount64() - started) / 30 + 1);
+  constexpr ULONGLONG kLimit = 60'000;
+  for (int i = 0; i < 3; ++i) {
+    const int before = drawings;
+    statusWindow_.SetStatus("Processed again " + std::to_string(i));
+    while (drawings == before && ::GetTickCount64() - started < kLimit) PumpBetweenSteps();
+    EXPECT_GT(drawings, before);
+  }
+}
+
+TEST_F(frmStatusTest, TakesAClickOnCancelAtEachStepOfWork) {
+  statusWindow_.Show();
+  PumpMessages();
+  frmStatus& form = Default<frmStatus>::Touch();
+  for (std::size_t i = 1; i <= 5; ++i) {
+    fake_.boxes.answers = {MessageAnswer::No};
+    ::PostMessageW(form.Handle(), WM_COMMAND, MAKEWPARAM(form.cmdCancel.Id(), BN_CLICKED),
+                   reinterpret_cast<LPARAM>(form.cmdCancel.Handle()));
+    PumpBetweenSteps();
+    EXPECT_EQ(fake_.boxes.shown.size(), i);
+  }
+}
+
 TEST_F(frmStatusTest, CloseBoxIsRefusedWithoutAWordWhileCancelIsDisabled) {
   statusWindow_.SetCancelEnabled(false);
   PressCloseBox();

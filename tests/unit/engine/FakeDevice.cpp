@@ -495,6 +495,9 @@ class FakeFolder final : public Folder {
   }
 
   Status Flush() override { return device_.Begin("flush folder", path_); }
+  void CoverFreedBlocks(const std::function<bool()>& mayGoOn) override {
+    if (mayGoOn()) device_.coveredFreed.emplace_back(path_, device_.ops.size());
+  }
 
   Status Space(SpaceInfo& space) override {
     if (Status status = device_.Begin("space", path_); !status.Ok()) return status;

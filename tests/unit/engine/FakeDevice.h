@@ -152,6 +152,8 @@ class FakeDevice final : public Device {
   std::vector<bool> takenRecords;  // empty until the first one is
   std::vector<int> recordPasses;   // of each, of writes that it had; as many as there are records
   Clock::Time clearedFor{0};
+  std::vector<std::pair<std::string, std::size_t>>
+      coveredFreed;  // folders, each with the number of ops before
   int openHandles = 0;
   std::uint64_t FreeBytes() const;
   bool ReserveIsGivenOut() const { return reserveBytes == 0 || !reserveGiven_.expired(); }

@@ -53,6 +53,36 @@ TEST(FolderWipe, MakesTheRemovalsInAFolderDurableBeforeTheFolderGoes) {
   EXPECT_EQ(rig.device.ops.back().path, "/safe/");
 }
 
+// What a folder gives back has its names, but for one that had nothing in it; before its removals are durable
+// the system doesn't give that to others.
+TEST(FolderWipe, CoversWhatFoldersGaveBackOnceTheirRemovalsAreDurable) {
+  EngineRig rig;
+  MakeTree(rig.device);
+  ASSERT_TRUE(rig.engine.WipeFolder("/safe/docs", 3));
+  std::vector<std::string> covered;
+  for (const auto& [path, before] : rig.device.coveredFreed) {
+    covered.push_back(path);
+    std::size_t flushed = 0;
+    for (std::size_t i = 0; i < before; ++i) {
+      const Op& op = rig.device.ops[i];
+      if (op.kind == "flush folder" && op.path == path) flushed = i;
+      if (op.kind == "remove" && op.path.starts_with(path + '/')) flushed = 0;
+      EXPECT_FALSE(op.kind == "remove entry" && op.path == path) << path;
+    }
+    EXPECT_GT(flushed, 0u) << path;
+  }
+  EXPECT_THAT(covered,
+              ::testing::UnorderedElementsAre("/safe/docs", "/safe/docs/deep", "/safe/docs/deep/deeper"));
+}
+
+TEST(FolderWipe, CoversNothingOfAFolderThatStays) {
+  EngineRig rig;
+  MakeTree(rig.device);
+  rig.device.Find("/safe/docs/deep/deeper/c.txt")->readOnly = true;
+  EXPECT_FALSE(rig.engine.WipeFolder("/safe/docs", 3));
+  EXPECT_THAT(rig.device.coveredFreed, IsEmpty());
+}
+
 TEST(FolderWipe, ReplacesTheNamesOfFoldersBeforeTheyGo) {
   EngineRig rig;
   rig.device.MakeFolder("/safe/private");
