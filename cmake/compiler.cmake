@@ -22,6 +22,17 @@ if(WIN32)
     -Wl,--dynamicbase -Wl,--high-entropy-va -Wl,--nxcompat -Wl,--tsaware)
 endif()
 
+# The program counts what it has, and tells who asks: for the soak, and for whoever looks for a leak.
+if(WIN32 AND CMAKE_BUILD_TYPE STREQUAL "Debug")
+  set(counters ON)
+else()
+  set(counters OFF)
+endif()
+option(ZQ_COUNTERS "Count the handles, GDI and COM objects, windows and memory that the program has" ${counters})
+if(ZQ_COUNTERS)
+  target_compile_definitions(zq_options INTERFACE ZQ_COUNTERS)
+endif()
+
 # -O3 makes nothing here faster, the devices being what is waited for, and all of it larger.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 # zq_symbols_apart(TARGET): of a release's program the symbols go to TARGET.debug beside it, and it knows them there.

@@ -13,6 +13,9 @@
 #include "controls/SystemLongWork.h"
 #include "core/main/frmMain.h"
 #include "core/state/DataFolder.h"
+#ifdef ZQ_COUNTERS
+#include "debug/CountersWindow_win32.h"
+#endif
 #include "help/HelpFrontEnd.h"
 #include "help/HelpMachine_win32.h"
 #include "help/HelpViewer_win32.h"
@@ -143,6 +146,9 @@ void TellForms(Program& program) {
 }
 
 void Run() {
+#ifdef ZQ_COUNTERS
+  debug::AnswerWithCounters();
+#endif
   static Program program;
   TellForms(program);
   Default<frmOpen>::Touch().Show();

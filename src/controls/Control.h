@@ -55,6 +55,7 @@ class Control {
   Form& form_;
   const int id_;
   HWND hwnd_ = nullptr;
+  [[no_unique_address]] debug::Alive<debug::Kind::Control> alive_;
 };
 
 class Label : public Control {

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "controls/WindowDc.h"
+
 namespace zq {
 namespace {
 
@@ -66,14 +68,12 @@ UniqueFont DialogScaling::FontAt(int dpi) const {
 DialogScaling::Units DialogScaling::UnitsOf(HFONT font) const {
   constexpr std::wstring_view kLetters = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
   constexpr int kLettersInAlphabet = 26;
-  const HDC context = ::GetDC(dialog_);
-  const HGDIOBJ before = ::SelectObject(context, font);
+  const WindowDc context(dialog_);
+  const SelectedObject selected(context.Get(), font);
   TEXTMETRICW metrics{};
-  ::GetTextMetricsW(context, &metrics);
+  ::GetTextMetricsW(context.Get(), &metrics);
   SIZE size{};
-  ::GetTextExtentPoint32W(context, kLetters.data(), static_cast<int>(kLetters.size()), &size);
-  ::SelectObject(context, before);
-  ::ReleaseDC(dialog_, context);
+  ::GetTextExtentPoint32W(context.Get(), kLetters.data(), static_cast<int>(kLetters.size()), &size);
   return {(static_cast<int>(size.cx) / kLettersInAlphabet + 1) / 2, static_cast<int>(metrics.tmHeight)};
 }
 

@@ -146,18 +146,23 @@ class DropTarget::Target final : public ComObject<IDropTarget> {
   ComPointer<IDropTargetHelper> picture_;
 };
 
+DropTarget::DropTarget() = default;
+
+DropTarget::~DropTarget() {
+  Revoke();
+}
+
 void DropTarget::Register(HWND hwnd, std::function<void(const DroppedPaths&)> dropped, When when) {
   hwnd_ = hwnd;
-  target_ = new Target(*this, hwnd, std::move(dropped), when);
-  ::RegisterDragDrop(hwnd, target_);
+  target_.reset(new Target(*this, hwnd, std::move(dropped), when));
+  ::RegisterDragDrop(hwnd, target_.get());
 }
 
 void DropTarget::Revoke() {
   if (!target_) return;
   ::RevokeDragDrop(hwnd_);
   target_->Leave();
-  target_->Release();
-  target_ = nullptr;
+  target_.reset();
 }
 
 }  // namespace zq

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "controls/DroppedPaths.h"
+#include "platform/win32/UniqueHandle.h"
 
 namespace zq {
 
@@ -20,10 +21,10 @@ class DropTarget {
   // held up by what happens to the paths, or inside the drop, so that it waits for that.
   enum class When { Later, Inside };
 
-  DropTarget() = default;
+  DropTarget();
   DropTarget(const DropTarget&) = delete;
   DropTarget& operator=(const DropTarget&) = delete;
-  ~DropTarget() { Revoke(); }
+  ~DropTarget();
 
   // Files that would be taken are over the window, or no longer.
   std::function<void(bool over)> Hover;
@@ -36,7 +37,7 @@ class DropTarget {
 
  private:
   class Target;
-  Target* target_ = nullptr;
+  ComPointer<Target> target_;
   HWND hwnd_ = nullptr;
   bool accepting_ = true;
 };

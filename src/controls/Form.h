@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "controls/DialogScaling.h"
+#include "debug/LiveCount.h"
 
 namespace zq {
 
@@ -101,6 +102,7 @@ class Form {
   std::vector<Control*> controls_;
   DialogScaling scaling_;
   std::function<void()> closed_;
+  [[no_unique_address]] debug::Alive<debug::Kind::Form> alive_;
 };
 
 }  // namespace zq

@@ -6,6 +6,7 @@
 #include <cwchar>
 
 #include "controls/Pictures.h"
+#include "platform/win32/UniqueHandle.h"
 
 namespace zq {
 namespace {
@@ -15,11 +16,17 @@ constexpr int kCaptionUnits = 100;
 // From the item's edge to its caption at 96 dpi.
 constexpr int kMargin = 6;
 
+struct ThemeTraits {
+  using Type = HTHEME;
+  static constexpr debug::Kind kKind = debug::Kind::Theme;
+  static Type Invalid() { return nullptr; }
+  static void Close(Type theme) { ::CloseThemeData(theme); }
+};
+
 void PaintGround(HWND header, HDC context, const RECT& rect) {
-  const HTHEME theme = ::OpenThemeData(header, L"HEADER");
+  const UniqueHandle<ThemeTraits> theme(::OpenThemeData(header, L"HEADER"));
   if (theme) {
-    ::DrawThemeBackground(theme, context, HP_HEADERITEM, HIS_NORMAL, &rect, nullptr);
-    ::CloseThemeData(theme);
+    ::DrawThemeBackground(theme.Get(), context, HP_HEADERITEM, HIS_NORMAL, &rect, nullptr);
     return;
   }
   RECT edge = rect;

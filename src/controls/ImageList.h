@@ -7,22 +7,23 @@
 #include <utility>
 
 #include "controls/Pictures.h"
+#include "platform/win32/UniqueHandle.h"
 
 namespace zq {
 
+struct ImageListTraits {
+  using Type = HIMAGELIST;
+  static constexpr debug::Kind kKind = debug::Kind::ImageList;
+  static Type Invalid() { return nullptr; }
+  static void Close(Type images) { ::ImageList_Destroy(images); }
+};
+
 class ImageList {
  public:
-  ImageList() = default;
-  ImageList(const ImageList&) = delete;
-  ImageList& operator=(const ImageList&) = delete;
-  ~ImageList() {
-    if (images_) ::ImageList_Destroy(images_);
-  }
-
   // `pixels` square.
   void Create(int pixels) {
     pixels_ = pixels;
-    images_ = ::ImageList_Create(pixels, pixels, ILC_COLOR32 | ILC_MASK, 4, 16);
+    images_.Reset(::ImageList_Create(pixels, pixels, ILC_COLOR32 | ILC_MASK, 4, 16));
   }
 
   void Swap(ImageList& other) {
@@ -30,7 +31,7 @@ class ImageList {
     std::swap(pixels_, other.pixels_);
   }
 
-  HIMAGELIST Handle() const { return images_; }
+  HIMAGELIST Handle() const { return images_.Get(); }
   int Pixels() const { return pixels_; }
 
   void AddPicture(const char* name) { AddIcon(LoadPicture(name, pixels_).Get()); }
@@ -39,7 +40,7 @@ class ImageList {
   void AddIcon(HICON icon);
 
  private:
-  HIMAGELIST images_ = nullptr;
+  UniqueHandle<ImageListTraits> images_;
   int pixels_ = 0;
 };
 

@@ -4,6 +4,7 @@
 
 #include "controls/HeaderPainter.h"
 #include "controls/RowPainter.h"
+#include "controls/WindowDc.h"
 #include "platform/win32/RunTimeErrorReport.h"
 #include "platform/win32/Wide.h"
 
@@ -55,9 +56,7 @@ LRESULT ListView::Receive(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_PAINT: {
       const LRESULT result = ::DefSubclassProc(Handle(), message, wParam, lParam);
       if (!EmptyText.empty() && RowCount() == 0) {
-        const HDC context = ::GetDC(Handle());
-        PaintEmptyText(Handle(), context, EmptyText);
-        ::ReleaseDC(Handle(), context);
+        PaintEmptyText(Handle(), WindowDc(Handle()).Get(), EmptyText);
       }
       return result;
     }

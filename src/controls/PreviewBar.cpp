@@ -7,6 +7,7 @@
 
 #include "controls/Control.h"
 #include "controls/Pictures.h"
+#include "controls/WindowDc.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/Wide.h"
 
@@ -58,12 +59,10 @@ void SetTextIfOther(HWND window, const std::wstring& text) {
 
 // The height of a line in the font, in pixels.
 int LineHeight(HWND window, HFONT font) {
-  const HDC dc = ::GetDC(window);
-  const HGDIOBJ before = ::SelectObject(dc, font);
+  const WindowDc context(window);
+  const SelectedObject selected(context.Get(), font);
   TEXTMETRICW metrics{};
-  ::GetTextMetricsW(dc, &metrics);
-  ::SelectObject(dc, before);
-  ::ReleaseDC(window, dc);
+  ::GetTextMetricsW(context.Get(), &metrics);
   return static_cast<int>(metrics.tmHeight);
 }
 

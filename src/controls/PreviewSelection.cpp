@@ -4,6 +4,7 @@
 
 #include "controls/PreviewWindow.h"
 #include "controls/document/Characters.h"
+#include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -17,17 +18,14 @@ constexpr const char* kNotCopied = "The text was not copied.  There is not enoug
 // On the open clipboard, as its only content.
 bool PutText(const std::wstring& text) {
   const std::size_t bytes = (text.size() + 1) * sizeof(wchar_t);
-  const HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, bytes);
-  if (!memory) return false;
-  void* place = ::GlobalLock(memory);
-  if (place) {
-    std::memcpy(place, text.c_str(), bytes);
-    ::GlobalUnlock(memory);
-    // What the clipboard takes belongs to it.
-    if (::SetClipboardData(CF_UNICODETEXT, memory)) return true;
-  }
-  ::GlobalFree(memory);
-  return false;
+  UniqueGlobalMemory memory(::GlobalAlloc(GMEM_MOVEABLE, bytes));
+  void* const place = memory ? ::GlobalLock(memory.Get()) : nullptr;
+  if (!place) return false;
+  std::memcpy(place, text.c_str(), bytes);
+  ::GlobalUnlock(memory.Get());
+  if (!::SetClipboardData(CF_UNICODETEXT, memory.Get())) return false;
+  memory.Release();  // the clipboard's from now on
+  return true;
 }
 
 }  // namespace

@@ -17,13 +17,6 @@ constexpr const char* kNoPrinter =
     "There is no printer that the report could be printed on.  Add a printer in Windows' settings, and print "
     "again.";
 
-struct GlobalMemoryTraits {
-  using Type = HGLOBAL;
-  static Type Invalid() { return nullptr; }
-  static void Close(Type handle) { ::GlobalFree(handle); }
-};
-using UniqueGlobalMemory = UniqueHandle<GlobalMemoryTraits>;
-
 // A locked block of memory that the dialog has given out.
 template <class Content>
 class Locked {

@@ -5,6 +5,7 @@
 
 #include "controls/ProgressColours.h"
 #include "controls/SystemColours.h"
+#include "controls/WindowDc.h"
 #include "platform/win32/UniqueHandle.h"
 
 namespace zq {
@@ -80,11 +81,12 @@ LRESULT CALLBACK ProgressBarEx::SubclassProcedure(HWND hwnd, UINT message, WPARA
 void ProgressBarEx::Paint(HDC target) const {
   RECT client{};
   ::GetClientRect(Handle(), &client);
-  const HDC context = ::CreateCompatibleDC(target);
   const UniqueBitmap bitmap(::CreateCompatibleBitmap(target, client.right, client.bottom));
-  const HGDIOBJ bitmapBefore = ::SelectObject(context, bitmap.Get());
-  const auto font = reinterpret_cast<HFONT>(::SendMessageW(form().Handle(), WM_GETFONT, 0, 0));
-  const HGDIOBJ fontBefore = ::SelectObject(context, font);
+  const UniqueDc memory(::CreateCompatibleDC(target));
+  const HDC context = memory.Get();
+  const SelectedObject canvas(context, bitmap.Get());
+  const SelectedObject font(context,
+                            reinterpret_cast<HFONT>(::SendMessageW(form().Handle(), WM_GETFONT, 0, 0)));
   ::SetBkMode(context, TRANSPARENT);
 
   const bool contrastTheme = ContrastTheme();
@@ -119,9 +121,6 @@ void ProgressBarEx::Paint(HDC target) const {
   drawText(done, colours.textOnBar);
 
   ::BitBlt(target, 0, 0, client.right, client.bottom, context, 0, 0, SRCCOPY);
-  ::SelectObject(context, fontBefore);
-  ::SelectObject(context, bitmapBefore);
-  ::DeleteDC(context);
 }
 
 }  // namespace zq

@@ -6,6 +6,7 @@
 #include "controls/Pictures.h"
 #include "controls/RowColours.h"
 #include "controls/SystemColours.h"
+#include "controls/WindowDc.h"
 #include "platform/win32/UniqueHandle.h"
 #include "platform/win32/Wide.h"
 
@@ -132,13 +133,10 @@ void PaintRow(HWND list, HDC context, const PaintedRow& row) {
 }
 
 bool IsShortened(HWND list, int place, const std::string& text) {
-  const HDC context = ::GetDC(list);
-  const HGDIOBJ before = ::SelectObject(context, FontOf(list));
+  const WindowDc context(list);
+  const SelectedObject font(context.Get(), FontOf(list));
   const RECT label = LabelOf(list, place);
-  const bool fits = RoomFor(context, label.right - label.left)(text);
-  ::SelectObject(context, before);
-  ::ReleaseDC(list, context);
-  return !fits;
+  return !RoomFor(context.Get(), label.right - label.left)(text);
 }
 
 void PaintEmptyText(HWND list, HDC context, const std::string& text) {

@@ -5,6 +5,7 @@
 
 #include "controls/Ellipsis.h"
 #include "controls/RowPainter.h"
+#include "controls/WindowDc.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -27,19 +28,15 @@ int WidestLine(HWND list) {
 
 // The path in lines that a tip has room for.
 std::wstring InLines(HWND list, HWND tip, const std::string& path) {
-  const HDC context = ::GetDC(tip);
-  const HGDIOBJ before =
-      ::SelectObject(context, reinterpret_cast<HFONT>(::SendMessageW(tip, WM_GETFONT, 0, 0)));
+  const WindowDc context(tip);
+  const SelectedObject font(context.Get(), reinterpret_cast<HFONT>(::SendMessageW(tip, WM_GETFONT, 0, 0)));
   const int widest = WidestLine(list);
-  const std::string folded = FoldedPath(path, [&](const std::string& text) {
+  return ToWide(FoldedPath(path, [&](const std::string& text) {
     const std::wstring wide = ToWide(text);
     SIZE size{};
-    ::GetTextExtentPoint32W(context, wide.c_str(), static_cast<int>(wide.size()), &size);
+    ::GetTextExtentPoint32W(context.Get(), wide.c_str(), static_cast<int>(wide.size()), &size);
     return size.cx <= widest;
-  });
-  ::SelectObject(context, before);
-  ::ReleaseDC(tip, context);
-  return ToWide(folded);
+  }));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 
 #include "controls/MenuBar.h"
 #include "controls/Pictures.h"
+#include "controls/WindowDc.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -17,10 +18,6 @@ constexpr int kLargePicture = 32;
 constexpr int kButtonMargin = 5;  // on either side of a caption
 
 }  // namespace
-
-ToolBands::~ToolBands() {
-  if (pictures_) ::ImageList_Destroy(pictures_);
-}
 
 void ToolBands::Create(HWND owner, std::span<const Tool> tools, std::span<const std::string_view> names,
                        UINT firstId) {
@@ -74,33 +71,29 @@ void ToolBands::LoadPictures(int dpi) {
   dpi_ = dpi;
   const int large = ScaleForDpi(kLargePicture, dpi);
   const auto font = static_cast<WPARAM>(::SendMessageW(owner_, WM_GETFONT, 0, 0));
-  const HIMAGELIST pictures = ::ImageList_Create(large, large, ILC_COLOR32 | ILC_MASK, 8, 4);
-  for (const Tool* tool : tools_) {
-    const UniqueIcon icon = LoadPicture(std::string(tool->largePicture).c_str(), large);
-    ::ImageList_ReplaceIcon(pictures, -1, icon.Get());
-  }
+  ImageList former;  // shown until the bands have the new one
+  former.Swap(pictures_);
+  pictures_.Create(large);
+  for (const Tool* tool : tools_) pictures_.AddPicture(std::string(tool->largePicture).c_str());
   for (const HWND band : bands_) {
     ::SendMessageW(band, WM_SETFONT, font, FALSE);
-    ::SendMessageW(band, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures));
+    ::SendMessageW(band, TB_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(pictures_.Handle()));
     SizeButtons(band);
     ::SendMessageW(band, TB_AUTOSIZE, 0, 0);
   }
-  if (pictures_) ::ImageList_Destroy(pictures_);
-  pictures_ = pictures;
   menuPictures_.Load(tools_, firstId_, dpi, PresentMenuLook());
   SizeBands();
 }
 
 // A width for each, since the room that the system gives to captions doesn't grow with the resolution.
 void ToolBands::SizeButtons(HWND band) {
-  const HDC screen = ::GetDC(band);
-  const HGDIOBJ before =
-      ::SelectObject(screen, reinterpret_cast<HFONT>(::SendMessageW(band, WM_GETFONT, 0, 0)));
+  const WindowDc screen(band);
+  const SelectedObject font(screen.Get(), reinterpret_cast<HFONT>(::SendMessageW(band, WM_GETFONT, 0, 0)));
   for (std::size_t i = 0; i < tools_.size(); ++i) {
     if (bandOfTool_[i] != band) continue;
     const std::wstring caption = ToWide(tools_[i]->caption);
     SIZE size{};
-    ::GetTextExtentPoint32W(screen, caption.c_str(), static_cast<int>(caption.size()), &size);
+    ::GetTextExtentPoint32W(screen.Get(), caption.c_str(), static_cast<int>(caption.size()), &size);
     TBBUTTONINFOW button{};
     button.cbSize = sizeof button;
     button.dwMask = TBIF_SIZE;
@@ -108,8 +101,6 @@ void ToolBands::SizeButtons(HWND band) {
                                   2 * ScaleForDpi(kButtonMargin, dpi_));
     ::SendMessageW(band, TB_SETBUTTONINFOW, firstId_ + i, reinterpret_cast<LPARAM>(&button));
   }
-  ::SelectObject(screen, before);
-  ::ReleaseDC(band, screen);
 }
 
 // Makes the bands where they are missing, and tells the bar how large each one's tools are now.

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "controls/BarLayout.h"
+#include "controls/ImageList.h"
 #include "controls/MenuPictures.h"
 #include "controls/Tools.h"
 
@@ -20,7 +21,6 @@ class ToolBands {
   ToolBands() = default;
   ToolBands(const ToolBands&) = delete;
   ToolBands& operator=(const ToolBands&) = delete;
-  ~ToolBands();
 
   // Makes the bands in `owner`, to which their commands and notifications go. The tools are commands from
   // `firstId` on, in order; a separator begins a further band. `tools` stays where it is for as long as the
@@ -73,7 +73,7 @@ class ToolBands {
   std::vector<HWND> bands_;         // their windows; band 1 is the first
   std::vector<const Tool*> tools_;  // the id is the place here behind the first
   std::vector<HWND> bandOfTool_;    // beside `tools_`
-  HIMAGELIST pictures_ = nullptr;
+  ImageList pictures_;
   MenuPictures menuPictures_;  // of what a chevron's menu shows
   int dpi_ = 96;               // that the bands are sized for
 };

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "debug/LiveCount.h"
 #include "engine/system_win32.h"
 
 namespace zq::engine::win32 {
@@ -80,6 +81,11 @@ bool NameOfObject(HANDLE handle, std::wstring& path) {
   return true;
 }
 
+HANDLE Counted(HANDLE opened) {
+  debug::Count(debug::Kind::File, 1);
+  return opened;
+}
+
 class SystemCalls final : public WindowsCalls {
  public:
   SystemCalls() { ShowPlaceholders(); }
@@ -88,18 +94,21 @@ class SystemCalls final : public WindowsCalls {
     const HANDLE opened = ::CreateFileW(path.c_str(), how.access, how.share, nullptr, how.disposition,
                                         how.flags | FILE_ATTRIBUTE_NORMAL, nullptr);
     if (opened == INVALID_HANDLE_VALUE) return ::GetLastError();
-    handle = opened;
+    handle = Counted(opened);
     return kSuccess;
   }
 
   Code Reopen(SystemHandle handle, const Opening& how, SystemHandle& again) override {
     const HANDLE opened = ::ReOpenFile(handle, how.access, how.share, how.flags);
     if (opened == INVALID_HANDLE_VALUE) return ::GetLastError();
-    again = opened;
+    again = Counted(opened);
     return kSuccess;
   }
 
-  void Close(SystemHandle handle) override { ::CloseHandle(handle); }
+  void Close(SystemHandle handle) override {
+    debug::Count(debug::Kind::File, -1);
+    ::CloseHandle(handle);
+  }
 
   Code FinalPath(SystemHandle handle, std::uint32_t form, std::wstring& path) override {
     path.resize(MAX_PATH);

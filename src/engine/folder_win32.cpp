@@ -17,6 +17,21 @@ namespace {
 
 Status OpenFolderIn(const FolderPlace& above, const std::wstring& name, std::unique_ptr<Folder>& folder);
 
+class Search {
+ public:
+  explicit Search(HANDLE search) : search_(search) {}
+  ~Search() {
+    if (search_ != INVALID_HANDLE_VALUE) ::FindClose(search_);
+  }
+  Search(const Search&) = delete;
+  Search& operator=(const Search&) = delete;
+  HANDLE Get() const { return search_; }
+
+ private:
+  HANDLE search_;
+  [[no_unique_address]] debug::Alive<debug::Kind::Search> alive_;
+};
+
 class WindowsFolder final : public Folder {
  public:
   WindowsFolder(SystemHandle handle, FolderPlace place) : handle_(handle), place_(std::move(place)) {}
@@ -35,9 +50,9 @@ class WindowsFolder final : public Folder {
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};
-    const HANDLE search = ::FindFirstFileExW(JoinWide(place_.path, L"*").c_str(), FindExInfoBasic, &data,
-                                             FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH);
-    if (search == INVALID_HANDLE_VALUE) {
+    const Search search(::FindFirstFileExW(JoinWide(place_.path, L"*").c_str(), FindExInfoBasic, &data,
+                                           FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH));
+    if (search.Get() == INVALID_HANDLE_VALUE) {
       const DWORD code = ::GetLastError();
       return code == ERROR_FILE_NOT_FOUND ? Status{} : FromCode(code);  // an empty root
     }
@@ -45,9 +60,8 @@ class WindowsFolder final : public Folder {
       const std::wstring name = data.cFileName;
       if (name == L"." || name == L"..") continue;
       entries.push_back({Narrow(name), KindOf(FactsOf(data.dwFileAttributes, data.dwReserved0))});
-    } while (::FindNextFileW(search, &data) != 0);
+    } while (::FindNextFileW(search.Get(), &data) != 0);
     const DWORD code = ::GetLastError();
-    ::FindClose(search);
     return code == ERROR_NO_MORE_FILES ? Status{} : FromCode(code);
   }
 

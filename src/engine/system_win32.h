@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "debug/LiveCount.h"
 #include "engine/Device.h"
 
 namespace zq::engine::win32 {
@@ -25,7 +26,7 @@ Status LastError();
 class UniqueHandle {
  public:
   UniqueHandle() = default;
-  explicit UniqueHandle(HANDLE handle) : handle_(handle) {}
+  explicit UniqueHandle(HANDLE handle) : handle_(handle) { Count(1); }
   UniqueHandle(UniqueHandle&& other) noexcept : handle_(std::exchange(other.handle_, INVALID_HANDLE_VALUE)) {}
   UniqueHandle& operator=(UniqueHandle&& other) noexcept {
     std::swap(handle_, other.handle_);
@@ -35,12 +36,17 @@ class UniqueHandle {
 
   void Reset() {
     if (IsOpen()) ::CloseHandle(handle_);
+    Count(-1);
     handle_ = INVALID_HANDLE_VALUE;
   }
   HANDLE Get() const { return handle_; }
   bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
 
  private:
+  void Count(int change) const {
+    if (IsOpen()) debug::Count(debug::Kind::KernelHandle, change);
+  }
+
   HANDLE handle_ = INVALID_HANDLE_VALUE;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "controls/Pictures.h"
+#include "controls/WindowDc.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -21,18 +22,16 @@ void frmQuickErrors::AddLines(const std::vector<std::string>& lines) {
 
 // The longest line can be read to its end, by scrolling.
 void frmQuickErrors::FitWidth() {
-  const HDC context = ::GetDC(List1.Handle());
-  const HGDIOBJ before =
-      ::SelectObject(context, reinterpret_cast<HFONT>(::SendMessageW(List1.Handle(), WM_GETFONT, 0, 0)));
+  const WindowDc context(List1.Handle());
+  const SelectedObject font(context.Get(),
+                            reinterpret_cast<HFONT>(::SendMessageW(List1.Handle(), WM_GETFONT, 0, 0)));
   LONG widest = 0;
   for (const std::string& line : lines_) {
     const std::wstring text = ToWide(line);
     SIZE size{};
-    ::GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+    ::GetTextExtentPoint32W(context.Get(), text.c_str(), static_cast<int>(text.size()), &size);
     widest = std::max(widest, size.cx);
   }
-  ::SelectObject(context, before);
-  ::ReleaseDC(List1.Handle(), context);
   constexpr int kEdge = 8;
   ::SendMessageW(List1.Handle(), LB_SETHORIZONTALEXTENT,
                  static_cast<WPARAM>(widest + ScaleForDpi(kEdge, Dpi())), 0);

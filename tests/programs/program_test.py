@@ -100,6 +100,13 @@ def symbols(program):
     expect({"window": "WinMain", "console": "main"}[KIND] in pe.Program(beside).symbols(), f"{beside.name} is empty")
 
 
+def counters(path):
+    """What debug builds tell of themselves to who asks is not in here."""
+    header = (SOURCE / "src/debug/CountersWindow_win32.h").read_text()
+    name = re.search(r'kCountersClass\[\] = L"(\w+)"', header)[1]
+    expect(name.encode("utf-16-le") not in path.read_bytes(), f"it has the window {name} of debug builds")
+
+
 numbers = re.search(r"ZQ_VERSION_NUMBERS (.*)", (SOURCE / "resources/version.h").read_text())[1]
 version = [int(number) for number in numbers.split(",")]
 program = pe.Program(PATH)
@@ -109,6 +116,7 @@ imports(program)
 manifest(program, version)
 version_resource(program, version)
 symbols(program)
+counters(PATH)
 size = PATH.stat().st_size
 expect(size < LARGEST, f"it has {size} bytes, more than {LARGEST}")
 

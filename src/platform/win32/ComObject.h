@@ -4,13 +4,15 @@
 #include <windows.h>
 #include <unknwn.h>
 
+#include "debug/LiveCount.h"
+
 namespace zq {
 
 // Made with one reference, which is its maker's. All calls come on the one thread that made it.
 template <class Interface>
 class ComObject : public Interface {
  public:
-  ComObject() = default;
+  ComObject() { debug::Count(debug::Kind::ObjectReference, 1); }
   ComObject(const ComObject&) = delete;
   ComObject& operator=(const ComObject&) = delete;
   virtual ~ComObject() = default;
@@ -24,8 +26,12 @@ class ComObject : public Interface {
     AddRef();
     return S_OK;
   }
-  ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
+  ULONG STDMETHODCALLTYPE AddRef() override {
+    debug::Count(debug::Kind::ObjectReference, 1);
+    return ++references_;
+  }
   ULONG STDMETHODCALLTYPE Release() override {
+    debug::Count(debug::Kind::ObjectReference, -1);
     const ULONG left = --references_;
     if (left == 0) delete this;
     return left;
@@ -33,6 +39,7 @@ class ComObject : public Interface {
 
  private:
   ULONG references_ = 1;
+  [[no_unique_address]] debug::Alive<debug::Kind::Object> alive_;
 };
 
 }  // namespace zq
