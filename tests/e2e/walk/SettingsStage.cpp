@@ -1,0 +1,197 @@
+#include "e2e/walk/SettingsStage.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "e2e/walk/Inventory.h"
+#include "engine/PassPlan.h"
+#include "support/driver/Text.h"
+
+namespace zq::test {
+namespace {
+
+constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+constexpr wchar_t kRunValue[] = L"Zeroquill Explorer Manager";
+
+Window Rebar(const MainWindow& main) {
+  return main.window.ChildOfClass(REBARCLASSNAMEA);
+}
+
+// The byte that the whole block holds; nothing if it holds several.
+std::optional<std::uint8_t> OnlyByte(std::string_view block) {
+  const bool one = std::all_of(block.begin(), block.end(), [&](char byte) { return byte == block.front(); });
+  return one ? std::optional(static_cast<std::uint8_t>(block.front())) : std::nullopt;
+}
+
+std::optional<std::uint8_t> ByteOf(const engine::Pass& pass) {
+  return pass.random ? std::nullopt : std::optional(pass.pattern);
+}
+
+// A colour of the system as pictures have it.
+std::uint32_t ColourOf(int index) {
+  const DWORD colour = ::GetSysColor(index);
+  return GetRValue(colour) << 16U | GetGValue(colour) << 8U | GetBValue(colour);
+}
+
+}  // namespace
+
+void Give(const MainWindow& main, std::string_view tool) {
+  main.window.WaitEnabled();  // a window that still has a modal one takes no command
+  main.window.Command(CommandIdOf(tool));
+}
+
+PreferencesWindow::PreferencesWindow(const Program& program, const MainWindow& main) : main_(main.window) {
+  Give(main, "mnuFilePreferences");
+  window = program.WaitWindow("Preferences");
+}
+
+void PreferencesWindow::Show(Page page) const {
+  const Window tabs = window.ChildOfClass(WC_TABCONTROLA);
+  const int wanted = static_cast<int>(page);
+  while (SelectedTab(tabs) != wanted) {
+    const int before = SelectedTab(tabs);
+    tabs.PostKey(before < wanted ? VK_RIGHT : VK_LEFT);
+    Await("another tab", [&] { return SelectedTab(tabs) != before; });
+  }
+  constexpr const char* kFrames[] = {"Wipe Security", "Other Settings & Environment", "Explorer Manager"};
+  window.Child(kFrames[wanted]).WaitVisible();
+}
+
+void PreferencesWindow::Tick(std::string_view caption, bool ticked) const {
+  const Window box = window.Child(caption);
+  if (!box.IsVisible()) throw DriverError("nobody can press what isn't shown: " + box.Describe());
+  box.Press();
+  Await("the change of " + box.Describe(), [&] { return box.IsChecked() == ticked; });
+}
+
+void PreferencesWindow::ChooseFontSize(std::string_view points) const {
+  SelectEntry(window.ChildOfClass("ComboBox"), points);
+}
+
+void PreferencesWindow::WaitGone() const {
+  window.WaitGone();
+  main_.WaitEnabled();
+}
+
+void PreferencesWindow::ExpectShows(const SettingsFile& settings) const {
+  EXPECT_EQ(window.Child(kOption3).IsChecked(), settings.passes == 3);
+  EXPECT_EQ(window.Child(kOption5).IsChecked(), settings.passes == 5);
+  EXPECT_EQ(window.Child(kOption7).IsChecked(), settings.passes != 3 && settings.passes != 5);
+  EXPECT_EQ(window.Child(kProgressBars).IsChecked(), settings.progressBars == 1);
+  EXPECT_EQ(window.Child(kToolBars).IsChecked(), settings.toolBars == 1);
+  EXPECT_EQ(window.Child(kGridLines).IsChecked(), settings.gridLines == 1);
+  EXPECT_EQ(window.Child(kMaximize).IsChecked(), settings.maximize == 1);
+  EXPECT_EQ(window.Child(kPrompt).IsChecked(), settings.promptToSave == 1);
+  EXPECT_EQ(window.Child(kManager).IsChecked(), settings.explorerManager == 1);
+  const bool listed = settings.reportFontSize == 8 || settings.reportFontSize == 10;
+  EXPECT_EQ(SelectedEntry(window.ChildOfClass("ComboBox")),
+            std::to_string(listed ? settings.reportFontSize : 12));
+}
+
+std::string ManagerAtStart() {
+  wchar_t text[600] = L"";
+  DWORD bytes = sizeof text;
+  const LSTATUS read =
+      ::RegGetValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue, RRF_RT_REG_SZ, nullptr, text, &bytes);
+  return read == ERROR_SUCCESS ? ToUtf8(text) : "";
+}
+
+void ForgetManager() {
+  ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue);
+}
+
+std::optional<bool> HasLines(const ListView& list) {
+  RECT place = list.TheWindow().ScreenRect();
+  const LONG width = place.right - place.left;
+  const LONG height = place.bottom - place.top;
+  // Without scroll bars, header, rows, and the words of an empty list.
+  place = {place.left + width / 10, place.top + height * 6 / 10, place.left + width * 8 / 10,
+           place.top + height * 9 / 10};
+  const Picture picture = GrabScreen(place);
+  const std::uint32_t ground = ColourOf(COLOR_WINDOW);
+  int empty = 0;
+  int lines = 0;
+  for (int y = 0; y < picture.height; ++y) {
+    const auto row = picture.pixels.begin() + static_cast<std::ptrdiff_t>(y) * picture.width;
+    if (!std::all_of(row, row + picture.width, [&](auto pixel) { return pixel == *row; })) continue;
+    ++(*row == ground ? empty : lines);
+  }
+  if (empty == picture.height) return false;
+  // Columns have lines, too, so that there is no row without any.
+  if (empty == 0 && lines > 1 && lines < picture.height / 4) return true;
+  return std::nullopt;
+}
+
+std::optional<bool> HasPlainBars(const MainWindow& main) {
+  RECT place = main.statusBar.ScreenRect();
+  // Inside the first panel's text, without the edge of the bar itself.
+  place = {place.left + 4, place.top + 1, place.left + 60, place.bottom};
+  const Picture picture = GrabScreen(place);
+  const auto& pixels = picture.pixels;
+  if (std::find(pixels.begin(), pixels.end(), ColourOf(COLOR_BTNTEXT)) == pixels.end()) return std::nullopt;
+  const std::uint32_t edge = ColourOf(COLOR_BTNSHADOW);
+  for (auto row = pixels.begin(); row != pixels.end(); row += picture.width) {
+    if (std::all_of(row, row + picture.width, [&](auto pixel) { return pixel == edge; })) return true;
+  }
+  return false;
+}
+
+int RowsOfBands(const MainWindow& main) {
+  return static_cast<int>(Rebar(main).Send(RB_GETROWCOUNT));
+}
+
+void DragLastBandDown(const MainWindow& main) {
+  const Window rebar = Rebar(main);
+  RECT band{};
+  const RemoteMemory memory(rebar, sizeof band);
+  rebar.Send(RB_GETRECT, static_cast<WPARAM>(rebar.Send(RB_GETBANDCOUNT) - 1), memory.Param());
+  memory.Read(0, &band, sizeof band);
+  constexpr LONG kOnTheGripper = 4;
+  const LPARAM grip = MAKELPARAM(band.left + kOnTheGripper, (band.top + band.bottom) / 2);
+  const LPARAM below = MAKELPARAM(band.left + kOnTheGripper, band.bottom + (band.bottom - band.top) / 2);
+  rebar.Post(WM_LBUTTONDOWN, MK_LBUTTON, grip);
+  rebar.Post(WM_MOUSEMOVE, MK_LBUTTON, below);
+  rebar.Post(WM_LBUTTONUP, 0, below);
+}
+
+int PixelsOf(Window window, std::uint32_t colour) {
+  const Picture picture = GrabScreen(window.ScreenRect());
+  return static_cast<int>(std::count(picture.pixels.begin(), picture.pixels.end(), colour));
+}
+
+double DoneBytes(const std::string& line) {
+  constexpr std::string_view kBefore = "Processed ";
+  std::string digits = line.substr(kBefore.size(), line.find(" bytes of ") - kBefore.size());
+  std::erase(digits, ',');
+  return std::stod(digits);
+}
+
+std::vector<double> PassesOver(const std::string& bytes, int level) {
+  constexpr std::size_t kBlock = 4096;
+  const std::size_t blocks = bytes.size() / kBlock;
+  const auto block = [&](std::size_t index) {
+    return OnlyByte(std::string_view(bytes).substr(index * kBlock, kBlock));
+  };
+  const auto head = block(0);
+  const auto tail = block(blocks - 1);
+  // Up to here it is as at its head.
+  std::size_t done = 1;
+  for (std::size_t end = blocks; head != tail && done + 1 < end;) {
+    const std::size_t middle = (done + end) / 2;
+    (block(middle) == head ? done : end) = middle;
+  }
+  const double part = static_cast<double>(done) / static_cast<double>(blocks);
+
+  std::vector<double> places;
+  const std::vector<engine::Pass> passes = engine::PassesOfLevel(level);
+  for (std::size_t pass = 0; pass < passes.size(); ++pass) {
+    if (ByteOf(passes[pass]) != head) continue;
+    // The first content holds several bytes, as random data do.
+    const auto before = pass == 0 ? std::nullopt : ByteOf(passes[pass - 1]);
+    if (head == tail) places.push_back(static_cast<double>(pass + 1));
+    if (head != tail && before == tail) places.push_back(static_cast<double>(pass) + part);
+  }
+  return places;
+}
+
+}  // namespace zq::test
