@@ -1,6 +1,7 @@
 // Files on their way into the job list: by the command line, the Add Files dialog, a drop.
 #include <algorithm>
 
+#include "e2e/FilesDialog.h"
 #include "e2e/Zeroquill.h"
 
 namespace zq::test {
@@ -137,49 +138,10 @@ TEST_F(CommandLine, GivesOnePictureToEachThreeLetterType) {
   TakePicture(main.window, "adding-icons");
 }
 
-// The dialog, driven by its file name box.
-class FilesDialog {
- public:
-  FilesDialog(const Program& program, const MainWindow& main) : main_(main) {
-    main.PressTool("Add Files");
-    dialog_ = program.WaitWindow("Add Files");
-    EXPECT_EQ(dialog_.Owner(), main.window);
-  }
-
-  Window TheWindow() const { return dialog_; }
-
-  // Types a name and presses Open; for a folder the dialog goes there and stays.
-  void Enter(const std::string& name) const {
-    NameBox().SetText(name);
-    dialog_.Child("Open").Press();
-  }
-  void GoTo(const std::string& folder) const {
-    Enter(folder);
-    Await("the dialog to go to " + folder, [&] { return NameBox().Text() != folder; });
-  }
-  void WaitGone() const {
-    dialog_.WaitGone();
-    main_.window.WaitEnabled();
-  }
-  void Cancel() const {
-    dialog_.Child("Cancel").Press();
-    WaitGone();
-  }
-
- private:
-  // An edit box, or one inside a combo box, whichever the system has.
-  Window NameBox() const {
-    constexpr int kEditId = 0x480;
-    constexpr int kComboId = 0x47C;
-    for (Window child : dialog_.Children()) {
-      if (child.Id() == kComboId && child.IsVisible()) return child.ChildOfClass("Edit");
-    }
-    return dialog_.Child(kEditId);
-  }
-
-  const MainWindow& main_;
-  Window dialog_;
-};
+FilesDialog OpenFilesDialog(const Program& program, const MainWindow& main) {
+  main.PressTool("Add Files");
+  return FilesDialog(program, main);
+}
 
 class AddFiles : public Adding {
  protected:
@@ -201,7 +163,7 @@ TEST_F(AddFiles, TakesOneFileAndRemembersItsFolder) {
   const Program program(exe_);
   const MainWindow main(program);
   {
-    const FilesDialog dialog(program, main);
+    const FilesDialog dialog = OpenFilesDialog(program, main);
     TakePicture(dialog.TheWindow(), "adding-dialog");
     dialog.Enter(path);
     dialog.WaitGone();
@@ -222,7 +184,7 @@ TEST_F(AddFiles, TakesSeveralFilesAndBeginsInTheRememberedFolder) {
   {
     const Program program(exe_);
     const MainWindow main(program);
-    const FilesDialog dialog(program, main);
+    const FilesDialog dialog = OpenFilesDialog(program, main);
     dialog.GoTo(folder);
     dialog.Enter("\"two words.doc\" \"one.txt\"");
     dialog.WaitGone();
@@ -236,7 +198,7 @@ TEST_F(AddFiles, TakesSeveralFilesAndBeginsInTheRememberedFolder) {
 
   const Program program(exe_);
   const MainWindow main(program);
-  const FilesDialog dialog(program, main);
+  const FilesDialog dialog = OpenFilesDialog(program, main);
   dialog.Enter("three.zzq");
   dialog.WaitGone();
   main.WaitItems("1 Item");
@@ -262,7 +224,7 @@ TEST_F(AddFiles, InADrivesRootHaveOneBackslash) {
   {
     const Program program(exe_);
     const MainWindow main(program);
-    const FilesDialog dialog(program, main);
+    const FilesDialog dialog = OpenFilesDialog(program, main);
     dialog.GoTo(root);
     dialog.Enter("\"e2e first.txt\" \"e2e second.txt\"");
     dialog.WaitGone();
@@ -287,7 +249,7 @@ TEST_F(AddFiles, TakesTwelveHundredAtOnceAndNothingElse) {
   }
   const Program program(exe_);
   const MainWindow main(program);
-  const FilesDialog dialog(program, main);
+  const FilesDialog dialog = OpenFilesDialog(program, main);
   dialog.GoTo(folder);
   dialog.Enter(names);
   dialog.WaitGone();
@@ -304,7 +266,7 @@ TEST_F(AddFiles, ThatAreListedMoveTheFolderAndSelectTheFirstRow) {
   const MainWindow main(program);
   main.list.WaitRows(2);
   main.list.Select(1);
-  const FilesDialog dialog(program, main);
+  const FilesDialog dialog = OpenFilesDialog(program, main);
   dialog.Enter(two);
   dialog.WaitGone();
   Await("the first row to be selected", [&] { return main.list.Selected() == 0; });
@@ -323,7 +285,7 @@ TEST_F(AddFiles, CancelledChangesNothing) {
   const MainWindow main(program);
   main.list.WaitRows(2);
   main.list.Select(1);
-  const FilesDialog dialog(program, main);
+  const FilesDialog dialog = OpenFilesDialog(program, main);
   dialog.Cancel();
   EXPECT_EQ(main.list.Rows(), 2);
   EXPECT_EQ(main.list.Selected(), 1);
@@ -341,7 +303,7 @@ TEST_F(AddFiles, CutARememberedFolderAtACharacter) {
   ASSERT_EQ(folder.find("☃"), 148u);
   const Program program(exe_);
   const MainWindow main(program);
-  const FilesDialog dialog(program, main);
+  const FilesDialog dialog = OpenFilesDialog(program, main);
   dialog.Enter(path);
   dialog.WaitGone();
   main.WaitItems("1 Item");

@@ -42,9 +42,9 @@ TEST_F(FreeSpaceKill, ComesInTheMiddle) {
     if (!status) {
       main.window.WaitEnabled();
       const Window dialog = OpenDialog(program, main);
-      Choose(dialog, 'D', kLevel7);
+      ChooseDrive(dialog, 'D', kLevel7);
       Ask(program, dialog, "D:\\").Answer("OK");
-      status = WaitStatus(program);
+      status = WaitSpaceStatus(program);
     }
     ::PostMessageW(status.Handle(), WM_CLOSE, 0, 0);
     const MessageBoxView box = AwaitQuestionOrEnd(program);

@@ -10,17 +10,6 @@ namespace {
 constexpr wchar_t kSmallDrive[] = L"D:\\";
 constexpr ULONGLONG kSmallDriveBytes = 64u << 20;
 
-void RequireDrivesThatMayBeFilled() {
-  ULARGE_INTEGER total{};
-  if (!::GetDiskFreeSpaceExW(kSmallDrive, nullptr, &total, nullptr) || total.QuadPart > kSmallDriveBytes)
-    throw DriverError("drive D: is none of a few megabytes");
-  if (::CreateDirectoryW(L"C:\\zq-guard", nullptr)) {
-    ::RemoveDirectoryW(L"C:\\zq-guard");
-    throw DriverError(
-        "the root of drive C: takes new folders, and a wipe of its free space would fill the disk");
-  }
-}
-
 // What there may be less after a wipe, in bytes.
 ULONGLONG KeptByTheFileSystem() {
   wchar_t fileSystem[MAX_PATH + 1] = L"";
@@ -37,6 +26,17 @@ std::string Question(const std::string& drive) {
 }
 
 }  // namespace
+
+void RequireDrivesThatMayBeFilled() {
+  ULARGE_INTEGER total{};
+  if (!::GetDiskFreeSpaceExW(kSmallDrive, nullptr, &total, nullptr) || total.QuadPart > kSmallDriveBytes)
+    throw DriverError("drive D: is none of a few megabytes");
+  if (::CreateDirectoryW(L"C:\\zq-guard", nullptr)) {
+    ::RemoveDirectoryW(L"C:\\zq-guard");
+    throw DriverError(
+        "the root of drive C: takes new folders, and a wipe of its free space would fill the disk");
+  }
+}
 
 ULONGLONG FreeBytes() {
   ULARGE_INTEGER free{};
@@ -79,7 +79,7 @@ Window FreeSpaceTest::OpenDialog(const Program& program, const MainWindow& main)
   return program.WaitWindow(kFreeSpaceDialog);
 }
 
-void FreeSpaceTest::Choose(Window dialog, WORD driveKey, std::string_view level) {
+void ChooseDrive(Window dialog, WORD driveKey, std::string_view level) {
   const Window drives = dialog.ChildOfClass("ComboBox");
   drives.PostKey(driveKey);
   Await("the drive to be chosen",
@@ -96,7 +96,7 @@ MessageBoxView FreeSpaceTest::Ask(const Program& program, Window dialog, const s
   return box;
 }
 
-Window FreeSpaceTest::WaitStatus(const Program& program) {
+Window WaitSpaceStatus(const Program& program) {
   Window status;
   Await("the status window", [&] {
     for (Window candidate : program.Windows()) {

@@ -23,6 +23,17 @@ std::vector<std::string> NamesOnSmallDrive();
 // The number, in groups of three, between these two texts, which make up the rest of the line.
 int FigureIn(const std::string& line, std::string_view before, std::string_view behind);
 
+// Throws a DriverError unless a wipe of free space can fill no more than a drive of a few megabytes: D: must
+// be small, and nothing can begin on C:.
+void RequireDrivesThatMayBeFilled();
+
+// Chooses the drive in the dialog by its letter, and the level by its button. The letter goes to the list
+// itself: a key that is typed goes to what has the focus by then, and a C that comes to anything but the list
+// is the mnemonic of Cancel.
+void ChooseDrive(Window dialog, WORD driveKey, std::string_view level);
+// The window of the wipe that runs, waited for.
+Window WaitSpaceStatus(const Program& program);
+
 // Nothing here may fill up this machine's disk: D: must be small, and nothing can begin on C:.
 class FreeSpaceTest : public ZeroquillTest {
  protected:
@@ -31,13 +42,8 @@ class FreeSpaceTest : public ZeroquillTest {
 
   // Opens the dialog.
   static Window OpenDialog(const Program& program, const MainWindow& main);
-  // Chooses the drive by its letter, and the level by its button. The letter goes to the list itself: a key
-  // that is typed goes to what has the focus by then, and a C that comes to anything but the list is the
-  // mnemonic of Cancel.
-  static void Choose(Window dialog, WORD driveKey, std::string_view level);
   // Presses OK and reads the question, which must be of this drive. It is left open.
   static MessageBoxView Ask(const Program& program, Window dialog, const std::string& drive);
-  static Window WaitStatus(const Program& program);
   // Starts the program in `folder` until it has removed what a killed wipe left: a start takes only so long
   // for it, and the next one goes on.
   static void StartUntilCleared(const std::string& folder);

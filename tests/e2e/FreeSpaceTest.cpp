@@ -46,7 +46,7 @@ TEST_F(FreeSpace, IsNotTouchedWithoutAnOkToBoth) {
   first.WaitGone();
   main.window.WaitEnabled();
   const Window dialog = OpenDialog(program, main);
-  Choose(dialog, 'D', kLevel3);
+  ChooseDrive(dialog, 'D', kLevel3);
   const MessageBoxView box = Ask(program, dialog, "D:\\");
   TakePicture(box.window, "freespace-question");
   box.Answer("Cancel");
@@ -63,7 +63,7 @@ TEST_F(FreeSpace, IsWipedAndGivenBack) {
   const Program program(exe_);
   const MainWindow main(program);
   const Window dialog = OpenDialog(program, main);
-  Choose(dialog, 'D', kLevel3);
+  ChooseDrive(dialog, 'D', kLevel3);
   Ask(program, dialog, "D:\\").Answer("OK");
 
   const MessageBoxView box = program.WaitBox("Free Space Wipe Complete", kLongestWipe);
@@ -101,9 +101,9 @@ TEST_F(FreeSpace, CancelStopsTheWipeAndGivesTheSpaceBack) {
     const Program program(exe_);
     const MainWindow main(program);
     const Window dialog = OpenDialog(program, main);
-    Choose(dialog, 'D', kLevel7);
+    ChooseDrive(dialog, 'D', kLevel7);
     Ask(program, dialog, "D:\\").Answer("OK");
-    const Window status = WaitStatus(program);
+    const Window status = WaitSpaceStatus(program);
     // Posted without a question to the window before: it answers between two events alone, and the wipe goes
     // on.
     const HWND button = ::FindWindowExW(status.Handle(), nullptr, L"Button", L"Cancel Operation");
@@ -149,9 +149,9 @@ TEST_F(FreeSpace, WhatAKillLeftGoesAtTheNextStart) {
     const Program program(exe_);
     const MainWindow main(program);
     const Window dialog = OpenDialog(program, main);
-    Choose(dialog, 'D', kLevel7);
+    ChooseDrive(dialog, 'D', kLevel7);
     Ask(program, dialog, "D:\\").Answer("OK");
-    const Window status = WaitStatus(program);
+    const Window status = WaitSpaceStatus(program);
     Await("some progress", [&] { return status.Text().find('%') != std::string::npos; });
     EXPECT_EQ(ReadFileBytes(record), "D:\\");
   }
@@ -176,7 +176,7 @@ TEST_F(FreeSpace, DriveThatTakesNoFolderIsToldAsAnError) {
   const Program program(exe_);
   const MainWindow main(program);
   const Window dialog = OpenDialog(program, main);
-  Choose(dialog, 'C', kLevel3);
+  ChooseDrive(dialog, 'C', kLevel3);
   Ask(program, dialog, "C:\\").Answer("OK");
   const MessageBoxView box = program.WaitBox("Error");
   TakePicture(box.window, "freespace-error");

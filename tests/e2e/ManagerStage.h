@@ -2,6 +2,7 @@
 #pragma once
 
 #include "e2e/Zeroquill.h"
+#include "support/driver/Text.h"
 
 namespace zq::test {
 
@@ -9,6 +10,22 @@ inline constexpr char kManagerTitle[] = "ZQ Explorer Manager";
 
 inline Window ManagerWindow() {
   return Window(::FindWindowW(nullptr, L"ZQ Explorer Manager"));
+}
+
+inline constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+inline constexpr wchar_t kRunValue[] = L"Zeroquill Explorer Manager";
+
+// What the system starts with itself under the companion's name; "" for nothing.
+inline std::string RunValue() {
+  wchar_t text[600] = L"";
+  DWORD bytes = sizeof text;
+  const LSTATUS read =
+      ::RegGetValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue, RRF_RT_REG_SZ, nullptr, text, &bytes);
+  return read == ERROR_SUCCESS ? ToUtf8(text) : "";
+}
+
+inline void RemoveRunValue() {
+  ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue);
 }
 
 // It comes last: the rest of the companion is ready by then.

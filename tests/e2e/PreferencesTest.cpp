@@ -1,35 +1,17 @@
 // The preferences in the real program, and the companion that they start and shut down: the real registry,
 // and a second process with its window, which is the real companion or the least that passes for one.
-#include "e2e/Zeroquill.h"
+#include "e2e/ManagerStage.h"
 
 namespace zq::test {
 namespace {
-
-constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr wchar_t kRunValue[] = L"Zeroquill Explorer Manager";
-
-std::string RunValue() {
-  wchar_t text[600] = L"";
-  DWORD bytes = sizeof text;
-  if (::RegGetValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue, RRF_RT_REG_SZ, nullptr, text, &bytes) !=
-      ERROR_SUCCESS)
-    return "";
-  char narrow[1200] = "";
-  ::WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow, sizeof narrow, nullptr, nullptr);
-  return narrow;
-}
-
-Window Manager() {
-  return Window(::FindWindowW(nullptr, L"ZQ Explorer Manager"));
-}
 
 class PreferencesDialog : public ZeroquillTest {
  protected:
   void SetUp() override { Prepare(); }
   void TearDown() override {
-    ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue);
-    if (const Window manager = Manager()) manager.Close();
-    Await("the companion to be gone", [] { return !Manager(); });
+    RemoveRunValue();
+    if (const Window manager = ManagerWindow()) manager.Close();
+    Await("the companion to be gone", [] { return !ManagerWindow(); });
   }
   void PutStandIn() const {
     const std::string copy = scratch_.CopyIn("zq_manager_stand_in.exe");
@@ -95,7 +77,7 @@ TEST_F(PreferencesDialog, ThatCannotBeWrittenEndTheProgramWithAReportAndLeaveThe
   TakePicture(program.WaitBox("Zeroquill").window, "preferences-unwritten");
   ExpectRunTimeError(program, "Run-time error '75':\r\n\r\nPath/File access error");
   EXPECT_EQ(RunValue(), "");
-  EXPECT_FALSE(Manager());
+  EXPECT_FALSE(ManagerWindow());
 }
 
 void PreferencesDialog::RegisterStartRemoveAndShutDown() const {
@@ -110,8 +92,8 @@ void PreferencesDialog::RegisterStartRemoveAndShutDown() const {
   EXPECT_EQ(RunValue(), folder_ + "\\ZQExMan.exe");
   box.Answer("Yes");
   dialog.WaitGone();
-  Await("the companion", [] { return static_cast<bool>(Manager()); });
-  const Window manager = Manager();
+  Await("the companion", [] { return static_cast<bool>(ManagerWindow()); });
+  const Window manager = ManagerWindow();
   TryLaunch(main);
   EXPECT_TRUE(program.Boxes().empty());
 

@@ -128,7 +128,7 @@ void WipingTest::Confirm(const Program& program, const MainWindow& main) {
   program.WaitBox(kWipeOperation).Answer("OK");
 }
 
-MessageBoxView WipingTest::WaitClosingBox(const Program& program) {
+MessageBoxView WaitClosingBox(const Program& program) {
   const auto isThere = [&program] {
     const std::vector<Window> boxes = program.Boxes();
     return std::any_of(boxes.begin(), boxes.end(), [](Window box) { return box.HasText(kWipeOperation); });

@@ -63,6 +63,9 @@ class Hold {
   Window box_;
 };
 
+// The box that ends a wipe, waited for as long as the wipe goes on.
+MessageBoxView WaitClosingBox(const Program& program);
+
 class WipingTest : public ZeroquillTest {
  protected:
   void SetUp() override { Prepare(); }
@@ -71,7 +74,6 @@ class WipingTest : public ZeroquillTest {
 
   // Starts the wipe and answers its question with OK.
   static void Confirm(const Program& program, const MainWindow& main);
-  static MessageBoxView WaitClosingBox(const Program& program);
   // Reads the closing box, answers it with No.
   static void Close(const Program& program, const MainWindow& main, const char* text);
 
