@@ -123,17 +123,28 @@ std::optional<bool> HasLines(const ListView& list) {
 }
 
 std::optional<bool> HasPlainBars(const MainWindow& main) {
-  RECT place = main.statusBar.ScreenRect();
   // Inside the first panel's text, without the edge of the bar itself.
+  RECT place = main.statusBar.ScreenRect();
   place = {place.left + 4, place.top + 1, place.left + 60, place.bottom};
-  const Picture picture = GrabScreen(place);
-  const auto& pixels = picture.pixels;
+  const Picture panel = GrabScreen(place);
+  const auto& pixels = panel.pixels;
   if (std::find(pixels.begin(), pixels.end(), ColourOf(COLOR_BTNTEXT)) == pixels.end()) return std::nullopt;
   const std::uint32_t edge = ColourOf(COLOR_BTNSHADOW);
-  for (auto row = pixels.begin(); row != pixels.end(); row += picture.width) {
-    if (std::all_of(row, row + picture.width, [&](auto pixel) { return pixel == edge; })) return true;
+  bool sunken = false;
+  for (auto row = pixels.begin(); row != pixels.end(); row += panel.width)
+    sunken = sunken || std::all_of(row, row + panel.width, [&](auto pixel) { return pixel == edge; });
+
+  // The gripper of the first band, from top to bottom.
+  place = Rebar(main).ScreenRect();
+  place = {place.left, place.top, place.left + static_cast<LONG>(::GetDpiForSystem() / 6), place.top + 40};
+  const Picture gripper = GrabScreen(place);
+  bool raised = false;
+  for (int x = 0; x < gripper.width; ++x) {
+    int shaded = 0;
+    for (int y = 0; y < gripper.height; ++y) shaded += gripper.At(x, y) == edge ? 1 : 0;
+    raised = raised || shaded > gripper.height / 2;
   }
-  return false;
+  return sunken == raised ? std::optional(sunken) : std::nullopt;
 }
 
 int RowsOfBands(const MainWindow& main) {

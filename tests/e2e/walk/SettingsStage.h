@@ -57,8 +57,8 @@ void ForgetManager();
 // Whether lines run across the list on the screen where it has no row; nothing while it is not painted.
 std::optional<bool> HasLines(const ListView& list);
 
-// Whether the status bar's panels have the edges that they have without visual styles alone; nothing while it
-// is not painted.
+// Whether status bar and tool bar have the edges that they have without visual styles alone; nothing while
+// they are not painted, or each in another way.
 std::optional<bool> HasPlainBars(const MainWindow& main);
 
 // How many rows the bands of the tool bar stand in.
