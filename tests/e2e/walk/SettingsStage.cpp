@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "e2e/walk/Inventory.h"
-#include "engine/PassPlan.h"
 #include "support/driver/Text.h"
 
 namespace zq::test {
@@ -15,16 +14,6 @@ constexpr wchar_t kRunValue[] = L"Zeroquill Explorer Manager";
 
 Window Rebar(const MainWindow& main) {
   return main.window.ChildOfClass(REBARCLASSNAMEA);
-}
-
-// The byte that the whole block holds; nothing if it holds several.
-std::optional<std::uint8_t> OnlyByte(std::string_view block) {
-  const bool one = std::all_of(block.begin(), block.end(), [&](char byte) { return byte == block.front(); });
-  return one ? std::optional(static_cast<std::uint8_t>(block.front())) : std::nullopt;
-}
-
-std::optional<std::uint8_t> ByteOf(const engine::Pass& pass) {
-  return pass.random ? std::nullopt : std::optional(pass.pattern);
 }
 
 // A colour of the system as pictures have it.
@@ -163,46 +152,6 @@ void DragLastBandDown(const MainWindow& main) {
   rebar.Post(WM_LBUTTONDOWN, MK_LBUTTON, grip);
   rebar.Post(WM_MOUSEMOVE, MK_LBUTTON, below);
   rebar.Post(WM_LBUTTONUP, 0, below);
-}
-
-int PixelsOf(Window window, std::uint32_t colour) {
-  const Picture picture = GrabScreen(window.ScreenRect());
-  return static_cast<int>(std::count(picture.pixels.begin(), picture.pixels.end(), colour));
-}
-
-double DoneBytes(const std::string& line) {
-  constexpr std::string_view kBefore = "Processed ";
-  std::string digits = line.substr(kBefore.size(), line.find(" bytes of ") - kBefore.size());
-  std::erase(digits, ',');
-  return std::stod(digits);
-}
-
-std::vector<double> PassesOver(const std::string& bytes, int level) {
-  constexpr std::size_t kBlock = 4096;
-  const std::size_t blocks = bytes.size() / kBlock;
-  const auto block = [&](std::size_t index) {
-    return OnlyByte(std::string_view(bytes).substr(index * kBlock, kBlock));
-  };
-  const auto head = block(0);
-  const auto tail = block(blocks - 1);
-  // Up to here it is as at its head.
-  std::size_t done = 1;
-  for (std::size_t end = blocks; head != tail && done + 1 < end;) {
-    const std::size_t middle = (done + end) / 2;
-    (block(middle) == head ? done : end) = middle;
-  }
-  const double part = static_cast<double>(done) / static_cast<double>(blocks);
-
-  std::vector<double> places;
-  const std::vector<engine::Pass> passes = engine::PassesOfLevel(level);
-  for (std::size_t pass = 0; pass < passes.size(); ++pass) {
-    if (ByteOf(passes[pass]) != head) continue;
-    // The first content holds several bytes, as random data do.
-    const auto before = pass == 0 ? std::nullopt : ByteOf(passes[pass - 1]);
-    if (head == tail) places.push_back(static_cast<double>(pass + 1));
-    if (head != tail && before == tail) places.push_back(static_cast<double>(pass) + part);
-  }
-  return places;
 }
 
 }  // namespace zq::test

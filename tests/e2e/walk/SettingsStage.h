@@ -66,16 +66,4 @@ int RowsOfBands(const MainWindow& main);
 // Drags the last band of the tool bar by its gripper into a row of its own.
 void DragLastBandDown(const MainWindow& main);
 
-// Pixels of exactly this colour, 0x00RRGGBB, in what the window shows.
-int PixelsOf(Window window, std::uint32_t colour);
-
-// The first number of a status window's line: how much of the file in work is done, in bytes.
-double DoneBytes(const std::string& line);
-
-// How many passes have gone over a file that a wipe of `level` was stopped in: 2.25 is two, and a quarter of
-// the third. Of a file that holds nothing but random data it may be several; none if its bytes are not those
-// of any pass of the level, with the one before it, or the file's first content, behind. The first content
-// must hold several different bytes everywhere.
-std::vector<double> PassesOver(const std::string& bytes, int level);
-
 }  // namespace zq::test

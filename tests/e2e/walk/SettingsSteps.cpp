@@ -6,19 +6,10 @@ namespace zq::test {
 
 using ::testing::AllOf;
 using ::testing::Contains;
-using ::testing::DoubleNear;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 using Page = PreferencesWindow::Page;
-
-namespace {
-
-// The plain bars, and those with visual styles.
-constexpr std::uint32_t kGreen = 0x28D22B;
-constexpr std::uint32_t kBlue = 0x316AC5;
-
-}  // namespace
 
 void SettingsWalk::ExpectSeen(const MainWindow& main) const {
   Await("the list's lines to come or go", [&] { return HasLines(main.list) == (settings_.gridLines == 1); });
@@ -88,54 +79,21 @@ void SettingsWalk::AddByTheRemembered(const Program& program, const MainWindow& 
   EXPECT_EQ(main.list.Text(1), secrets_.back());
 }
 
-// A file so large that the wipe is stopped in the middle of it: which passes have gone over it tells the
-// level.
-void SettingsWalk::StopAWipe(const Program& program, const MainWindow& main) const {
-  const std::string path = Large("large.dat");
-  DragFilesTo(main.list.TheWindow().Centre(), {path});
-  main.list.WaitRows(1);
+void SettingsWalk::WipeTheJob(const Program& program, const MainWindow& main) const {
   Confirm(program, main);
-  const StatusWindow status(program);
-  status.WaitWork("large.dat");
-  Await("a part of the file", [&] { return ReadProgress(status.current).position > 2; });
-  status.cancel.Press();
-  const MessageBoxView box = program.WaitBox("Cancel");
-  // Aside, for a look at the window. The engine stands still while the question is open.
-  ::SetWindowPos(box.window.Handle(), nullptr, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-  TakePicture(status.window, "settings-12-progress");
-  for (const Window bar : {status.current, status.overall}) {
-    EXPECT_GT(PixelsOf(bar, kGreen), 0);
-    EXPECT_EQ(PixelsOf(bar, kBlue), 0);
-  }
-  const std::string line = status.Line();
+  const MessageBoxView box = WaitClosingBox(program);
+  EXPECT_EQ(box.text, kComplete);
   box.Answer("Yes");
-  const MessageBoxView closing = WaitClosingBox(program);
-  EXPECT_EQ(closing.text, kCancelled);
-
-  // Each pass is one part of the whole, and so is the reading back at the end.
-  constexpr int kParts = 3 * 7 + 1;
-  const double share = DoneBytes(line) / static_cast<double>(kLargeBytes);
-  EXPECT_THAT(PassesOver(ReadFileBytes(path), 7), Contains(DoubleNear(share * kParts, 0.1))) << line;
-
-  closing.Answer("Yes");
-  const Window report = program.WaitWindow("Zeroquill Report", "#32770");
-  TakePicture(report, "settings-13-report");
-  report.Close();
-  report.WaitGone();
+  const Window window = program.WaitWindow("Zeroquill Report", "#32770");
+  TakePicture(window, "settings-13-report");
+  window.Close();
+  window.WaitGone();
   main.window.WaitEnabled();
+  TakePicture(main.window, "settings-14-wiped");
   const std::string rtf = ReadFileBytes(folder_ + "\\Report\\Report.rtf");
   EXPECT_THAT(rtf, HasSubstr("\\fs24"));
   EXPECT_THAT(rtf, HasSubstr("\\fs20")) << "the running line has a size of its own";
   EXPECT_EQ(rtf.find("\\fs16"), std::string::npos);
-  ASSERT_TRUE(::DeleteFileA(path.c_str()));
-  Give(main, "mnuFileNew");
-  main.list.WaitRows(0);
-}
-
-void SettingsWalk::WipeTheJob(const Program& program, const MainWindow& main) const {
-  Confirm(program, main);
-  Close(program, main, kComplete);
-  TakePicture(main.window, "settings-14-wiped");
   for (const std::string& path : secrets_) EXPECT_FALSE(PathExists(path)) << path;
   EXPECT_FALSE(PathExists(papers_));
   EXPECT_FALSE(FolderHolds(scratch_.Path(), kMark));

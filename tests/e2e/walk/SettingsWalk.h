@@ -20,7 +20,6 @@ class SettingsWalk : public WipingTest {
   void ChangeWhatTheDialogHasNot(const Program& program, const MainWindow& main);
   void LookAtTheDialog(const Program& program, const MainWindow& main) const;
   void AddByTheRemembered(const Program& program, const MainWindow& main) const;
-  void StopAWipe(const Program& program, const MainWindow& main) const;
   void WipeTheJob(const Program& program, const MainWindow& main) const;
   static Window OpenBin(const Program& program, const MainWindow& main);
   // Drops a file, which is through when this returns, and gives what the Bin says then.

@@ -213,7 +213,6 @@ TEST_F(SettingsWalk, EachIsChangedAndEverythingDoneWithAllChanged) {
     ExpectNothingCame(program, main);
     LookAtTheDialog(program, main);
     LookAtTheFreeSpaceDialog(program, main);
-    StopAWipe(program, main);
     AddByTheRemembered(program, main);
     WipeTheJob(program, main);
     WipeInTheBin(program, main);
