@@ -18,6 +18,9 @@ constexpr BoxIcon kQuestion = BoxIcon::Question;
 constexpr BoxIcon kExclamation = BoxIcon::Warning;
 constexpr BoxIcon kStop = BoxIcon::Error;
 
+constexpr std::string_view kHelpTitle = "Tarnwick! Error";
+constexpr std::string_view kHelpUnused = "the program never asks for what brings it: tests/unit/help";
+
 // clang-format off
 const BoxRow kBoxes[] = {
     // The list.
@@ -144,6 +147,34 @@ const BoxRow kBoxes[] = {
     {"help-missing", "Zeroquill Help",
      "Unable to find the Zeroquill Help file.  Please reinstall Zeroquill to replace the Help system.",
      kExclamation, kOk},
+
+    // The help's class can do more than the program asks of it, and its front end asks for nothing that fails.
+    {"help-file-missing", kHelpTitle,
+     "The file {} does not exist.\nPlease make sure that you have installed KLMB Help files", kStop, kOk, kHelpUnused},
+    {"help-no-form", kHelpTitle,
+     "The HHDisplayContents method was called without a form being specified, while HHShowOnTop was set to True.",
+     kStop, kOk, kHelpUnused},
+    {"help-no-help-file", kHelpTitle, "{} is not a valid HTML Help file.", kStop, kOk, kHelpUnused},
+    {"help-no-popup-file", kHelpTitle,
+     "The file specified as the text popup source, '{}', is not a valid popup file.", kStop, kOk, kHelpUnused},
+    {"help-registered", kHelpTitle,
+     "The file {} is already registered.  HHRegister will not be run as no action need be taken.", kInformation,
+     kOk, kHelpUnused},
+    {"help-no-path-to-register", kHelpTitle, "Cannot register {} without having a supplied path.\"", kStop, kOk,
+     kHelpUnused},
+    {"help-register-error", kHelpTitle, "HTML Help Class: HHRegister Error", kStop, kOk, kHelpUnused},
+    {"help-not-registered", kHelpTitle,
+     "The file {} is not registered.  HHUnRegister will not be run as no action need be taken.", kInformation, kOk,
+     kHelpUnused},
+    {"help-no-viewer", kHelpTitle, "Hhctrl.ocx is not registered.  Please install HTML Help.", kStop, kOk,
+     kHelpUnused},
+    {"help-viewer-lost", kHelpTitle,
+     "Hhctrl.ocx is not in its registered location.  Please reinstall HTML Help.", kStop, kOk, kHelpUnused},
+    {"help-no-browser", kHelpTitle, "Shdocvw.dll is not registered.  Please install Internet Explorer.", kStop, kOk,
+     kHelpUnused},
+    {"help-browser-lost", kHelpTitle,
+     "Internet Explorer is not in its registered location.  Please reinstall Internet Explorer.", kStop, kOk,
+     kHelpUnused},
 
     // What nobody on the way handles.
     {"run-time-error", "Zeroquill", "Run-time error '{}':\r\n\r\n{}", kStop, kOk},

@@ -5,6 +5,7 @@
 #include "e2e/walk/ReportScene.h"
 #include "e2e/walk/Scenes.h"
 #include "e2e/walk/Steps.h"
+#include "support/driver/Text.h"
 
 namespace zq::test {
 namespace {
@@ -158,6 +159,20 @@ void SaveTheStamp(Walk& walk, const Ground& ground) {
   walk.ExpectJob(kJob, fields);
 }
 
+// Its content has yet to be given any room, which the wipe does.
+void MakeLarge(const std::string& path) {
+  WriteFileBytes(path, "");
+  const HANDLE file =
+      ::CreateFileW(ToWide(path).c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  LARGE_INTEGER size{};
+  size.QuadPart = kLargeBytes;
+  const bool made = file != INVALID_HANDLE_VALUE &&
+                    ::SetFilePointerEx(file, size, nullptr, FILE_BEGIN) != FALSE &&
+                    ::SetEndOfFile(file) != FALSE;
+  ::CloseHandle(file);
+  if (!made) throw DriverError("can't make " + path);
+}
+
 }  // namespace
 
 void WipeAJob(Walk& walk) {
@@ -195,10 +210,7 @@ void WipeAJob(Walk& walk) {
 void CancelAWipe(Walk& walk) {
   // Two of them, so that a fast machine is still at it when we come.
   const std::vector<std::string> large{walk.scratch / "large one.dat", walk.scratch / "large two.dat"};
-  {
-    const std::string content = Marked(kMark, kLargeBytes);
-    for (const std::string& path : large) WriteFileBytes(path, content);
-  }
+  for (const std::string& path : large) MakeLarge(path);
   const std::string last = walk.scratch.Make("last.txt", "never reached");
   DropOnList(walk, {large[0], large[1], last});
   walk.Main().WaitItems("3 Items");
