@@ -1,4 +1,6 @@
 // What is done with all settings changed.
+#include <algorithm>
+
 #include "e2e/FilesDialog.h"
 #include "e2e/walk/SettingsWalk.h"
 
@@ -25,7 +27,12 @@ MessageBoxView SettingsWalk::WaitSaveQuestion(const Program& program) {
 void SettingsWalk::ExpectNothingCame(const Program& program, const MainWindow& main) {
   Give(main, "mnuHelpAbout");
   const Window about = program.WaitWindow("About Zeroquill");
-  EXPECT_EQ(program.Windows().size(), 2u) << program.Describe();
+  // A tip comes wherever the pointer happens to rest.
+  const std::vector<Window> windows = program.Windows();
+  EXPECT_EQ(std::count_if(windows.begin(), windows.end(),
+                          [](Window window) { return window.ClassName() != TOOLTIPS_CLASSA; }),
+            2)
+      << program.Describe();
   about.Child("OK").Press();
   about.WaitGone();
   main.window.WaitEnabled();
