@@ -99,7 +99,9 @@ keep() {
       mkdir -p /tmp/.X11-unix
       chmod 1777 /tmp/.X11-unix
     fi
-    Xvfb -displayfd 3 -screen 0 1280x1024x24 -dpi 96 -nolisten tcp 3>"$prefix/cage/display.new" &
+    local size=1280x1024
+    [[ ! -f $prefix/cage/size ]] || size=$(<"$prefix/cage/size")
+    Xvfb -displayfd 3 -screen 0 "${size}x24" -dpi 96 -nolisten tcp 3>"$prefix/cage/display.new" &
     xvfb=$!
     until [[ -s $prefix/cage/display.new ]]; do
       kill -0 "$xvfb"

@@ -28,7 +28,7 @@ Windows Registry Editor Version 5.00
 $(desktop "$managed")
 
 [HKEY_CURRENT_USER\\Software\\Wine\\Explorer\\Desktops]
-"tests"="1280x1024"
+"tests"="$(screen_size "$1")"
 
 [HKEY_CURRENT_USER\\Control Panel\\Desktop]
 "LogPixels"=dword:$dpi
@@ -48,6 +48,11 @@ $(desktop "$managed")
 [HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]
 "ShowCrashDialog"=dword:00000000
 REG
+}
+
+# screen_size DPI: as large for the eye at 192 dpi as at 96.
+screen_size() {
+  if (($1 >= 192)); then echo 2560x2048; else echo 1280x1024; fi
 }
 
 # desktop MANAGED: without a window manager, all windows stand on a desktop that is one window of the X server. Its
@@ -168,6 +173,7 @@ create() {
     ln -s "../drive_${drive%%:*}" "$prefix/dosdevices/${drive%%:*}:"
     echo "${drive%%:*} ${drive#*:}" >>"$prefix/cage/drives"
   done
+  screen_size "$dpi" >"$prefix/cage/size"
   if [[ $name != base && "$dpi $managed" != "96 N" ]]; then
     (
       cage_up "$prefix"

@@ -182,6 +182,9 @@ void DockStudio::SetVisualStyle(int visualStyle) {
   toolBands_.SetTheme(theme);
   ::SetWindowTheme(statusBar_.Handle(), theme, theme);
   LayOut();
+  // Not each of them draws its ground and its grippers anew by itself.
+  for (const HWND bar : {toolBands_.Handle(), statusBar_.Handle()})
+    ::RedrawWindow(bar, nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_FRAME | RDW_ALLCHILDREN);
 }
 
 int DockStudio::Height() const {
