@@ -4,13 +4,9 @@
 #include <optional>
 
 #include "e2e/walk/Inventory.h"
-#include "support/driver/Text.h"
 
 namespace zq::test {
 namespace {
-
-constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr wchar_t kRunValue[] = L"Zeroquill Explorer Manager";
 
 Window Rebar(const MainWindow& main) {
   return main.window.ChildOfClass(REBARCLASSNAMEA);
@@ -75,18 +71,6 @@ void PreferencesWindow::ExpectShows(const SettingsFile& settings) const {
   const bool listed = settings.reportFontSize == 8 || settings.reportFontSize == 10;
   EXPECT_EQ(SelectedEntry(window.ChildOfClass("ComboBox")),
             std::to_string(listed ? settings.reportFontSize : 12));
-}
-
-std::string ManagerAtStart() {
-  wchar_t text[600] = L"";
-  DWORD bytes = sizeof text;
-  const LSTATUS read =
-      ::RegGetValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue, RRF_RT_REG_SZ, nullptr, text, &bytes);
-  return read == ERROR_SUCCESS ? ToUtf8(text) : "";
-}
-
-void ForgetManager() {
-  ::RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kRunKey, kRunValue);
 }
 
 std::optional<bool> HasLines(const ListView& list) {

@@ -50,10 +50,6 @@ inline constexpr char kMaximize[] = "Maximize Window at Startup";
 inline constexpr char kPrompt[] = "Prompt to Save Zeroquill Jobs";
 inline constexpr char kManager[] = "Load Explorer Manager at System Startup";
 
-// What starts the Explorer Manager with the system, by the registry; "" if nothing does.
-std::string ManagerAtStart();
-void ForgetManager();
-
 // Whether lines run across the list on the screen where it has no row; nothing while it is not painted.
 std::optional<bool> HasLines(const ListView& list);
 

@@ -4,14 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "e2e/ManagerStage.h"
 #include "e2e/walk/SettingsStage.h"
 
 namespace zq::test {
 
 class SettingsWalk : public WipingTest {
  protected:
-  void SetUp() override { ForgetManager(); }
-  void TearDown() override { ForgetManager(); }
+  void SetUp() override { RemoveRunValue(); }
+  void TearDown() override { RemoveRunValue(); }
 
   // Steps of the walk; `settings_` is always what the program should hold.
   void StartForTheFirstTime(const Program& program, const MainWindow& main);

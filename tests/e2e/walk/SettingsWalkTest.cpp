@@ -78,7 +78,7 @@ void SettingsWalk::LeaveAllUnchanged(const Program& program, const MainWindow& m
     }
     dialog.WaitGone();
     ExpectStored();
-    EXPECT_EQ(ManagerAtStart(), "");
+    EXPECT_EQ(RunValue(), "");
     ExpectSeen(main);
   }
 }
@@ -105,7 +105,7 @@ void SettingsWalk::ChangeEach(const Program& program, const MainWindow& main) {
     ExpectStored();
     ExpectSeen(main);
   }
-  EXPECT_EQ(ManagerAtStart(), folder_ + "\\ZQExMan.exe");
+  EXPECT_EQ(RunValue(), folder_ + "\\ZQExMan.exe");
   EXPECT_FALSE(::IsZoomed(main.window.Handle())) << "not before the next start";
   TakePicture(main.window, "settings-05-main");
 }
@@ -169,10 +169,10 @@ void SettingsWalk::ChangeAllBack(const Program& program, const MainWindow& main)
   EXPECT_EQ(box.buttons, (std::vector<std::string>{"OK", "Cancel"}));
   box.Answer("OK");
   dialog.window.WaitEnabled();
-  EXPECT_NE(ManagerAtStart(), "") << "not before OK";
+  EXPECT_NE(RunValue(), "") << "not before OK";
   dialog.PressOk();
   dialog.WaitGone();
-  EXPECT_EQ(ManagerAtStart(), "");
+  EXPECT_EQ(RunValue(), "");
 
   settings_.passes = 5;
   settings_.progressBars = settings_.toolBars = settings_.promptToSave = 1;
