@@ -31,6 +31,8 @@ mapfile -d '' files < <(ours)
 ours | found '(^|[^[:alnum:]_./-])/(work|home|root|Users)/' |
   complain "Paths of somebody's machine:"
 ours | found '\b(TO''DO|FIX''ME|X''XX)\b' | complain "Unfinished work:"
+# A bare system has no git, and an unpacked archive no repository (scripts/files.sh stands in for it).
+ours '*.sh' '*.py' '.ci/*' | found '^(?!\s*#).*\bgit [[:lower:]-]+' | complain "Scripts that call git:"
 # A test may be passed over where the system can't show what it tests, if it says why.
 ours 'tests/*.cpp' | found 'DISABLED''_|GTEST''_SKIP\(\)(?! << ")' |
   complain "Tests that are switched off:"
