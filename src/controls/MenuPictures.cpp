@@ -10,6 +10,7 @@
 
 #include "controls/GreyedPicture.h"
 #include "controls/Pictures.h"
+#include "controls/WindowDc.h"
 
 namespace zq {
 namespace {
@@ -81,12 +82,11 @@ bool MenuPictures::Draw(const DRAWITEMSTRUCT& item) const {
   if (!picture) return false;
   const bool greyed = (item.itemState & (ODS_GRAYED | ODS_DISABLED)) != 0;
   const UniqueDc memory(::CreateCompatibleDC(item.hDC));
-  const HGDIOBJ before = ::SelectObject(memory.Get(), greyed ? picture->greyed.Get() : picture->live.Get());
+  const SelectedObject selected(memory.Get(), greyed ? picture->greyed.Get() : picture->live.Get());
   const LONG top = (item.rcItem.top + item.rcItem.bottom - size_.cy) / 2;
   const BLENDFUNCTION overGround{AC_SRC_OVER, 0, 255, AC_SRC_ALPHA};
   ::AlphaBlend(item.hDC, item.rcItem.left, top, size_.cx, size_.cy, memory.Get(), 0, 0, size_.cx, size_.cy,
                overGround);
-  ::SelectObject(memory.Get(), before);
   return true;
 }
 

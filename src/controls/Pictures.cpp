@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "controls/WindowDc.h"
 #include "platform/win32/Wide.h"
 
 namespace zq {
@@ -59,10 +60,10 @@ UniqueBitmap LoadAlphaPicture(const char* name, int pixels, SIZE size, const Pix
   UniqueBitmap bitmap = MakeAlphaBitmap(size.cx, size.cy, &bits);
   if (!bitmap) return {};
   const UniqueDc memory(::CreateCompatibleDC(nullptr));
-  const HGDIOBJ before = ::SelectObject(memory.Get(), bitmap.Get());
-  const BOOL drawn = ::DrawIconEx(memory.Get(), 0, 0, icon.Get(), pixels, pixels, 0, nullptr, DI_NORMAL);
-  ::SelectObject(memory.Get(), before);
-  if (!drawn) return {};
+  {
+    const SelectedObject selected(memory.Get(), bitmap.Get());
+    if (!::DrawIconEx(memory.Get(), 0, 0, icon.Get(), pixels, pixels, 0, nullptr, DI_NORMAL)) return {};
+  }
   ::GdiFlush();
   if (change)
     change({static_cast<std::uint32_t*>(bits),

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "controls/Pictures.h"
+#include "controls/WindowDc.h"
 #include "platform/RunTimeError.h"
 #include "platform/win32/RunTimeErrorReport.h"
 #include "platform/win32/Wide.h"
@@ -328,22 +329,19 @@ bool PreviewWindow::OnKey(WPARAM key) {
 }
 
 void PreviewWindow::Paint() {
-  PAINTSTRUCT paint{};
-  const HDC target = ::BeginPaint(hwnd_, &paint);
-  const RECT dirty = paint.rcPaint;
+  const PaintDc paint(hwnd_);
+  const HDC target = paint.Get();
+  const RECT& dirty = paint.Dirty();
   const int width = dirty.right - dirty.left;
   const int height = dirty.bottom - dirty.top;
-  if (width > 0 && height > 0) {
-    const UniqueDc context(::CreateCompatibleDC(target));
-    const UniqueBitmap bitmap(::CreateCompatibleBitmap(target, width, height));
-    const HGDIOBJ before = ::SelectObject(context.Get(), bitmap.Get());
-    ::SetViewportOrgEx(context.Get(), -dirty.left, -dirty.top, nullptr);
-    Fill(context.Get(), dirty, kGround);
-    if (painter_) DrawPages(context.Get(), dirty);
-    ::BitBlt(target, dirty.left, dirty.top, width, height, context.Get(), dirty.left, dirty.top, SRCCOPY);
-    ::SelectObject(context.Get(), before);
-  }
-  ::EndPaint(hwnd_, &paint);
+  if (width <= 0 || height <= 0) return;
+  const UniqueDc context(::CreateCompatibleDC(target));
+  const UniqueBitmap bitmap(::CreateCompatibleBitmap(target, width, height));
+  const SelectedObject selected(context.Get(), bitmap.Get());
+  ::SetViewportOrgEx(context.Get(), -dirty.left, -dirty.top, nullptr);
+  Fill(context.Get(), dirty, kGround);
+  if (painter_) DrawPages(context.Get(), dirty);
+  ::BitBlt(target, dirty.left, dirty.top, width, height, context.Get(), dirty.left, dirty.top, SRCCOPY);
 }
 
 void PreviewWindow::DrawPages(HDC context, const RECT& dirty) {

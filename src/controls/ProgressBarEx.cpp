@@ -54,13 +54,9 @@ LRESULT CALLBACK ProgressBarEx::SubclassProcedure(HWND hwnd, UINT message, WPARA
                                                   UINT_PTR id, DWORD_PTR self) {
   const auto* bar = reinterpret_cast<const ProgressBarEx*>(self);
   switch (message) {
-    case WM_PAINT: {
-      PAINTSTRUCT paint{};
-      const HDC context = ::BeginPaint(hwnd, &paint);
-      bar->Paint(context);
-      ::EndPaint(hwnd, &paint);
+    case WM_PAINT:
+      bar->Paint(PaintDc(hwnd).Get());
       return 0;
-    }
     case WM_PRINTCLIENT:
       bar->Paint(reinterpret_cast<HDC>(wParam));
       return 0;

@@ -1,4 +1,5 @@
-// The device context of a window, and what is selected into one, given back at the end of the scope.
+// The device context of a window, that of its painting (WM_PAINT), and what is selected into one, given back
+// at the end of the scope.
 #pragma once
 
 #include <windows.h>
@@ -22,6 +23,21 @@ class WindowDc {
   HWND window_;
   HDC context_;
   [[no_unique_address]] debug::Alive<debug::Kind::WindowContext> alive_;
+};
+
+class PaintDc {
+ public:
+  explicit PaintDc(HWND window) : window_(window) { ::BeginPaint(window, &paint_); }
+  ~PaintDc() { ::EndPaint(window_, &paint_); }
+  PaintDc(const PaintDc&) = delete;
+  PaintDc& operator=(const PaintDc&) = delete;
+
+  HDC Get() const { return paint_.hdc; }
+  const RECT& Dirty() const { return paint_.rcPaint; }
+
+ private:
+  HWND window_;
+  PAINTSTRUCT paint_{};
 };
 
 class SelectedObject {
