@@ -42,6 +42,11 @@ void Control::Move(const RECT& rect) {
   ::MoveWindow(hwnd_, rect.left, rect.top, rect.right - rect.left, rect.bottom - rect.top, TRUE);
 }
 
+// Lost on a window that isn't seen; but the system has that painted when it is seen again.
+void Control::DrawLater() {
+  if (!std::exchange(drawPending_, true)) ::InvalidateRect(hwnd_, nullptr, FALSE);
+}
+
 UniqueFont BoldFontOf(const Form& form) {
   LOGFONTW font{};
   ::GetObjectW(reinterpret_cast<HFONT>(::SendMessageW(form.Handle(), WM_GETFONT, 0, 0)), sizeof font, &font);
@@ -58,10 +63,11 @@ void Label::SetBold() {
 // The control's own procedure would draw it at once; the text is kept by the system.
 void LongLabel::SetText(const std::string& text) {
   ::DefWindowProcW(Handle(), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(ToWide(text).c_str()));
-  ::InvalidateRect(Handle(), nullptr, FALSE);
+  DrawLater();
 }
 
 void LongLabel::OnDraw(const DRAWITEMSTRUCT& draw) {
+  Drawn();
   constexpr UINT kFormat = DT_WORDBREAK | DT_EDITCONTROL | DT_NOPREFIX;
   const int saved = ::SaveDC(draw.hDC);
   ::SelectObject(draw.hDC, reinterpret_cast<HFONT>(::SendMessageW(Handle(), WM_GETFONT, 0, 0)));

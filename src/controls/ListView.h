@@ -42,7 +42,10 @@ class ListView : public Control {
   void SetGridLines(bool shown);
   void SetRowCount(int count);
   int RowCount() const { return ListView_GetItemCount(Handle()); }
-  void RedrawRow(int row) { ListView_RedrawItems(Handle(), row - 1, row - 1); }
+  // What isn't seen, as the rows of a running job, is drawn anyway when it is shown again.
+  void RedrawRow(int row) {
+    if (::IsWindowVisible(Handle())) ListView_RedrawItems(Handle(), row - 1, row - 1);
+  }
   void SelectRow(int row);  // 0 takes the selection away
   // Scrolls so that the rows from `first` on are to be seen, as many as there is room for.
   void RevealRows(int first);

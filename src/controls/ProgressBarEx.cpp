@@ -31,18 +31,18 @@ void DrawLitBar(HDC context, const RECT& bar, Colour colour) {
 void ProgressBarEx::SetValue(int value) {
   if (value == value_) return;
   value_ = value;
-  ::InvalidateRect(Handle(), nullptr, FALSE);
+  DrawLater();
   ::NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, Handle(), OBJID_CLIENT, CHILDID_SELF);
 }
 
 void ProgressBarEx::SetStyle(int style) {
   style_ = style;
-  ::InvalidateRect(Handle(), nullptr, FALSE);
+  DrawLater();
 }
 
 void ProgressBarEx::SetColour(COLORREF colour) {
   colour_ = colour;
-  ::InvalidateRect(Handle(), nullptr, FALSE);
+  DrawLater();
 }
 
 void ProgressBarEx::Attached() {
@@ -52,9 +52,10 @@ void ProgressBarEx::Attached() {
 
 LRESULT CALLBACK ProgressBarEx::SubclassProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam,
                                                   UINT_PTR id, DWORD_PTR self) {
-  const auto* bar = reinterpret_cast<const ProgressBarEx*>(self);
+  auto* bar = reinterpret_cast<ProgressBarEx*>(self);
   switch (message) {
     case WM_PAINT:
+      bar->Drawn();
       bar->Paint(PaintDc(hwnd).Get());
       return 0;
     case WM_PRINTCLIENT:

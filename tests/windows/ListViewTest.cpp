@@ -143,6 +143,33 @@ TEST_F(ListViewTest, AGhostedRowLooksSoInEveryState) {
   }
 }
 
+int redrawings = 0;
+LRESULT CALLBACK CountRedrawings(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+  if (message == LVM_REDRAWITEMS) ++redrawings;
+  return ::DefSubclassProc(hwnd, message, wParam, lParam);
+}
+
+TEST_F(ListViewTest, ARowThatChangesWhileItIsHiddenIsDrawnWhenItIsShownAgain) {
+  frmMain& main = OpenWith({"C:\\wiped.txt", "C:\\seen.txt"});
+  const Picture before = TextOf(main, 1);
+  redrawings = 0;
+  ASSERT_TRUE(::SetWindowSubclass(main.ListView1.Handle(), &CountRedrawings, 1, 0));
+  main.Hide();
+  main.Jobs().SetGhosted(1, true);
+  EXPECT_EQ(redrawings, 0);
+  main.Show();
+  PumpMessages();
+  const Picture after = TextOf(main, 1);
+  EXPECT_FALSE(after == before);
+  EXPECT_LT(InkContrast(after), 0.75 * InkContrast(before));
+
+  const Picture seen = TextOf(main, 2);
+  main.Jobs().SetGhosted(2, true);
+  PumpMessages();
+  EXPECT_EQ(redrawings, 1);
+  EXPECT_FALSE(TextOf(main, 2) == seen);
+}
+
 TEST_F(ListViewTest, TheChosenRowStandsOutWhileTheFocusIsElsewhere) {
   frmMain& main = OpenWith({"C:\\one.txt", "C:\\two.txt"});
   main.Jobs().Select(1);

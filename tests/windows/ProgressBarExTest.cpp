@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "controls/Default.h"
+#include "controls/MessageLoop.h"
 #include "controls/ProgressBarEx.h"
 #include "resource.h"
 
@@ -65,6 +66,31 @@ TEST_F(ProgressBarExTest, FillsTheShareThatItsValueTells) {
   EXPECT_EQ(ColourAt(10), RGB(40, 210, 43));
   EXPECT_EQ(ColourAt(40), RGB(40, 210, 43));
   EXPECT_EQ(ColourAt(65), RGB(255, 255, 255));
+}
+
+TEST_F(ProgressBarExTest, AsksToBeDrawnOnceForAllValuesUntilItIsDrawn) {
+  const HWND bar = form_.pbCurrent.Handle();
+  const auto isToBeDrawn = [&] { return ::GetUpdateRect(bar, nullptr, FALSE) != FALSE; };
+  PumpMessages();
+  form_.pbCurrent.SetValue(10);
+  EXPECT_TRUE(isToBeDrawn());
+  ::ValidateRect(bar, nullptr);  // shows whether the next value asks again
+  form_.pbCurrent.SetValue(20);
+  EXPECT_FALSE(isToBeDrawn());
+  ::InvalidateRect(bar, nullptr, FALSE);
+  PumpMessages();
+  form_.pbCurrent.SetValue(30);
+  EXPECT_TRUE(isToBeDrawn());
+}
+
+TEST_F(ProgressBarExTest, IsDrawnAgainAfterAValueThatCameWhileItWasHidden) {
+  PumpMessages();
+  form_.Hide();
+  form_.pbCurrent.SetValue(10);
+  form_.Show();
+  PumpMessages();
+  form_.pbCurrent.SetValue(20);
+  EXPECT_TRUE(::GetUpdateRect(form_.pbCurrent.Handle(), nullptr, FALSE));
 }
 
 TEST_F(ProgressBarExTest, HasItsStoredBlueUntilThePlainLookIsAskedFor) {

@@ -86,6 +86,22 @@ TEST_F(frmStatusTest, DrawsATextWhenTheWindowIsPainted) {
   EXPECT_GT(drawings, before);
 }
 
+TEST_F(frmStatusTest, ATextAsksToBeDrawnOnceForAllUntilItIsDrawn) {
+  statusWindow_.Show();
+  PumpMessages();
+  const HWND label = Default<frmStatus>::Touch().lblStatus.Handle();
+  const auto isToBeDrawn = [&] { return ::GetUpdateRect(label, nullptr, FALSE) != FALSE; };
+  statusWindow_.SetStatus("Processed 1");
+  EXPECT_TRUE(isToBeDrawn());
+  ::ValidateRect(label, nullptr);  // shows whether the next text asks again
+  statusWindow_.SetStatus("Processed 2");
+  EXPECT_FALSE(isToBeDrawn());
+  ::InvalidateRect(label, nullptr, FALSE);
+  PumpMessages();
+  statusWindow_.SetStatus("Processed 3");
+  EXPECT_TRUE(isToBeDrawn());
+}
+
 TEST_F(frmStatusTest, IsPaintedAtTimesBetweenTheStepsOfWork) {
   statusWindow_.Show();
   PumpMessages();
