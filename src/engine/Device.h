@@ -218,6 +218,10 @@ class Folder {
     return std::max<std::size_t>(name.size(), 1);
   }
 
+  // Whether a name lies in its file's record, where one that takes the same room covers it (NTFS), and
+  // nothing else covers what is left of it in the folder.
+  virtual bool NamesLieInRecords() const { return false; }
+
   // The folder's own named streams, as for File.
   virtual Status ListStreams(std::vector<std::string>& names) = 0;
   virtual Status OpenStream(const std::string& name, Access access, std::unique_ptr<File>& stream) = 0;

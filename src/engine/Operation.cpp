@@ -79,8 +79,12 @@ std::string HideName(Operation& operation, const Folder& folder, std::string nam
   const auto subject = [&] { return name == oldName ? path : path + ", now named " + name + ','; };
 
   const std::size_t length = folder.NameLength(name);
-  for (const std::size_t goal : {length, length / 2, std::size_t{1}}) {
-    const std::size_t step = std::min(std::max(goal, shortest), length);
+  // A record has room for names in steps of four characters: so many cover all of the old one's, and tell no
+  // more of its length than the record does by itself.
+  using Goals = std::vector<std::size_t>;
+  for (const std::size_t goal :
+       folder.NamesLieInRecords() ? Goals{length | 3} : Goals{length, length / 2, 1}) {
+    const std::size_t step = std::max(goal, std::min(shortest, length));
     if (goal != length && step == folder.NameLength(name)) continue;
     Status status;
     bool renamed = false;

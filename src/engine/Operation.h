@@ -152,7 +152,8 @@ class Operation {
 
 // Steps through random names for an entry of `folder` that is now called `name`: one of the same length, so
 // that the name is overwritten where it stands, then one half as long and one of a single character, so that
-// not even the length is kept. `rename` carries out one step; a taken name is tried again with another one.
+// not even the length is kept. Where names lie in records the first is all, since the others take nothing
+// more away. `rename` carries out one step; a taken name is tried again with another one.
 // `shortest` belongs to the folder: 1 at first, it grows as the short names there are used up.
 // Throws Failure, with `path` as the subject; returns the last name.
 std::string HideName(Operation& operation, const Folder& folder, std::string name, const std::string& path,

@@ -20,6 +20,8 @@ struct Volume {
   bool flushesAtOnce = false;
 
   bool IsNtfs() const { return fileSystem == "NTFS"; }
+  // What a server calls NTFS can be anything.
+  bool NamesLieInRecords() const { return IsNtfs() && !isRemote; }
   bool HasStreams() const { return (flags & 0x00040000) != 0; }  // FILE_NAMED_STREAMS
   bool HasExtendedAttributes() const {
     return (flags & 0x00800000) != 0;

@@ -47,6 +47,8 @@ class WindowsFolder final : public Folder {
     return std::max<std::size_t>(Wide(name).size(), 1);
   }
 
+  bool NamesLieInRecords() const override { return place_.volume->NamesLieInRecords(); }
+
   Status List(std::vector<Entry>& entries) override {
     entries.clear();
     WIN32_FIND_DATAW data{};

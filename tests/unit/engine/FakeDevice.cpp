@@ -407,6 +407,7 @@ class FakeFolder final : public Folder {
   }
 
   std::uint64_t Log() const override { return device_.log; }
+  bool NamesLieInRecords() const override { return device_.namesLieInRecords; }
 
   // As much as the names take, in whole blocks.
   bool RoomForNames(NameRoom& room) override {

@@ -106,6 +106,7 @@ class FakeDevice final : public Device {
   Limits openAtOnce;
   bool mergesEqual = false;                // streams must never be written with a pattern
   std::optional<NameRoom::Kind> nameRoom;  // of all folders; none: names are cleared
+  bool namesLieInRecords = false;          // of all folders
   std::uint64_t log = 0;                   // of all folders; 0: there is none
   Clock::Time clearingTime{0};             // that clearing the log's traces takes, if it may go on
   std::size_t mostEntries = 0;             // of a folder, where no more can be added; 0: no end

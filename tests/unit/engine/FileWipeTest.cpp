@@ -204,6 +204,40 @@ TEST(FileWipe, HidesTheNameByOneOfTheSameLengthThenByShorterOnes) {
   EXPECT_THAT(lengths, ElementsAre(17u, 8u, 1u));
 }
 
+// A record gives names room in steps of four characters, the first of which ends behind the third.
+TEST(FileWipe, CoversANameInARecordByOneThatFillsItsRoom) {
+  for (const auto& [length, room] : std::map<std::size_t, std::size_t>{
+           {1, 3}, {2, 3}, {3, 3}, {4, 7}, {7, 7}, {12, 15}, {17, 19}, {252, 255}, {255, 255}}) {
+    EngineRig rig;
+    rig.device.namesLieInRecords = true;
+    const std::string name(length, 'n');
+    rig.device.MakeFile("/folder/" + name, Secret(10));
+    ASSERT_TRUE(rig.engine.WipeFile("/folder/" + name, 3)) << rig.engine.LastErrorText();
+    std::vector<std::size_t> lengths;
+    for (const Op& op : rig.device.ops) {
+      if (op.kind == "rename") lengths.push_back(op.path.size() - op.path.find(" > ") - 3);
+    }
+    EXPECT_THAT(lengths, ElementsAre(room)) << "of " << length;
+  }
+}
+
+TEST(FileWipe, CoversANameInARecordThoughOthersOfItsLengthAreTaken) {
+  EngineRig rig;
+  rig.device.namesLieInRecords = true;
+  rig.device.MakeFile("/folder/secret", Secret(10));
+  std::string taken;
+  int tries = 0;
+  rig.device.onOp = [&](const Op& op) {
+    if (op.kind != "rename" || ++tries > 1) return;
+    taken = "/folder/" + op.path.substr(op.path.find(" > ") + 3);
+    rig.device.MakeFile(taken, "of another one");
+  };
+  ASSERT_TRUE(rig.engine.WipeFile("/folder/secret", 3)) << rig.engine.LastErrorText();
+  EXPECT_EQ(tries, 2);
+  EXPECT_EQ(rig.device.Find("/folder")->children.size(), 1u);
+  EXPECT_TRUE(rig.device.Exists(taken));
+}
+
 TEST(FileWipe, FindsAnotherNameWhenOneIsTaken) {
   EngineRig rig;
   rig.device.MakeFile("/folder/ab", Secret(10));

@@ -33,6 +33,17 @@ TEST(FolderWipe, RemovesTheFolderWithAllThatIsInIt) {
   EXPECT_EQ(rig.device.openHandles, 0);
 }
 
+TEST(FolderWipe, RenamesFoldersAndLinksOnceWhereNamesLieInRecords) {
+  for (const bool inRecords : {false, true}) {
+    EngineRig rig;
+    rig.device.namesLieInRecords = inRecords;
+    rig.device.MakeFolder("/safe/private papers");
+    rig.device.MakeLink("/safe/private papers/a link", EntryKind::Link);
+    ASSERT_TRUE(rig.engine.WipeFolder("/safe/private papers", 3)) << rig.engine.LastErrorText();
+    EXPECT_EQ(rig.device.Count("rename entry"), inRecords ? 2u : 6u);
+  }
+}
+
 TEST(FolderWipe, MakesTheRemovalsInAFolderDurableBeforeTheFolderGoes) {
   EngineRig rig;
   MakeTree(rig.device);

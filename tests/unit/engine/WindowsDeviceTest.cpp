@@ -303,6 +303,17 @@ TEST(WindowsDevice, SetsOneMomentForAllDates) {
   EXPECT_EQ(time.wHour, 12);
 }
 
+TEST(WindowsDevice, KnowsTheFileSystemsWhoseNamesLieInRecords) {
+  Scratch scratch;
+  const std::wstring root = scratch.Path().root_path().wstring();
+  wchar_t name[MAX_PATH + 1] = L"";
+  ASSERT_NE(::GetVolumeInformationW(root.c_str(), nullptr, 0, nullptr, nullptr, nullptr, name, MAX_PATH), 0);
+  const std::unique_ptr<Device> device = MakeSystemDevice();
+  std::unique_ptr<Folder> folder;
+  ASSERT_TRUE(device->OpenFolder(Utf8(scratch.Path()), folder).Ok());
+  EXPECT_EQ(folder->NamesLieInRecords(), std::wstring(name) == L"NTFS");
+}
+
 TEST(WindowsDevice, RenamesOverNothing) {
   Scratch scratch;
   const std::unique_ptr<Device> device = MakeSystemDevice();

@@ -341,6 +341,18 @@ TEST(WindowsVolume, KnowsWhereFilesAreOverwrittenInPlace) {
   EXPECT_THAT(WhyNotOn(compressed), HasSubstr("compressed"));
 }
 
+TEST(WindowsVolume, KnowsWhereNamesLieInRecords) {
+  Volume volume;
+  for (const char* name : {"FAT", "FAT32", "exFAT", "ReFS", "UDF", "ntfs", ""}) {
+    volume.fileSystem = name;
+    EXPECT_FALSE(volume.NamesLieInRecords()) << name;
+  }
+  volume.fileSystem = "NTFS";
+  EXPECT_TRUE(volume.NamesLieInRecords());
+  volume.isRemote = true;
+  EXPECT_FALSE(volume.NamesLieInRecords()) << "a server gives that name to whatever it has";
+}
+
 TEST(WindowsVolume, EndsFilesOnFatBelowFourGibibytes) {
   Volume volume;
   for (const char* name : {"FAT", "FAT32"}) {
