@@ -15,6 +15,17 @@
 namespace zq::test {
 namespace {
 
+// OLE for as long as this lives.
+class Ole {
+ public:
+  Ole() {
+    if (FAILED(::OleInitialize(nullptr))) throw DriverError("no OLE");
+  }
+  ~Ole() { ::OleUninitialize(); }
+  Ole(const Ole&) = delete;
+  Ole& operator=(const Ole&) = delete;
+};
+
 // Counts references; the objects here live on the stack of the drag and outlive all of them.
 template <typename Interface>
 class OnStack : public Interface {
@@ -122,6 +133,75 @@ void Carry(POINT from, POINT to, Source& source) {
   StepMouseTo(place(), MOUSEEVENTF_LEFTUP);
 }
 
+// The window that a drag begins in: small, in front of all others, in the corner that is farther from the
+// target. It wants no front place for a press: the system eats a press on a window that it can't activate at
+// that moment. Its class knows no double clicks, so that each press is one.
+class DragWindow {
+ public:
+  explicit DragWindow(POINT target) {
+    const int left = target.x < kNear && target.y < kNear ? ::GetSystemMetrics(SM_CXSCREEN) - kSide : 0;
+    middle_ = {left + kSide / 2, kSide / 2};
+    WNDCLASSW wanted{};
+    wanted.lpfnWndProc = Answer;
+    wanted.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
+    wanted.lpszClassName = kClass;
+    ::RegisterClassW(&wanted);  // fails after the first time, which is as good
+    handle_ =
+        ::CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, kClass, L"drag source", WS_POPUP | WS_VISIBLE,
+                          left, 0, kSide, kSide, nullptr, nullptr, nullptr, nullptr);
+    if (handle_ == nullptr) throw DriverError("no window to drag from");
+  }
+  ~DragWindow() { ::DestroyWindow(handle_); }
+  DragWindow(const DragWindow&) = delete;
+  DragWindow& operator=(const DragWindow&) = delete;
+
+  [[nodiscard]] POINT Middle() const { return middle_; }
+
+  // Presses the left button on it; raises if that doesn't reach it.
+  void Press() {
+    MoveMouseTo(middle_);
+    StepMouseTo(middle_, MOUSEEVENTF_LEFTDOWN);
+    const bool down = WaitFor([&] {
+      MSG message;
+      while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+        if (message.message == WM_LBUTTONDOWN && message.hwnd == handle_) return true;
+        ::DispatchMessageW(&message);
+      }
+      return false;
+    });
+    if (down) return;
+    const std::string instead = WhatIsThere();
+    StepMouseTo(middle_, MOUSEEVENTF_LEFTUP);
+    throw DriverError("the mouse does not reach the window to drag from; " + instead);
+  }
+
+ private:
+  static constexpr int kSide = 60;
+  static constexpr int kNear = 100;  // of a target that the corner on the left would cover
+  static constexpr const wchar_t* kClass = L"ZqDragSource";
+
+  static LRESULT CALLBACK Answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_MOUSEACTIVATE) return MA_NOACTIVATE;
+    return ::DefWindowProcW(window, message, wparam, lparam);
+  }
+
+  // Where the pointer is, what lies there, and who has the front place and the mouse.
+  [[nodiscard]] std::string WhatIsThere() const {
+    POINT now{};
+    ::GetCursorPos(&now);
+    GUITHREADINFO front{};
+    front.cbSize = sizeof front;
+    ::GetGUIThreadInfo(0, &front);
+    const auto named = [](HWND window) { return window == nullptr ? "none" : Window(window).Describe(); };
+    return "it is at " + std::to_string(now.x) + ", " + std::to_string(now.y) + ", pressed was " +
+           named(::WindowFromPoint(middle_)) + ", active is " + named(front.hwndActive) +
+           ", the capture is with " + named(front.hwndCapture);
+  }
+
+  POINT middle_{};
+  HWND handle_ = nullptr;
+};
+
 }  // namespace
 
 std::vector<char> DropFilesBytes(const std::vector<std::string>& paths, POINT point) {
@@ -157,63 +237,32 @@ DWORD DragFilesTo(POINT screen, const std::vector<std::string>& paths) {
 }
 
 DWORD DragListTo(POINT screen, std::vector<char> list) {
-  if (FAILED(::OleInitialize(nullptr))) throw DriverError("no OLE for a drag");
-  // A small window in the corner that is farther from the target, in front of all others.
-  const int left = screen.x < 100 && screen.y < 100 ? ::GetSystemMetrics(SM_CXSCREEN) - 60 : 0;
-  HWND window = ::CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, L"STATIC", L"drag source",
-                                  WS_POPUP | WS_VISIBLE | SS_NOTIFY, left, 0, 60, 60, nullptr, nullptr,
-                                  nullptr, nullptr);
-  const POINT from{left + 30, 30};
-  MoveMouseTo(from);
-  StepMouseTo(from, MOUSEEVENTF_LEFTDOWN);
-  bool down = false;
-  WaitFor(
-      [&] {
-        MSG message;
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
-          if (message.message == WM_LBUTTONDOWN && message.hwnd == window) down = true;
-          ::DispatchMessageW(&message);
-        }
-        return down;
-      },
-      kPatience);
-
+  const Ole ole;
+  DragWindow window(screen);
+  window.Press();
   FileData data(std::move(list));
   Source source;
   DWORD effect = DROPEFFECT_NONE;
-  HRESULT result = E_FAIL;
   std::exception_ptr failure;
-  if (down) {
-    std::thread carrier([&] {
-      try {
-        Carry(from, screen, source);
-      } catch (...) {
-        failure = std::current_exception();
-        source.giveUp = true;
-        StepMouseTo(from, MOUSEEVENTF_LEFTUP);
-      }
-    });
-    result = ::DoDragDrop(&data, &source, DROPEFFECT_COPY | DROPEFFECT_MOVE | DROPEFFECT_LINK, &effect);
-    carrier.join();
-  }
-  std::string instead;
-  if (!down) {
-    POINT now{};
-    ::GetCursorPos(&now);
-    instead = "; it is at " + std::to_string(now.x) + ", " + std::to_string(now.y) +
-              ", and where it was pressed is " + Window(::WindowFromPoint(from)).Describe();
-    StepMouseTo(from, MOUSEEVENTF_LEFTUP);
-  }
-  ::DestroyWindow(window);
-  ::OleUninitialize();
+  std::thread carrier([&] {
+    try {
+      Carry(window.Middle(), screen, source);
+    } catch (...) {
+      failure = std::current_exception();
+      source.giveUp = true;
+      StepMouseTo(window.Middle(), MOUSEEVENTF_LEFTUP);
+    }
+  });
+  const HRESULT result =
+      ::DoDragDrop(&data, &source, DROPEFFECT_COPY | DROPEFFECT_MOVE | DROPEFFECT_LINK, &effect);
+  carrier.join();
   if (failure) std::rethrow_exception(failure);
-  if (!down) throw DriverError("the mouse does not reach the window to drag from" + instead);
   if (FAILED(result)) throw DriverError("the drag ended with " + std::to_string(result));
   return result == DRAGDROP_S_DROP ? effect : static_cast<DWORD>(DROPEFFECT_NONE);
 }
 
 DWORD DropFilesOnClass(REFCLSID classId, const std::vector<std::string>& paths) {
-  if (FAILED(::OleInitialize(nullptr))) throw DriverError("no OLE");
+  const Ole ole;
   void* created = nullptr;
   const HRESULT found = ::CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, IID_IDropTarget, &created);
   if (FAILED(found)) throw DriverError("the class is not served: " + std::to_string(found));
@@ -227,7 +276,6 @@ DWORD DropFilesOnClass(REFCLSID classId, const std::vector<std::string>& paths) 
     result = target->Drop(&data, 0, {0, 0}, &effect);
   }
   target->Release();
-  ::OleUninitialize();
   if (FAILED(result)) throw DriverError("the drop was refused: " + std::to_string(result));
   return effect;
 }

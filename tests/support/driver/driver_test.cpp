@@ -248,6 +248,23 @@ TEST_F(Driver, DragsFilesWithTheMouse) {
   EXPECT_EQ(list.Rows(), 5);
 }
 
+LRESULT CALLBACK RefuseTheFront(int code, WPARAM window, LPARAM about) {
+  return code == HCBT_ACTIVATE ? 1 : ::CallNextHookEx(nullptr, code, window, about);
+}
+
+// A press on a window that can't come to the front is eaten unless the window says that it wants none.
+TEST_F(Driver, DragsFilesThoughItsWindowCannotComeToTheFront) {
+  const ListView list(main_.Child(kList));
+  list.WaitRows(3);
+  HHOOK refusal = ::SetWindowsHookExW(WH_CBT, RefuseTheFront, nullptr, ::GetCurrentThreadId());
+  ASSERT_NE(refusal, nullptr);
+  DWORD effect = DROPEFFECT_NONE;
+  EXPECT_NO_THROW(effect = DragFilesTo(list.TheWindow().Centre(), {"C:\\b.txt"}));
+  ::UnhookWindowsHookEx(refusal);
+  EXPECT_EQ(effect, static_cast<DWORD>(DROPEFFECT_COPY));
+  list.WaitRows(4);
+}
+
 TEST_F(Driver, TakesAPicture) {
   const std::string path = TakePicture(main_, "sample");
   ASSERT_FALSE(path.empty());
