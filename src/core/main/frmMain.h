@@ -66,6 +66,10 @@ class frmMain final : public Form,
   ListView ListView1{*this, IDC_frmMain_ListView1};
 
  private:
+  // Posted to ourselves: work that must not run inside the message that asked for it.
+  static constexpr UINT kShowWelcome = WM_APP + 1;
+  static constexpr UINT kShowRows = WM_APP + 2;
+
   // Life of the window.
   void Load() override;
   bool QueryUnload(CloseReason reason) override;
@@ -77,9 +81,7 @@ class frmMain final : public Form,
   void LoadBarLayout();
   void TakeDrops();
 
-  // What is as large as the resolution wants it.
   void DpiChanged() override;
-  void LoadRowPictures();
 
   // The window's size and place, in twips outside, in pixels inside.
   SIZE WindowAround(int clientWidth, int clientHeight) const;
@@ -88,7 +90,10 @@ class frmMain final : public Form,
   void RestoreWindowPlacement();
   WindowPlacement CurrentPlacement() const;
 
-  // Bars and list.
+  // The list: how it asks for its rows, its columns, the rows' pictures as large as the resolution wants.
+  void ConnectList();
+  void ShowColumns();
+  void LoadRowPictures();
   void DockStudio1_ClientAreaChanged();
   void ListView1_OLEDragDrop(const DroppedPaths& paths);
 
