@@ -133,14 +133,52 @@ void Carry(POINT from, POINT to, Source& source) {
   StepMouseTo(place(), MOUSEEVENTF_LEFTUP);
 }
 
-// The window that a drag begins in: small, in front of all others, in the corner that is farther from the
-// target. It wants no front place for a press: the system eats a press on a window that it can't activate at
-// that moment. Its class knows no double clicks, so that each press is one.
+// Whether a topmost window that can be seen lies there, anybody's.
+bool HoldsTopmost(const RECT& place) {
+  struct Search {
+    RECT place;
+    bool found = false;
+  } search{place};
+  const auto look = [](HWND window, LPARAM parameter) -> BOOL {
+    auto& asked = *reinterpret_cast<Search*>(parameter);
+    RECT covered{};
+    RECT common{};
+    asked.found = ::IsWindowVisible(window) != 0 && ::IsIconic(window) == 0 && Window(window).IsTopmost() &&
+                  ::GetWindowRect(window, &covered) != 0 &&
+                  ::IntersectRect(&common, &covered, &asked.place) != 0;
+    return asked.found ? FALSE : TRUE;
+  };
+  ::EnumWindows(look, reinterpret_cast<LPARAM>(&search));
+  return search.found;
+}
+
+constexpr int kDragSide = 60;  // of the window that a drag begins in
+
+// A corner of the screen for a drag to the target to begin in, with no topmost window in it. What is put over
+// another window isn't above it for good: whoever is told late by the X server that the pointer was over its
+// window has it lifted again, though never above a topmost one unless it is one itself. The press would be
+// for that window.
+RECT FreeCorner(POINT target) {
+  const int right = ::GetSystemMetrics(SM_CXSCREEN) - kDragSide;
+  const int bottom = ::GetSystemMetrics(SM_CYSCREEN) - kDragSide;
+  for (const POINT at : {POINT{0, 0}, POINT{right, 0}, POINT{0, bottom}, POINT{right, bottom}}) {
+    const RECT corner{at.x, at.y, at.x + kDragSide, at.y + kDragSide};
+    RECT around = corner;
+    constexpr int kApart = 40;  // far more than a drag trembles at its target
+    ::InflateRect(&around, kApart, kApart);
+    if (::PtInRect(&around, target) == 0 && !HoldsTopmost(corner)) return corner;
+  }
+  throw DriverError("a topmost window lies in each corner of the screen, so that no drag can begin");
+}
+
+// The window that a drag begins in: small, in front of all others. It wants no front place for a press: the
+// system eats a press on a window that it can't activate at that moment. Its class knows no double clicks, so
+// that each press is one.
 class DragWindow {
  public:
   explicit DragWindow(POINT target) {
-    const int left = target.x < kNear && target.y < kNear ? ::GetSystemMetrics(SM_CXSCREEN) - kSide : 0;
-    middle_ = {left + kSide / 2, kSide / 2};
+    const RECT corner = FreeCorner(target);
+    middle_ = {corner.left + kDragSide / 2, corner.top + kDragSide / 2};
     WNDCLASSW wanted{};
     wanted.lpfnWndProc = Answer;
     wanted.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_WINDOW + 1);
@@ -148,7 +186,7 @@ class DragWindow {
     ::RegisterClassW(&wanted);  // fails after the first time, which is as good
     handle_ =
         ::CreateWindowExW(WS_EX_TOPMOST | WS_EX_TOOLWINDOW, kClass, L"drag source", WS_POPUP | WS_VISIBLE,
-                          left, 0, kSide, kSide, nullptr, nullptr, nullptr, nullptr);
+                          corner.left, corner.top, kDragSide, kDragSide, nullptr, nullptr, nullptr, nullptr);
     if (handle_ == nullptr) throw DriverError("no window to drag from");
   }
   ~DragWindow() { ::DestroyWindow(handle_); }
@@ -176,8 +214,6 @@ class DragWindow {
   }
 
  private:
-  static constexpr int kSide = 60;
-  static constexpr int kNear = 100;  // of a target that the corner on the left would cover
   static constexpr const wchar_t* kClass = L"ZqDragSource";
 
   static LRESULT CALLBACK Answer(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {

@@ -4,7 +4,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/driver/sample_app.h"
@@ -261,6 +263,32 @@ TEST_F(Driver, DragsFilesThoughItsWindowCannotComeToTheFront) {
   DWORD effect = DROPEFFECT_NONE;
   EXPECT_NO_THROW(effect = DragFilesTo(list.TheWindow().Centre(), {"C:\\b.txt"}));
   ::UnhookWindowsHookEx(refusal);
+  EXPECT_EQ(effect, static_cast<DWORD>(DROPEFFECT_COPY));
+  list.WaitRows(4);
+}
+
+// A window that is topmost, too, may come above the one that is dragged from at any moment.
+TEST_F(Driver, DragsFilesBesideATopmostWindowThatIsLiftedAgainAndAgain) {
+  const ListView list(main_.Child(kList));
+  list.WaitRows(3);
+  std::atomic<bool> lifted{false};
+  std::atomic<bool> dragged{false};
+  std::thread other([&] {
+    HWND window = ::CreateWindowExW(WS_EX_TOPMOST, L"STATIC", L"topmost", WS_POPUP | WS_VISIBLE, 0, 0, 90, 90,
+                                    nullptr, nullptr, nullptr, nullptr);
+    while (!dragged) {
+      ::SetWindowPos(window, HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+      lifted = true;
+      MSG message;
+      while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) ::DispatchMessageW(&message);
+    }
+    ::DestroyWindow(window);
+  });
+  Await("the topmost window", [&] { return lifted.load(); });
+  DWORD effect = DROPEFFECT_NONE;
+  EXPECT_NO_THROW(effect = DragFilesTo(list.TheWindow().Centre(), {"C:\\b.txt"}));
+  dragged = true;
+  other.join();
   EXPECT_EQ(effect, static_cast<DWORD>(DROPEFFECT_COPY));
   list.WaitRows(4);
 }
