@@ -297,9 +297,4 @@ std::optional<LRESULT> frmMain::OnMessage(UINT message, WPARAM wParam, LPARAM lP
   }
 }
 
-void frmMain::ListView1_OLEDragDrop(const DroppedPaths& paths) {
-  addFiles_.AddDropped(paths);
-  commands_.UpdateTools();
-}
-
 }  // namespace zq

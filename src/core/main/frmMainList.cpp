@@ -78,6 +78,11 @@ void frmMain::DockStudio1_ClientAreaChanged() {
     ListView1.SetColumnWidth(static_cast<int>(i), width / kColumnDivisors[i]);
 }
 
+void frmMain::ListView1_OLEDragDrop(const DroppedPaths& paths) {
+  addFiles_.AddDropped(paths);
+  commands_.UpdateTools();
+}
+
 // The control is told the number of rows once for all that are added in one go. When rows go, it is told
 // at once: it must never ask for one that isn't there.
 void frmMain::RowsChanged() {
