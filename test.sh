@@ -24,8 +24,9 @@ mkdir -p build/all
 for tree in "${trees[@]}"; do
   echo "subdirs(\"$PWD/build/$tree\")"
 done >build/all/CTestTestfile.cmake
-# One more than there are processors: a test of windows waits for the better part of its time.
+# Two more than there are processors: a test of windows waits for the better part of its time, and one compiles
+# while others wait.
 status=0
-ctest --test-dir build/all --parallel "$((jobs + 1))" --output-on-failure --no-tests=error "$@" || status=$?
+ctest --test-dir build/all --parallel "$((jobs + 2))" --output-on-failure --no-tests=error "$@" || status=$?
 ((status == 0)) || scripts/failures.sh build/all/Testing/Temporary/LastTest.log
 exit "$status"

@@ -37,7 +37,7 @@ def for_clang(words):
 
 
 def split(words, file):
-    """What a file is read with: where headers are looked for, and all else."""
+    """What a file is read with: where headers are looked for, and all else, but for headers precompiled for speed."""
     places, rest = [], []
     words = iter(words)
     for word in words:
@@ -45,7 +45,7 @@ def split(words, file):
             places.append((word, next(words)))
         elif word.startswith("-I"):
             places.append((word,))
-        elif word == "-o":
+        elif word in ("-o", "-include", "-Xclang"):
             next(words)
         elif word not in ("-c", file) and not word.startswith(NOT_FOR_READING):
             rest.append(word)

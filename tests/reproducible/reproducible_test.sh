@@ -18,7 +18,7 @@ cmake --build "$build" --target "$target" >/dev/null
 (
   cd -- "$copy"
   cmake --preset program -Wno-dev >/dev/null
-  cmake --build --preset program --target "$target" >/dev/null
+  nice cmake --build --preset program --target "$target" --parallel "$(nproc)" >/dev/null
 )
 
 program=$(cd -- "$copy/build/program" && find . -name "$target.exe" -print -quit)
