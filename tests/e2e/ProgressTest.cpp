@@ -1,9 +1,7 @@
 // The status window of a job wipe: what it shows, and how the user cancels.
 #include <algorithm>
-#include <filesystem>
 
 #include "e2e/Wiping.h"
-#include "support/driver/Text.h"
 #include "support/driver/sample_app.h"
 
 namespace zq::test {
@@ -209,9 +207,7 @@ TEST_F(Progress, DrawsBarsOfTheWantedLook) {
         EXPECT_EQ(pixels(bar, visual ? kGreen : kBlue), 0);
       }
     }
-    status.cancel.Press();
-    program.WaitBox("Cancel").Answer("Yes");
-    Close(program, main, kCancelled);
+    Close(program, main, kComplete);
   }
 }
 
@@ -287,7 +283,6 @@ class Cancelling : public WipingTest {
 
   // The job is open still, and a cancel of one run is none of the next.
   void WipeTheRest(const Program& program, const MainWindow& main) const {
-    std::filesystem::resize_file(ToWide(paths_[1]), 1u << 20);  // this time nobody has to catch it at work
     const StampWindow stamps;
     Confirm(program, main);
     Close(program, main, kComplete);

@@ -135,21 +135,13 @@ void Carry(POINT from, POINT to, Source& source) {
 
 // Whether a topmost window that can be seen lies there, anybody's.
 bool HoldsTopmost(const RECT& place) {
-  struct Search {
-    RECT place;
-    bool found = false;
-  } search{place};
-  const auto look = [](HWND window, LPARAM parameter) -> BOOL {
-    auto& asked = *reinterpret_cast<Search*>(parameter);
-    RECT covered{};
-    RECT common{};
-    asked.found = ::IsWindowVisible(window) != 0 && ::IsIconic(window) == 0 && Window(window).IsTopmost() &&
-                  ::GetWindowRect(window, &covered) != 0 &&
-                  ::IntersectRect(&common, &covered, &asked.place) != 0;
-    return asked.found ? FALSE : TRUE;
-  };
-  ::EnumWindows(look, reinterpret_cast<LPARAM>(&search));
-  return search.found;
+  return !TopLevelWindows([&](Window window) {
+            RECT covered{};
+            RECT common{};
+            return window.IsVisible() && ::IsIconic(window.Handle()) == 0 && window.IsTopmost() &&
+                   ::GetWindowRect(window.Handle(), &covered) != 0 &&
+                   ::IntersectRect(&common, &covered, &place) != 0;
+          }).empty();
 }
 
 constexpr int kDragSide = 60;  // of the window that a drag begins in
