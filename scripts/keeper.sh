@@ -86,6 +86,14 @@ has_socket() {
   ((${#sockets[@]} > 0)) && [[ -S ${sockets[0]} ]]
 }
 
+# take_modifiers DISPLAY: from the keyboard of our own X server. With each change of its focus the server tells Wine
+# which of its keys are down, and Wine would let go of a modifier that a test holds down in a window: not of one that
+# the keyboard doesn't have.
+take_modifiers() {
+  xkbcomp -xkb "$1" - | sed -E '/^xkb_symbols /,/^};/ s/\b(Shift|Control|Alt|Meta)_[LR]\b/VoidSymbol/g' |
+    xkbcomp -w 0 - "$1"
+}
+
 keep() {
   cd -- "$prefix"
   export HOME=$prefix/home USER=user LOGNAME=user LC_ALL=C.UTF-8 TMPDIR=$prefix/tmp
@@ -101,12 +109,13 @@ keep() {
     fi
     local size=1280x1024
     [[ ! -f $prefix/cage/size ]] || size=$(<"$prefix/cage/size")
-    Xvfb -displayfd 3 -screen 0 "${size}x24" -dpi 96 -nolisten tcp 3>"$prefix/cage/display.new" &
+    Xvfb -displayfd 3 -screen 0 "${size}x24" -dpi 96 -nolisten tcp -noreset 3>"$prefix/cage/display.new" &
     xvfb=$!
     until [[ -s $prefix/cage/display.new ]]; do
       kill -0 "$xvfb"
       sleep 0.02
     done
+    take_modifiers ":$(<"$prefix/cage/display.new")"
     echo ":$(<"$prefix/cage/display.new")" >"$prefix/cage/display"
   fi
 

@@ -22,7 +22,7 @@ packages_of() {
       ;;
     run)
       # Wine's own fonts bring Tahoma; the others stand in for Verdana and Arial.
-      printf '%s\n' wine wine64 fonts-wine fonts-dejavu-core fonts-liberation2 xvfb xauth util-linux
+      printf '%s\n' wine wine64 fonts-wine fonts-dejavu-core fonts-liberation2 xvfb x11-xkb-utils xauth util-linux
       ;;
     test)
       printf '%s\n' googletest clang libclang-rt-dev clang-format clang-tidy cppcheck shellcheck \

@@ -1,7 +1,6 @@
 #include "e2e/Zeroquill.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 
 #include "support/driver/Text.h"
@@ -118,17 +117,8 @@ void MainWindow::WaitJobTools(bool enabled) const {
 
 Window MainWindow::OpenMenu(WORD menuKey) const {
   window.WaitEnabled();  // keys are lost on a window that still has a modal one
-  const auto isOpen = [&] { return static_cast<bool>(FindMenu(*program_)); };
-  // On a busy machine Wine still lets go of a modifier at times between it and its key (see LetItHear in the
-  // driver): the letter alone came then, and opened nothing.
-  constexpr Limit kOnce{5000};
-  for (int times = 1; times < 4; ++times) {
-    TypeKey(window, menuKey, {VK_MENU});
-    if (WaitFor(isOpen, kOnce)) return FindMenu(*program_);
-    std::fprintf(stderr, "No menu came by its letter; typed again.\n");
-  }
   TypeKey(window, menuKey, {VK_MENU});
-  Await("a menu", isOpen);
+  Await("a menu", [&] { return static_cast<bool>(FindMenu(*program_)); });
   return FindMenu(*program_);
 }
 

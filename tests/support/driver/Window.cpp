@@ -1,6 +1,5 @@
 #include "support/driver/Window.h"
 
-#include <algorithm>
 #include <initializer_list>
 #include <utility>
 
@@ -264,25 +263,17 @@ std::vector<Window> TopLevelWindows(const std::function<bool(Window)>& condition
 
 namespace {
 
-// With a window that comes under the pointer the X server tells which keys are down, by which Wine goes: a
-// modifier that is down here alone would be released. So the pointer waits where windows don't come and go.
-void ParkMouse() {
-  const POINT corner{::GetSystemMetrics(SM_CXSCREEN) - 1, ::GetSystemMetrics(SM_CYSCREEN) - 1};
-  POINT now{};
-  if (::GetCursorPos(&now) && now.x == corner.x && now.y == corner.y) return;
-  MoveMouseTo(corner);
-  Window(::GetDesktopWindow()).Send(WM_NULL);  // it has heard by then that the pointer is there
-}
-
-// The X server tells which keys are down with each change of its focus, too. The window hears it in its own
-// time: so all that the server has to say is waited for, by questions that it answers in its turn (its
-// pixels), and by messages between which the window takes what has come.
+// The X server tells which keys are down with each change of its focus, to the window and to the desktop that
+// it lies on, and Wine takes that for the state of all keys. They hear it in their own time: so all that the
+// server has to say is waited for, by questions that it answers in its turn (its pixels), and by messages
+// between which they take what has come.
 void LetItHear(Window window) {
   constexpr int kTurns = 3;
   HDC screen = ::GetDC(nullptr);
   for (int turn = 0; turn < kTurns; ++turn) {
     ::GetPixel(screen, 0, 0);
     window.Send(WM_NULL);
+    Window(::GetDesktopWindow()).Send(WM_NULL);
   }
   ::ReleaseDC(nullptr, screen);
 }
@@ -299,63 +290,16 @@ void Type(std::vector<INPUT> inputs) {
   if (::SendInput(count, inputs.data(), sizeof(INPUT)) != count) throw DriverError("can't type a key");
 }
 
-bool AreDown(const std::vector<WORD>& keys) {
-  return std::all_of(keys.begin(), keys.end(),
-                     [](WORD key) { return (::GetAsyncKeyState(key) & 0x8000) != 0; });
-}
-
-// Modifiers, and a key that is typed while they are down.
-class Chord {
- public:
-  explicit Chord(const std::vector<WORD>& modifiers) : modifiers_(modifiers) {}
-  Chord(const Chord&) = delete;
-  Chord& operator=(const Chord&) = delete;
-  ~Chord() {
-    if (held_) ::SendInput(static_cast<UINT>(up_.size()), up_.data(), sizeof(INPUT));
-  }
-
-  // On a busy machine the X server's word on the keys can still come late, and let go of them: then they are
-  // pressed again, before the key that they are for.
-  void HoldIn(Window window) {
-    held_ = true;
-    Await("the modifiers to stay down", [&] {
-      Type(down_);
-      LetItHear(window);
-      return AreDown(modifiers_);
-    });
-  }
-
-  // All at once: while a window has keys to take, what it takes for down isn't changed by the X server.
-  void TypeAndRelease(WORD key) {
-    std::vector<INPUT> inputs = down_;
-    inputs.push_back(KeyInput(key, false));
-    inputs.push_back(KeyInput(key, true));
-    inputs.insert(inputs.end(), up_.begin(), up_.end());
-    held_ = false;
-    Type(inputs);
-  }
-
- private:
-  static std::vector<INPUT> Inputs(const std::vector<WORD>& keys, bool up) {
-    std::vector<INPUT> inputs;
-    for (WORD key : keys) inputs.push_back(KeyInput(key, up));
-    return inputs;
-  }
-
-  const std::vector<WORD> modifiers_;
-  const std::vector<INPUT> down_ = Inputs(modifiers_, false);
-  std::vector<INPUT> up_ = Inputs(modifiers_, true);
-  bool held_ = false;
-};
-
 }  // namespace
 
 void TypeKey(Window window, WORD key, const std::vector<WORD>& modifiers) {
-  if (!modifiers.empty()) ParkMouse();
+  std::vector<INPUT> inputs;
+  for (WORD modifier : modifiers) inputs.push_back(KeyInput(modifier, false));
+  inputs.push_back(KeyInput(key, false));
+  inputs.push_back(KeyInput(key, true));
+  for (WORD modifier : modifiers) inputs.push_back(KeyInput(modifier, true));
   ComeToFront(window);
-  Chord chord(modifiers);
-  if (!modifiers.empty()) chord.HoldIn(window);
-  chord.TypeAndRelease(key);
+  Type(std::move(inputs));
 }
 
 void TypeText(Window window, std::string_view text) {
