@@ -67,6 +67,7 @@ function(zq_precompile target)
       <algorithm> <cstddef> <cstdint> <functional> <memory> <optional> <string> <string_view> <utility> <vector>)
   endif()
 endfunction()
+
 if(CMAKE_BUILD_TYPE STREQUAL "Release")
   # Each table and function in a section of its own, so that a program leaves out those that nobody asks for (zq_ships).
   # In programs for Windows the linker keeps the functions of each object all the same: every one stands in the table of
