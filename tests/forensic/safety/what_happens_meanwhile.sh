@@ -27,7 +27,9 @@ case_grows_all_the_time() {
   (while :; do echo new; done) >>"$top/file" 2>/dev/null &
   writer=$!
   until (($(stat -c %s "$top/file") > 50000)); do kill -0 "$writer" || break; done
-  wipe "$top"
+  # The writer is given the processor within the wipe, too, which may be over before it otherwise.
+  wipe --at file "size=\$(stat -c %s '$top/file')
+    until [ \$(stat -c %s '$top/file') -gt \$size ]; do :; done" "$top"
   kill "$writer" 2>/dev/null || true
   wait "$writer" 2>/dev/null || true
   refused 'another program has'
@@ -181,15 +183,18 @@ case_open_elsewhere() {
 }
 
 case_running_program() {
+  local program
   mkdir "$top"
   cp -- "$(command -v sleep)" "$top/program"
   sum[$top/program]=$(sha256sum <"$top/program")
   put "$top/file"
   "$top/program" 60 &
+  program=$!
+  until [[ /proc/$program/exe -ef $top/program ]]; do kill -0 "$program" || break; done
   wipe "$top"
   refused 'Text file busy'
-  kill $!
-  wait $! 2>/dev/null || true
+  kill "$program"
+  wait "$program" 2>/dev/null || true
   kept "$top/program"
   gone "$top/file"
 }
